@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Which machine code decodes and encodes batches of points. All sets give the same bits, so this is a matter of speed
-// alone. One choice for the process; it may be read and changed from any thread.
+// Which machine code decodes and encodes batches of points. All sets give the same bits, so this is a matter
+// of speed alone. One choice for the process; it may be read and changed from any thread.
 #pragma once
 
 namespace SIO {
@@ -14,8 +14,8 @@ enum class QsbInstructionSetT : int
     eAvx2
 };
 
-/// What is used from now on: the best that the machine has, or less when the environment variable SCANREADER_SIMD
-/// said "virtual" or "baseline" when this was first asked.
+/// What is used from now on: the best that the machine has, or less when the environment variable
+/// SCANREADER_SIMD said "virtual" or "baseline" when this was first asked.
 QsbInstructionSetT GetInstructionSet() noexcept;
 
 /// Chooses one; what the machine does not have becomes the best that it has. For tests and benchmarks.

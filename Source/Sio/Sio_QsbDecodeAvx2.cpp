@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Decoding with AVX2. A point is one column of four doubles: x, y, z and w come out of three multiplications and
-// three additions, each lane in the order of operations that the format defines, and fused operations stay off. The
-// sixteen bytes behind the position are put in place by one shuffle. Vector loads reach beyond a stored point, never
-// beyond the stretch: its last points are left to the portable kernel.
+// Decoding with AVX2. A point is one column of four doubles: x, y, z and w come out of three multiplications
+// and three additions, each lane in the order of operations that the format defines, and fused operations
+// stay off. The sixteen bytes behind the position are put in place by one shuffle. Vector loads reach beyond
+// a stored point, never beyond the stretch: its last points are left to the portable kernel.
 #include "Sio/Sio_QsbDecodeKernels.h"
 
 #if defined(__x86_64__)
@@ -12,8 +12,8 @@
 #include <algorithm>
 #include <immintrin.h>
 
-// On the functions rather than on the file, so that no inline function of a header is compiled for AVX2 and then
-// chosen by the linker for everyone.
+// On the functions rather than on the file, so that no inline function of a header is compiled for AVX2 and
+// then chosen by the linker for everyone.
 #define SIO_AVX2 __attribute__((target("avx2")))
 
 namespace SIO {

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Decoding on every machine: a plain loop, specialised by which elements there are. On x86-64 two lanes of SSE2 are
-// used, elsewhere plain arithmetic in the same order.
+// Decoding on every machine: a plain loop, specialised by which elements there are. On x86-64 two lanes of
+// SSE2 are used, elsewhere plain arithmetic in the same order.
 #include "Sio/Sio_QsbDecodeKernels.h"
 
 #include "Sio/Sio_LittleEndian.h"
+#include "Sio/Sio_QsbRecordShape.h"
 
 #include <cstring>
+#include <type_traits>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -76,18 +78,6 @@ private:
 
 #endif
 
-/// The numbers of bytes that choose a specialisation.
-template<bool bDoubleT, bool bRawT, int nIntensityT, int nNoiseT, int nGridT, int nColorT>
-struct ShapeT
-{
-    static constexpr bool bDouble = bDoubleT;
-    static constexpr bool bRaw = bRawT;
-    static constexpr int nIntensity = nIntensityT;
-    static constexpr int nNoise = nNoiseT;
-    static constexpr int nGrid = nGridT;
-    static constexpr int nColor = nColorT;
-};
-
 template<typename S>
 void DecodeTail(const char* pTail, const QsbRecordMovesT& layout, QsbPointC& point)
 {
@@ -114,75 +104,44 @@ void DecodeTail(const char* pTail, const QsbRecordMovesT& layout, QsbPointC& poi
     }
 }
 
-template<typename S>
-void DecodeStretch(const QsbDecodeStretchT& stretch)
+/// The loop that a shape chooses.
+template<bool bRaw>
+struct DecodeLoopT
 {
-    using NumberT = std::conditional_t<S::bDouble, double, float>;
-    // A copy: the compiler must assume that writing a byte of a point changes whatever it can reach.
-    const QsbRecordMovesT layout = *stretch.pLayout;
-    const TransformerC transform(stretch.pMatrix);
-    const char* pSource = stretch.pSource;
-    QsbPointC* pPoint = stretch.pPoints;
-    for (QsbPointC* const pEnd = pPoint + stretch.nPoints; pPoint != pEnd; ++pPoint) {
-        const double x = LoadLittleEndian<NumberT>(pSource);
-        const double y = LoadLittleEndian<NumberT>(pSource + sizeof(NumberT));
-        const double z = LoadLittleEndian<NumberT>(pSource + 2 * sizeof(NumberT));
-        if constexpr (S::bRaw) {
-            pPoint->x = x;
-            pPoint->y = y;
-            pPoint->z = z;
-        } else {
-            transform(x, y, z, *pPoint);
+    const QsbDecodeStretchT& rStretch;
+
+    template<typename S>
+    void Run() const
+    {
+        using NumberT = std::conditional_t<S::bDouble, double, float>;
+        // A copy: the compiler must assume that writing a byte of a point changes whatever it can reach.
+        const QsbRecordMovesT layout = *rStretch.pLayout;
+        const TransformerC transform(rStretch.pMatrix);
+        const char* pSource = rStretch.pSource;
+        QsbPointC* pPoint = rStretch.pPoints;
+        for (QsbPointC* const pEnd = pPoint + rStretch.nPoints; pPoint != pEnd; ++pPoint) {
+            const double x = LoadLittleEndian<NumberT>(pSource);
+            const double y = LoadLittleEndian<NumberT>(pSource + sizeof(NumberT));
+            const double z = LoadLittleEndian<NumberT>(pSource + 2 * sizeof(NumberT));
+            if constexpr (bRaw) {
+                pPoint->x = x;
+                pPoint->y = y;
+                pPoint->z = z;
+            } else {
+                transform(x, y, z, *pPoint);
+            }
+            DecodeTail<S>(pSource + 3 * sizeof(NumberT), layout, *pPoint);
+            pSource += layout.tRecordBytes;
         }
-        DecodeTail<S>(pSource + 3 * sizeof(NumberT), layout, *pPoint);
-        pSource += layout.tRecordBytes;
     }
-}
-
-// One choice after the other, from the layout's numbers to a specialisation.
-
-template<bool bDouble, bool bRaw, int nIntensity, int nNoise, int nGrid>
-void ChooseColor(const QsbDecodeStretchT& s)
-{
-    s.pLayout->oColor.ucBytes != 0 ? DecodeStretch<ShapeT<bDouble, bRaw, nIntensity, nNoise, nGrid, 4>>(s)
-                                   : DecodeStretch<ShapeT<bDouble, bRaw, nIntensity, nNoise, nGrid, 0>>(s);
-}
-
-template<bool bDouble, bool bRaw, int nIntensity, int nNoise>
-void ChooseGrid(const QsbDecodeStretchT& s)
-{
-    switch (s.pLayout->oGrid.ucBytes) {
-    case 4: return ChooseColor<bDouble, bRaw, nIntensity, nNoise, 4>(s);
-    case 8: return ChooseColor<bDouble, bRaw, nIntensity, nNoise, 8>(s);
-    default: return ChooseColor<bDouble, bRaw, nIntensity, nNoise, 0>(s);
-    }
-}
-
-template<bool bDouble, bool bRaw, int nIntensity>
-void ChooseNoise(const QsbDecodeStretchT& s)
-{
-    switch (s.pLayout->oNoise.ucBytes) {
-    case 1: return ChooseGrid<bDouble, bRaw, nIntensity, 1>(s);
-    case 2: return ChooseGrid<bDouble, bRaw, nIntensity, 2>(s);
-    default: return ChooseGrid<bDouble, bRaw, nIntensity, 0>(s);
-    }
-}
-
-template<bool bDouble, bool bRaw>
-void ChooseIntensity(const QsbDecodeStretchT& s)
-{
-    s.pLayout->oIntensity.ucBytes != 0 ? ChooseNoise<bDouble, bRaw, 2>(s) : ChooseNoise<bDouble, bRaw, 0>(s);
-}
+};
 
 } // namespace
 
 void DecodeBaseline(const QsbDecodeStretchT& stretch)
 {
-    if (stretch.pLayout->bDouble) {
-        stretch.pLayout->bRaw ? ChooseIntensity<true, true>(stretch) : ChooseIntensity<true, false>(stretch);
-    } else {
-        stretch.pLayout->bRaw ? ChooseIntensity<false, true>(stretch) : ChooseIntensity<false, false>(stretch);
-    }
+    stretch.pLayout->bRaw ? WithRecordShape(*stretch.pLayout, DecodeLoopT<true>{stretch})
+                          : WithRecordShape(*stretch.pLayout, DecodeLoopT<false>{stretch});
 }
 
 } // namespace SIO

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The inner loops of decoding: positions and moved bytes of a stretch of points. Every kernel gives the same bits as
-// the others (NaN as NaN), touches in a record only what the layout writes, and reads no byte outside the stretch.
+// The inner loops of decoding: positions and moved bytes of a stretch of points. Every kernel gives the same
+// bits as the others (NaN as NaN), touches in a record only what the layout writes, and reads no byte outside
+// the stretch.
 #pragma once
 
 #include "Sio/Sio_QsbRecordLayout.h"

@@ -44,11 +44,12 @@ template<typename StoredT, typename T>
 void LoopOver(const char* pSource, std::size_t nRecordBytes, QsbPointC* pPoints, std::size_t nPoints,
               T QsbPointC::*pField)
 {
-    for (std::size_t i = 0; i < nPoints; ++i) pPoints[i].*pField = LowBits<T, StoredT>(pSource + i * nRecordBytes);
+    for (std::size_t i = 0; i < nPoints; ++i)
+        pPoints[i].*pField = LowBits<T, StoredT>(pSource + i * nRecordBytes);
 }
 
-void LoopOverElement(const QsbLoopElementT& loop, const char* pSource, std::size_t nRecordBytes, QsbPointC* pPoints,
-                     std::size_t nPoints)
+void LoopOverElement(const QsbLoopElementT& loop, const char* pSource, std::size_t nRecordBytes,
+                     QsbPointC* pPoints, std::size_t nPoints)
 {
     const auto over = [&]<typename StoredT, typename T>(StoredT, T QsbPointC::*pField, std::size_t tOffset) {
         LoopOver<StoredT>(pSource + loop.tOffset + tOffset, nRecordBytes, pPoints, nPoints, pField);
@@ -63,10 +64,12 @@ void LoopOverElement(const QsbLoopElementT& loop, const char* pSource, std::size
         return over(std::uint16_t{}, &QsbPointC::intensity, 0); // int16 has the same low bits
     case PD_LEVEL_OF_NOISE:
         if (loop.uiTypeCode == QsbFormat::s_uiTypeFloat) return over(float{}, &QsbPointC::levelOfNoise, 0);
-        if (loop.uiTypeCode == QsbFormat::s_uiTypeUInt16) return over(std::uint16_t{}, &QsbPointC::levelOfNoise, 0);
+        if (loop.uiTypeCode == QsbFormat::s_uiTypeUInt16)
+            return over(std::uint16_t{}, &QsbPointC::levelOfNoise, 0);
         return over(std::uint8_t{}, &QsbPointC::levelOfNoise, 0);
     case PD_GRID:
-        return loop.uiTypeCode == QsbFormat::s_uiTypeUInt16Pair ? overGrid(std::uint16_t{}) : overGrid(std::uint32_t{});
+        return loop.uiTypeCode == QsbFormat::s_uiTypeUInt16Pair ? overGrid(std::uint16_t{})
+                                                                : overGrid(std::uint32_t{});
     default:
         over(std::uint8_t{}, &QsbPointC::red, 0);
         over(std::uint8_t{}, &QsbPointC::green, 1);

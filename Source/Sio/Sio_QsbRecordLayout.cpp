@@ -23,6 +23,10 @@ bool IsFloat(const PointDefinitionI& element)
     return element.GetTypeCode() == QsbFormat::s_uiTypeFloat;
 }
 
+/// More elements than this are left to the virtual path: no real scan has them, and a hostile header has
+/// millions.
+constexpr std::size_t s_nMaxElements = 32;
+
 std::size_t CountKind(const PointDefinitionContainerI& definition, std::uint32_t uiKind)
 {
     std::size_t nCount = 0;
@@ -36,7 +40,8 @@ std::size_t CountKind(const PointDefinitionContainerI& definition, std::uint32_t
 bool TakePosition(const PointDefinitionI& element, QsbRecordLayoutT& layout)
 {
     const std::type_info& type = typeid(element);
-    layout.bDouble = type == typeid(PointDefPositionC<double>) || type == typeid(PointDefPositionRawC<double>);
+    layout.bDouble =
+        type == typeid(PointDefPositionC<double>) || type == typeid(PointDefPositionRawC<double>);
     layout.bRaw = type == typeid(PointDefPositionRawC<float>) || type == typeid(PointDefPositionRawC<double>);
     layout.tPositionBytes = element.GetSizeInBytes();
     return layout.bDouble || layout.bRaw || type == typeid(PointDefPositionC<float>);
@@ -45,27 +50,36 @@ bool TakePosition(const PointDefinitionI& element, QsbRecordLayoutT& layout)
 bool IsKnownElement(const PointDefinitionI& element)
 {
     const std::type_info& type = typeid(element);
-    const std::type_info* const apKnown[] = {
-        &typeid(PointDefIntensityC<std::int16_t>),   &typeid(PointDefIntensityC<std::uint16_t>),
-        &typeid(PointDefIntensityC<float>),          &typeid(PointDefLevelOfNoiseC<std::uint8_t>),
-        &typeid(PointDefLevelOfNoiseC<std::uint16_t>), &typeid(PointDefLevelOfNoiseC<float>),
-        &typeid(PointDefGridC<std::uint16_t>),       &typeid(PointDefGridC<std::uint32_t>),
-        &typeid(PointDefColorC<std::uint8_t>)};
-    return std::any_of(std::begin(apKnown), std::end(apKnown), [&](const std::type_info* p) { return *p == type; });
+    const std::type_info* const apKnown[] = {&typeid(PointDefIntensityC<std::int16_t>),
+                                             &typeid(PointDefIntensityC<std::uint16_t>),
+                                             &typeid(PointDefIntensityC<float>),
+                                             &typeid(PointDefLevelOfNoiseC<std::uint8_t>),
+                                             &typeid(PointDefLevelOfNoiseC<std::uint16_t>),
+                                             &typeid(PointDefLevelOfNoiseC<float>),
+                                             &typeid(PointDefGridC<std::uint16_t>),
+                                             &typeid(PointDefGridC<std::uint32_t>),
+                                             &typeid(PointDefColorC<std::uint8_t>)};
+    return std::any_of(std::begin(apKnown), std::end(apKnown),
+                       [&](const std::type_info* p) { return *p == type; });
 }
 
 QsbMovedElementT& MovedElement(QsbRecordLayoutT& layout, std::uint32_t uiKind)
 {
     switch (uiKind) {
-    case PD_INTENSITY: return layout.oIntensity;
-    case PD_LEVEL_OF_NOISE: return layout.oNoise;
-    case PD_GRID: return layout.oGrid;
-    default: return layout.oColor;
+    case PD_INTENSITY:
+        return layout.oIntensity;
+    case PD_LEVEL_OF_NOISE:
+        return layout.oNoise;
+    case PD_GRID:
+        return layout.oGrid;
+    default:
+        return layout.oColor;
     }
 }
 
 /// Moves `nBytes` from `nSource` to a field of `nField` bytes at `nTarget`, the rest of which becomes zero.
-void Move(QsbRecordLayoutT& layout, std::size_t nSource, std::size_t nBytes, std::size_t nTarget, std::size_t nField)
+void Move(QsbRecordLayoutT& layout, std::size_t nSource, std::size_t nBytes, std::size_t nTarget,
+          std::size_t nField)
 {
     for (std::size_t i = 0; i < nField; ++i) {
         layout.aucShuffle[nTarget + i] = i < nBytes ? static_cast<std::uint8_t>(nSource + i) : s_ucZero;
@@ -98,6 +112,7 @@ void MakeShuffle(QsbRecordLayoutT& layout)
 QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition)
 {
     QsbRecordLayoutT layout;
+    if (definition.GetCount() > s_nMaxElements) return layout;
     const PointDefinitionI* position = definition.GetElement(0);
     if (position == nullptr || CountKind(definition, PD_POSITION) != 1 || !TakePosition(*position, layout)) {
         return layout;
@@ -110,9 +125,11 @@ QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition)
         const std::size_t tBytes = element.GetSizeInBytes();
         const std::size_t tBehind = tOffset - layout.tPositionBytes;
         // The shuffle sees sixteen bytes.
-        const bool bMoves = !IsFloat(element) && tBehind + tBytes <= s_nTailBytes && CountKind(definition, uiKind) == 1;
+        const bool bMoves =
+            !IsFloat(element) && tBehind + tBytes <= s_nTailBytes && CountKind(definition, uiKind) == 1;
         if (bMoves) {
-            MovedElement(layout, uiKind) = {static_cast<std::uint8_t>(tBytes), static_cast<std::uint8_t>(tBehind)};
+            MovedElement(layout, uiKind) = {static_cast<std::uint8_t>(tBytes),
+                                            static_cast<std::uint8_t>(tBehind)};
         } else {
             layout.vecLoops.push_back({uiKind, element.GetTypeCode(), tOffset});
         }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Where the elements of a stored point lie and which of them are mere bytes: what the batch kernels need to know of a
-// point definition. An integer element decodes to its own bytes, widened with zeros, and encodes by dropping the upper
-// ones; positions are computed; float elements, and all of a kind that occurs more than once, are left to loops of
-// their own. Plain data, compiled once and never changed.
+// Where the elements of a stored point lie and which of them are mere bytes: what the batch kernels need to
+// know of a point definition. An integer element decodes to its own bytes, widened with zeros, and encodes by
+// dropping the upper ones; positions are computed; float elements, and all of a kind that occurs more than
+// once, are left to loops of their own. Plain data, compiled once and never changed.
 #pragma once
 
 #include "Sio/Sio_QsbPoint.h"
@@ -50,8 +50,9 @@ struct QsbRecordMovesT
     QsbMovedElementT oGrid; ///< both indices
     QsbMovedElementT oColor;
 
-    /// The moves once more, as a byte shuffle of the 16 bytes behind the position: for each byte of a record's tail
-    /// the source index, or 0x80 for zero; and whether it is written at all (0xFF) or kept (0x00).
+    /// The moves once more, as a byte shuffle of the 16 bytes behind the position: for each byte of a
+    /// record's tail the source index, or 0x80 for zero; and whether it is written at all (0xFF) or kept
+    /// (0x00).
     std::uint8_t aucShuffle[s_nTailBytes] = {};
     std::uint8_t aucWritten[s_nTailBytes] = {};
 };
@@ -61,8 +62,8 @@ struct QsbRecordLayoutT : QsbRecordMovesT
     std::vector<QsbLoopElementT> vecLoops; ///< in the order of the definition
 };
 
-/// The layout of `definition`; one without size when the definition does not begin with its only position or has
-/// elements of unknown classes.
+/// The layout of `definition`; one without size when the definition does not begin with its only position or
+/// has elements of unknown classes.
 QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition);
 
 } // namespace SIO
