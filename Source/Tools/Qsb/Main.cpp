@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout
+// carries a verb's result alone; messages go to stderr.
+#include "Tools/Qsb/Tool_Error.h"
+#include "Tools/Qsb/Tool_Verb.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <fmt/format.h>
+#include <new>
+
+namespace {
+
+int Run(const Tool::VerbActionT& action)
+{
+    try {
+        return action();
+    } catch (const Tool::ToolErrorC& error) {
+        fmt::print(stderr, "qsb: {}\n", error.what());
+        return error.GetExitCode();
+    } catch (const std::bad_alloc&) {
+        fmt::print(stderr, "qsb: out of memory\n");
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "qsb: {}\n", error.what());
+    }
+    return Tool::s_iFailed;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app{"Looks at, checks, makes and converts QSB scan files.", "qsb"};
+    app.require_subcommand(1);
+    Tool::VerbActionT action;
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? Tool::s_iDone : Tool::s_iUsage;
+    }
+    return Run(action);
+}

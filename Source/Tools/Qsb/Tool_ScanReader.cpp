@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Container, strategy and decoding without the reader core's conversion to the plain record.
+#include "Tools/Qsb/Tool_ScanReader.h"
+
+#include "Bss/Bss_Hal/BSS_HAL_Path.h"
+#include "Bss/Bss_Hal/BSS_HAL_Stream.h"
+#include "Tools/Qsb/Tool_Error.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace Tool {
+
+namespace {
+
+bool CanBeOpened(const std::wstring& path)
+{
+    std::FILE* stream = BSS::HAL::OpenStream(path, "rb");
+    if (stream != nullptr) std::fclose(stream);
+    return stream != nullptr;
+}
+
+ScanFormatC FormatOf(const SIO::PointDefinitionContainerI& definition, std::uint32_t uiBlockId)
+{
+    ScanFormatC format{0, 0, 0, 0, 0, uiBlockId};
+    for (std::size_t i = 0; i < definition.GetCount(); ++i) {
+        const SIO::PointDefinitionI& element = *definition.GetElement(i);
+        switch (element.GetAvailablePointData()) {
+        case SIO::PD_POSITION:
+            format.uiPosition = element.GetTypeCode();
+            break;
+        case SIO::PD_INTENSITY:
+            format.uiIntensity = element.GetTypeCode();
+            break;
+        case SIO::PD_LEVEL_OF_NOISE:
+            format.uiNoise = element.GetTypeCode();
+            break;
+        case SIO::PD_GRID:
+            format.uiGrid = element.GetTypeCode();
+            break;
+        default:
+            format.uiColor = element.GetTypeCode();
+            break;
+        }
+    }
+    return format;
+}
+
+} // namespace
+
+ScanReaderC::ScanReaderC(const std::string& path) : m_strPath(path)
+{
+    const std::wstring wide = BSS::HAL::WidePath(path);
+    if (!CanBeOpened(wide))
+        throw ToolErrorC(s_iFailed, fmt::format("{}: cannot be opened for reading", path));
+    if (!m_oContainer.Open(wide, true, false)) {
+        throw ToolErrorC(s_iDamaged, fmt::format("{}: not a QSB file, or its block chain is damaged", path));
+    }
+    if (!m_oContainer.CreateReadStrategyData(m_oStrategy, false, -1)) {
+        throw ToolErrorC(s_iDamaged, fmt::format("{}: no usable point-cloud block", path));
+    }
+    const auto ullIndex = static_cast<std::uint64_t>(m_oStrategy.GetData()->m_llBlockIndex);
+    m_oFormat = FormatOf(*m_oStrategy.GetPointDefinition(), m_oContainer.GetBlocks().Get(ullIndex)->GetId());
+}
+
+std::uint32_t ScanReaderC::GetContentFlags() const
+{
+    return m_oStrategy.GetPointDefinition()->GetAvailablePointData();
+}
+
+bool ScanReaderC::HasGridSize() const noexcept
+{
+    const auto& grid = GetInfo().auiGridSize;
+    return grid[0] != 0 && grid[1] != 0;
+}
+
+void ScanReaderC::Read(std::vector<ScanPointC>& points)
+{
+    const SIO::PointDefinitionContainerI& definition = *m_oStrategy.GetPointDefinition();
+    const std::size_t nRecordBytes = definition.GetSizeInBytes();
+    const std::uint64_t ullPoints = GetNumberOfPoints();
+    const auto uiCount =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(s_uiBatch, ullPoints - m_ullRead));
+    const std::uint64_t ullReadable = m_oStrategy.GetData()->m_ullDataBytesPresent / nRecordBytes;
+    points.clear();
+    if (uiCount == 0) return;
+    // What the file does not hold is not allocated for, and what it holds of a torn batch is still delivered.
+    const std::uint64_t ullHeld = ullReadable - std::min(m_ullRead, ullReadable);
+    const auto uiWanted = static_cast<std::uint32_t>(std::min<std::uint64_t>(uiCount, ullHeld));
+    if (uiWanted != 0) {
+        m_vecRaw.resize(uiWanted * nRecordBytes);
+        if (m_oContainer.ReadPoints(m_oStrategy, m_vecRaw.data(), uiWanted) == uiWanted) {
+            points.resize(uiWanted);
+            ScanPointIteratorC iterator(points.data());
+            const GMAT::Matrix4C unused;
+            for (std::uint32_t i = 0; i < uiWanted; ++i, iterator.Advance()) {
+                definition.Decode(iterator.Current(), m_vecRaw.data() + i * nRecordBytes, unused);
+            }
+        }
+    }
+    m_ullRead += points.size();
+    if (points.empty()) {
+        throw ToolErrorC(s_iDamaged, fmt::format("{}: the data is torn, {} of {} points are readable",
+                                                 m_strPath, m_ullRead, ullPoints));
+    }
+}
+
+void ScanReaderC::Rewind()
+{
+    (void)m_oStrategy.Seek(0); // Point 0 exists in every block.
+    m_ullRead = 0;
+}
+
+} // namespace Tool
