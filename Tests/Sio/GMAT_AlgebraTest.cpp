@@ -24,7 +24,7 @@ constexpr char s_szAlgebra[] = R"(..\..\Components\GeoMath\Source\API_Hdr\GMAT_A
 Matrix4C MatrixOf(const std::vector<double>& elements)
 {
     Matrix4C matrix;
-    std::memcpy(&matrix, elements.data(), sizeof matrix);
+    std::memcpy(static_cast<void*>(&matrix), elements.data(), sizeof matrix);
     return matrix;
 }
 
@@ -189,16 +189,16 @@ TEST(TransformPosition, AWOfZeroGivesInfinityOrNotANumber)
 TEST(TransformPosition, EveryBitIsThatOfTheLongComputation)
 {
     std::mt19937 random(1);
+    std::uniform_real_distribution<double> usual(-1000, 1000);
     for (int run = 0; run < 20000; ++run) {
+        const auto number = [&] { return run % 4 == 0 ? Support::OddNumber(random) : usual(random); };
         std::vector<double> elements(16);
-        const bool odd = run % 4 == 0;
-        for (double& element : elements) {
-            element = odd ? Support::OddNumber(random) : std::ldexp(random() - 2147483648.0, -31);
-        }
+        for (double& element : elements)
+            element = number();
         Support::PlainPoint plain;
-        double x = plain.x = odd ? Support::OddNumber(random) : random() / 3.0;
-        double y = plain.y = random() / 7.0;
-        double z = plain.z = odd ? Support::OddNumber(random) : random() / -11.0;
+        double x = plain.x = number();
+        double y = plain.y = number();
+        double z = plain.z = number();
         GMAT::TransformPosition(MatrixOf(elements), x, y, z);
         Support::PlainTransform(elements, plain);
         ASSERT_TRUE(Support::IsSame(x, plain.x) && Support::IsSame(y, plain.y) && Support::IsSame(z, plain.z))

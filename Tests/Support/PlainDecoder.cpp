@@ -283,7 +283,7 @@ double OddNumber(std::mt19937& random)
                                          infinity,
                                          -infinity,
                                          std::numeric_limits<double>::quiet_NaN()};
-    if (random() % 4 == 0) return static_cast<double>(random()) / 8192.0 - 200000.0;
+    if (random() % 4 == 0) return std::uniform_real_distribution<double>(-200000, 200000)(random);
     return numbers[random() % std::size(numbers)];
 }
 
