@@ -54,8 +54,7 @@ void ProgressC::Advance(std::uint64_t ullWork)
 
 void ProgressC::Draw()
 {
-    const std::string line = "\r" + Line(m_strLabel, m_ullDone, m_ullTotal) + "\x1b[K";
-    std::fputs(line.c_str(), m_pStream);
+    fmt::print(m_pStream, "\r{}\x1b[K", Line(m_strLabel, m_ullDone, m_ullTotal));
     std::fflush(m_pStream);
     m_bDrawn = true;
 }
