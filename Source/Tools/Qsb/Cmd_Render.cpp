@@ -118,11 +118,9 @@ ViewKindT ChooseView(const OptionsC& options, const SurveyC& survey, const GridC
     return survey.OriginIsStation() ? ViewKindT::Direction : ViewKindT::Top;
 }
 
-void CheckSomethingToSee(const OptionsC& options, const SurveyC& survey, ViewKindT eView,
-                         const std::string& damage)
+void CheckSomethingToSee(const OptionsC& options, std::uint64_t ullPoints, const std::string& damage)
 {
-    const std::uint64_t ullSeen = survey.GetPoints() - (eView == ViewKindT::Top ? 0 : survey.GetAtOrigin());
-    if (ullSeen != 0) return;
+    if (ullPoints != 0) return;
     if (!damage.empty()) throw ToolErrorC(s_iDamaged, damage);
     throw ToolErrorC(s_iFailed, fmt::format("{}: there is no point to draw", options.input));
 }
@@ -145,7 +143,7 @@ void Draw(const std::string& by, const ViewI& view, const std::vector<ScanPointC
     PixelC pixel;
     std::uint32_t uiValue = 0;
     for (const ScanPointC& point : points) {
-        if (!HasFinitePosition(point)) continue;
+        if (!IsUsableRange(RangeOf(point))) continue;
         if (!view.Find(point, pixel)) {
             ++drawn.ullUnplaced;
         } else if (!ValueOf(by, point, pixel, uiValue)) {
@@ -179,10 +177,6 @@ ToneKindT ToneOf(const std::string& by)
     if (by == "color") return ToneKindT::Color;
     return by == "intensity" ? ToneKindT::Grey : ToneKindT::Ramp;
 }
-
-} // namespace
-
-namespace {
 
 /// All that is to be told of a picture.
 struct ReportC
@@ -251,8 +245,10 @@ int Render(const OptionsC& options)
     SurveyC survey(grid.rows, grid.columns);
     const std::string damage =
         ForEachBatch(reader, progress, [&](const auto& points) { survey.Take(points); });
+    CheckSomethingToSee(options, survey.GetPoints(), damage);
     const ViewKindT eView = ChooseView(options, survey, grid);
-    CheckSomethingToSee(options, survey, eView, damage);
+    if (eView != ViewKindT::Top)
+        CheckSomethingToSee(options, survey.GetPoints() - survey.GetAtOrigin(), damage);
 
     const auto view = MakeView(eView, survey, grid.rows, grid.columns, options.uiWidth);
     PictureC picture(view->GetSize());
