@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout carries a
-// verb's result alone; messages go to stderr.
+// The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout
+// carries a verb's result alone; messages go to stderr.
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/Qsb/Tool_Verb.h"
