@@ -15,33 +15,33 @@
 
 namespace BSS::ERR {
 
-/// Logs "<<ASSERT at file(line): expression>>" at level 6 to the system error logger and asks the panic handler
-/// registry. Integer conversions in the expression print `first` and `second`; any other conversion in it is
-/// printed as it stands. Returns the registered handler's answer, true when there is none.
+/// Logs "<<ASSERT at file(line): expression>>" at level 6 to the system error logger and asks the panic
+/// handler registry. Integer conversions in the expression print `first` and `second`; any other conversion
+/// in it is printed as it stands. Returns the registered handler's answer, true when there is none.
 bool AssertFailed(const char* expression, std::uint32_t first, std::uint32_t second, const char* file,
                   std::int32_t line);
 
-/// Logs "<<PANIC at file(line): format - type 0x1200001>>" at level 7 and tells the registered handler. `type` is
-/// not used: the reported type is always PANIC_TYPE.
-void Panic(const char* format, std::uint32_t type, std::uint32_t first, std::uint32_t second, const char* file,
-           std::int32_t line);
+/// Logs "<<PANIC at file(line): format - type 0x1200001>>" at level 7 and tells the registered handler.
+/// `type` is not used: the reported type is always PANIC_TYPE.
+void Panic(const char* format, std::uint32_t type, std::uint32_t first, std::uint32_t second,
+           const char* file, std::int32_t line);
 
 } // namespace BSS::ERR
 
-// The file name in a report is fixed text, the same on every platform and in every build folder. Each source file
-// that reports defines it, in its anonymous namespace, as
+// The file name in a report is fixed text, the same on every platform and in every build folder. Each source
+// file that reports defines it, in its anonymous namespace, as
 //     constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\<folder>\<file stem>)";
 
 /// Reports `condition` by its own source text when it is false. A message alone is written as !"text".
-#define BSS_ASSERT(condition)                                                                                     \
-    ((condition) ? static_cast<void>(0)                                                                           \
+#define BSS_ASSERT(condition)                                                                                \
+    ((condition) ? static_cast<void>(0)                                                                      \
                  : static_cast<void>(::BSS::ERR::AssertFailed(#condition, 0, 0, BSS_SOURCE_NAME, __LINE__)))
 
 /// As BSS_ASSERT, with a line number that is part of the log contract instead of the current one.
-#define BSS_ASSERT_AT(condition, line)                                                                            \
-    ((condition) ? static_cast<void>(0)                                                                           \
+#define BSS_ASSERT_AT(condition, line)                                                                       \
+    ((condition) ? static_cast<void>(0)                                                                      \
                  : static_cast<void>(::BSS::ERR::AssertFailed(#condition, 0, 0, BSS_SOURCE_NAME, (line))))
 
 /// Reports a grave inconsistency. `format` may use two integer conversions, for `first` and `second`.
-#define BSS_PANIC(format, type, first, second)                                                                    \
+#define BSS_PANIC(format, type, first, second)                                                               \
     ::BSS::ERR::Panic((format), (type), (first), (second), BSS_SOURCE_NAME, __LINE__)

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Paths as narrow text, as wide text and as file-system paths, turned into one another without loss and whatever
-// the locale. On Linux a path is bytes: valid UTF-8 becomes characters, and each byte that is not part of valid
-// UTF-8 travels through wide text as the lone surrogate 0xDC00 + byte and is turned back into that byte, so every
-// file that exists can be named. On Windows narrow text is UTF-8 when it is valid UTF-8 and otherwise in the active
-// code page; wide text is the system's own. Throws nothing but std::bad_alloc. Safe from any thread.
+// Paths as narrow text, as wide text and as file-system paths, turned into one another without loss and
+// whatever the locale. On Linux a path is bytes: valid UTF-8 becomes characters, and each byte that is not
+// part of valid UTF-8 travels through wide text as the lone surrogate 0xDC00 + byte and is turned back into
+// that byte, so every file that exists can be named. On Windows narrow text is UTF-8 when it is valid UTF-8
+// and otherwise in the active code page; wide text is the system's own. Throws nothing but std::bad_alloc.
+// Safe from any thread.
 #pragma once
 
 #include <boost/filesystem/path.hpp>
@@ -16,8 +17,8 @@ namespace BSS::HAL {
 /// Wide text of a path given as narrow text.
 std::wstring WidePath(const std::string& narrow);
 
-/// Narrow text of a path: the exact bytes on Linux, UTF-8 on Windows. Inverse of WidePath for valid UTF-8 and, on
-/// Linux, for any bytes.
+/// Narrow text of a path: the exact bytes on Linux, UTF-8 on Windows. Inverse of WidePath for valid UTF-8
+/// and, on Linux, for any bytes.
 std::string NarrowPath(const std::wstring& wide);
 
 /// File-system path of a path given as wide text.
@@ -26,8 +27,11 @@ boost::filesystem::path FilesystemPath(const std::wstring& wide);
 /// Wide text of a file-system path. Inverse of FilesystemPath.
 std::wstring WidePathOf(const boost::filesystem::path& path);
 
-/// What the system's open call is given: on Windows with the prefix that lifts the limit of 260 characters from an
-/// absolute path, on Linux unchanged.
+/// Path of `name` inside `directory`, with the system's separator between them.
+std::wstring JoinPath(const std::wstring& directory, const std::wstring& name);
+
+/// What the system's open call is given: on Windows with the prefix that lifts the limit of 260 characters
+/// from an absolute path, on Linux unchanged.
 std::wstring LongPath(const std::wstring& wide);
 
 } // namespace BSS::HAL

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The lock word: bit 31 is set while the mutex is held; bits 0 to 19 count the threads that wait; bits 20 to
+// 30 count the threads that have released it and have yet to signal the event. The last count is what lets
+// the destructor wait for those: a woken thread may take, release and destroy the mutex before they are done
+// with it.
+#include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
+
+#include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Err/BSS_ERR_SysServiceError.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_WakeEvent.h"
+
+#include <thread>
+
+namespace BSS::TSK {
+
+namespace {
+
+constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_Mutex)";
+
+constexpr std::uint32_t LOCKED = 0x80000000u;
+constexpr std::uint32_t WAITER = 0x00000001u;
+constexpr std::uint32_t WAITERS = 0x000FFFFFu;
+constexpr std::uint32_t SIGNALLER = 0x00100000u;
+constexpr std::uint32_t SIGNALLERS = 0x7FF00000u;
+
+constexpr int SPIN_ROUNDS =
+    64; // about as long as a short critical section; longer only burns the owner's time
+
+} // namespace
+
+MutexC::MutexC() noexcept = default;
+
+MutexC::~MutexC()
+{
+    // Acquire pairs with the release by which a signaller leaves: the event is closed after its last use.
+    while ((m_lockWord.load(std::memory_order_acquire) & SIGNALLERS) != 0)
+        std::this_thread::yield();
+    HAL::CloseWakeEvent(m_event.exchange(nullptr));
+}
+
+void MutexC::lock()
+{
+    const std::uint32_t self = HAL::CurrentThreadId();
+    // Relaxed: only this thread ever stores its own id here, so no other value can be mistaken for it.
+    if (m_ownerId.load(std::memory_order_relaxed) == self) {
+        ++m_recursionCount;
+        return;
+    }
+    std::uint32_t free = 0;
+    // Acquire here and in TryAcquire pairs with the release in Release: what the last owner did is visible.
+    if (!m_lockWord.compare_exchange_strong(free, LOCKED, std::memory_order_acquire,
+                                            std::memory_order_relaxed)) {
+        AcquireSlowly();
+    }
+    m_ownerId.store(self, std::memory_order_relaxed);
+    m_recursionCount = 1;
+}
+
+void MutexC::unlock()
+{
+    if (m_ownerId.load(std::memory_order_relaxed) != HAL::CurrentThreadId()) {
+        BSS_ASSERT(!"Mutex unlocked by a thread that does not own it!");
+        return;
+    }
+    if (--m_recursionCount > 0) return;
+    m_ownerId.store(0, std::memory_order_relaxed);
+    std::uint32_t held = LOCKED;
+    if (!m_lockWord.compare_exchange_strong(held, 0, std::memory_order_release, std::memory_order_relaxed)) {
+        Release();
+    }
+}
+
+// Takes the mutex if it is free at this moment, and `giveBack` off the word with it.
+bool MutexC::TryAcquire(std::uint32_t giveBack) noexcept
+{
+    std::uint32_t word = m_lockWord.load(std::memory_order_relaxed);
+    while ((word & LOCKED) == 0) {
+        const std::uint32_t wanted = (word - giveBack) | LOCKED;
+        if (m_lockWord.compare_exchange_weak(word, wanted, std::memory_order_acquire,
+                                             std::memory_order_relaxed)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool MutexC::SpinToAcquire() noexcept
+{
+    for (int round = 0; round < SPIN_ROUNDS; ++round) {
+        if (TryAcquire(0)) return true;
+        HAL::SpinPause();
+    }
+    return false;
+}
+
+void MutexC::AcquireSlowly()
+{
+    if (SpinToAcquire()) return;
+    // The event comes first: whoever sees the waiter in the word finds the event. Release pairs with the
+    // acquire load in Release.
+    HAL::WakeEvent* const event = Event();
+    m_lockWord.fetch_add(WAITER, std::memory_order_release);
+    while (!TryAcquire(WAITER))
+        HAL::AwaitWakeEvent(event);
+}
+
+// Frees a word that holds more than the locked bit.
+void MutexC::Release() noexcept
+{
+    std::uint32_t word = m_lockWord.load(std::memory_order_relaxed);
+    std::uint32_t released = 0;
+    do {
+        released = (word & ~LOCKED) + ((word & WAITERS) != 0 ? SIGNALLER : 0);
+    } while (!m_lockWord.compare_exchange_weak(word, released, std::memory_order_acq_rel,
+                                               std::memory_order_relaxed));
+    if ((word & WAITERS) == 0) return;
+    HAL::SignalWakeEvent(m_event.load(std::memory_order_acquire));
+    m_lockWord.fetch_sub(SIGNALLER, std::memory_order_release);
+}
+
+HAL::WakeEvent* MutexC::Event()
+{
+    HAL::WakeEvent* event = m_event.load(std::memory_order_acquire);
+    if (event != nullptr) return event;
+    HAL::WakeEvent* const made = HAL::OpenWakeEvent();
+    if (made == nullptr) throw SysServiceErrorC("no event for a contended mutex", RC_SERVICE_FAILED);
+    // Of several threads that come here at once one event stays; acq_rel so that its making is visible to
+    // all.
+    if (m_event.compare_exchange_strong(event, made, std::memory_order_acq_rel)) return made;
+    HAL::CloseWakeEvent(made);
+    return event;
+}
+
+} // namespace BSS::TSK

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The framework's recursive mutex. All of its state but the owner's is in one word: free, held, and how many
+// threads wait. An uncontended lock is one exchange on that word; a thread that has to wait spins briefly and
+// then sleeps on an event that is made when it is first needed. Unfair: whoever comes first when the mutex is
+// released takes it. Not an interruption point. Any thread may lock it; it may be destroyed as soon as nobody
+// holds or awaits it, even if the thread that released it last is still on its way out of unlock().
+#pragma once
+
+#include "Bss/Bss_Tsk/BSS_TSK_Lock.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace BSS::HAL {
+struct WakeEvent;
+} // namespace BSS::HAL
+
+namespace BSS::TSK {
+
+class MutexC final : public LockC
+{
+public:
+    MutexC() noexcept;
+
+    /// Waits without limit. The owner may lock again and must unlock as often. Throws SysServiceErrorC with
+    /// RC_SERVICE_FAILED when the system cannot give the event to wait on; the mutex is not held then.
+    void lock() override;
+
+    /// Releases the mutex once it has been called as often as lock(). A call by a thread that does not own it
+    /// is reported by an assertion and changes nothing.
+    void unlock() override;
+
+    ~MutexC() override;
+
+private:
+    bool TryAcquire(std::uint32_t giveBack) noexcept;
+    bool SpinToAcquire() noexcept;
+    void AcquireSlowly();
+    void Release() noexcept;
+    HAL::WakeEvent* Event();
+
+    std::atomic<std::uint32_t> m_ownerId{0};
+    std::uint32_t m_recursionCount = 0; // the owner's alone
+    std::atomic<std::uint32_t> m_lockWord{0};
+    std::atomic<HAL::WakeEvent*> m_event{nullptr};
+};
+
+} // namespace BSS::TSK

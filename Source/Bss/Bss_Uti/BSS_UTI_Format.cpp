@@ -1,0 +1,352 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The engine. It walks the format once, takes each conversion apart, asks the source for what it needs, and
+// appends piece by piece. Nothing it appends is ever read as format again, and padding stops at the limit, so
+// a hostile format costs no more than the limit.
+#include "Bss/Bss_Uti/BSS_UTI_Format.h"
+
+#include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
+#include "Bss/Bss_Uti/BSS_UTI_FormatNumber.h"
+#include "Bss/Bss_Uti/BSS_UTI_FormatSpec.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string_view>
+
+namespace BSS::UTI {
+
+namespace {
+
+template<typename TextT>
+std::size_t BoundedLength(const TextT* text, std::size_t most) noexcept
+{
+    std::size_t length = 0;
+    while (length < most && text[length] != 0)
+        ++length;
+    return length;
+}
+
+// At most `most` units of the text, and never half a character.
+std::string NarrowOf(std::wstring_view text, std::size_t most)
+{
+    std::string narrow;
+    for (const wchar_t& unit : text) {
+        const std::size_t left = text.size() - static_cast<std::size_t>(&unit - text.data());
+        const bool pair = sizeof(wchar_t) == 2 && (unit & 0xFC00) == 0xD800 && left > 1;
+        const bool second = sizeof(wchar_t) == 2 && (unit & 0xFC00) == 0xDC00 && left < text.size() &&
+                            ((&unit)[-1] & 0xFC00) == 0xD800;
+        if (second) continue;
+        const std::string character = HAL::Utf8FromWide(std::wstring_view(&unit, pair ? 2 : 1));
+        if (narrow.size() + character.size() > most) break;
+        narrow += character;
+    }
+    return narrow;
+}
+
+template<typename CharT>
+class FormatterT
+{
+public:
+    using StringT = std::basic_string<CharT>;
+    using SpecT = FormatSpecT<CharT>;
+
+    FormatterT(StringT& out, std::size_t limit, FormatSourceI& source) noexcept
+        : m_out(out), m_room(limit), m_source(source)
+    {}
+
+    bool Run(const CharT* at)
+    {
+        while (*at != 0) {
+            if (*at != '%') {
+                Put(*at++, 1);
+                continue;
+            }
+            at = Conversion(at);
+        }
+        return !m_cut;
+    }
+
+private:
+    // Handles what begins at the percent sign; returns where plain text goes on.
+    const CharT* Conversion(const CharT* begin)
+    {
+        SpecT spec;
+        FormatSpecReaderT<CharT> reader(begin + 1, m_source);
+        const bool read = reader.Read(spec);
+        const CharT* const letter = reader.Position();
+        if (read && spec.letter == '%') return Put('%', 1), letter + 1;
+        if (read && Convert(spec)) return letter + 1;
+        // As it stands: up to the letter, which then is plain text or begins a conversion of its own.
+        const bool known = IsLetter(*letter);
+        const CharT* const end = known ? letter + 1 : letter;
+        Put(begin, static_cast<std::size_t>(end - begin));
+        return end;
+    }
+
+    static bool IsLetter(CharT character) noexcept
+    {
+        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+    }
+
+    bool Convert(const SpecT& spec)
+    {
+        switch (spec.letter) {
+        case 'd':
+        case 'i':
+            return ConvertSigned(spec);
+        case 'u':
+            return ConvertUnsigned(spec, 10);
+        case 'o':
+            return ConvertUnsigned(spec, 8);
+        case 'x':
+        case 'X':
+            return ConvertUnsigned(spec, 16);
+        case 'c':
+            return ConvertCharacter(spec, TakesWide(spec, sizeof(CharT) > 1));
+        case 'C':
+            return ConvertCharacter(spec, TakesWide(spec, sizeof(CharT) == 1));
+        case 's':
+            return ConvertText(spec, TakesWide(spec, sizeof(CharT) > 1));
+        case 'S':
+            return ConvertText(spec, TakesWide(spec, sizeof(CharT) == 1));
+        case 'p':
+            return ConvertPointer(spec);
+        case 'e':
+        case 'E':
+        case 'f':
+        case 'F':
+        case 'g':
+        case 'G':
+        case 'a':
+        case 'A':
+            return ConvertDouble(spec);
+        default:
+            return false;
+        }
+    }
+
+    static bool TakesWide(const SpecT& spec, bool usual) noexcept
+    {
+        if (spec.size == FormatSize::Short || spec.size == FormatSize::Char) return false;
+        return spec.size == FormatSize::Long || spec.size == FormatSize::Wide || usual;
+    }
+
+    bool TakeInteger(const SpecT& spec, std::uint64_t& value, unsigned& bits)
+    {
+        switch (spec.size) {
+        case FormatSize::Char:
+            bits = 8;
+            break;
+        case FormatSize::Short:
+            bits = 16;
+            break;
+        case FormatSize::LongLong:
+        case FormatSize::Pointer:
+            bits = 64;
+            break;
+        default:
+            bits = 32;
+            break;
+        }
+        return m_source.TakeInteger(bits == 64 ? 8 : 4, value);
+    }
+
+    bool ConvertSigned(const SpecT& spec)
+    {
+        std::uint64_t value = 0;
+        unsigned bits = 0;
+        if (!TakeInteger(spec, value, bits)) return false;
+        const unsigned unused = 64 - bits;
+        const std::int64_t number = static_cast<std::int64_t>(value << unused) >> unused;
+        const auto pattern = static_cast<std::uint64_t>(number);
+        const std::uint64_t magnitude = number < 0 ? 0 - pattern : pattern;
+        PutInteger(spec, SignOf(spec, number < 0), IntegerDigits(magnitude, 10, false), magnitude == 0);
+        return true;
+    }
+
+    bool ConvertUnsigned(const SpecT& spec, unsigned base)
+    {
+        std::uint64_t value = 0;
+        unsigned bits = 0;
+        if (!TakeInteger(spec, value, bits)) return false;
+        value &= std::numeric_limits<std::uint64_t>::max() >> (64 - bits);
+        std::string digits = IntegerDigits(value, base, spec.letter == 'X');
+        if (spec.alternate && base == 8 && value != 0) digits.insert(0, 1, '0');
+        const bool prefixed = spec.alternate && base == 16 && value != 0;
+        PutInteger(spec, prefixed ? (spec.letter == 'X' ? "0X" : "0x") : "", digits, value == 0);
+        return true;
+    }
+
+    bool ConvertPointer(SpecT spec)
+    {
+        std::uintptr_t value = 0;
+        if (!m_source.TakePointer(value)) return false;
+        spec.precision = 2 * static_cast<int>(sizeof value);
+        PutInteger(spec, "", IntegerDigits(value, 16, true), false);
+        return true;
+    }
+
+    bool ConvertDouble(const SpecT& spec)
+    {
+        double value = 0;
+        if (!m_source.TakeDouble(value)) return false;
+        const std::string digits =
+            DoubleDigits(value, static_cast<char>(spec.letter), spec.precision, spec.alternate);
+        const bool zeros = spec.zero && !spec.left && std::isfinite(value);
+        std::string sign = SignOf(spec, std::signbit(value));
+        std::string_view body = digits;
+        if (body.starts_with("0x") || body.starts_with("0X")) { // zeros go behind the prefix
+            sign += body.substr(0, 2);
+            body.remove_prefix(2);
+        }
+        PutNumber(spec, sign, zeros ? Missing(spec, sign.size() + body.size()) : 0, body);
+        return true;
+    }
+
+    bool ConvertCharacter(const SpecT& spec, bool wide)
+    {
+        std::uint32_t value = 0;
+        if (!m_source.TakeCharacter(value)) return false;
+        StringT text;
+        if (wide == (sizeof(CharT) > 1)) {
+            text.push_back(static_cast<CharT>(value));
+        } else if constexpr (sizeof(CharT) == 1) {
+            const auto character = static_cast<wchar_t>(value);
+            text = HAL::Utf8FromWide(std::wstring_view(&character, 1));
+        } else {
+            const auto character = static_cast<char>(value);
+            text = HAL::WideFromUtf8(std::string_view(&character, 1));
+        }
+        PutPadded(spec, text);
+        return true;
+    }
+
+    bool ConvertText(const SpecT& spec, bool wide)
+    {
+        const std::size_t most = spec.precision < 0 ? std::numeric_limits<std::size_t>::max()
+                                                    : static_cast<std::size_t>(spec.precision);
+        const char* narrowText = nullptr;
+        const wchar_t* wideText = nullptr;
+        if (!(wide ? m_source.TakeWideText(wideText) : m_source.TakeNarrowText(narrowText))) return false;
+        PutPadded(spec, wide ? TextOf(wideText, most) : TextOf(narrowText, most));
+        return true;
+    }
+
+    template<typename TextT>
+    static StringT TextOf(const TextT* text, std::size_t most)
+    {
+        constexpr TextT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
+        if (text == nullptr) text = NOTHING;
+        const std::basic_string_view<TextT> units(text, BoundedLength(text, most));
+        if constexpr (sizeof(TextT) == sizeof(CharT)) {
+            return StringT(units);
+        } else if constexpr (sizeof(CharT) == 1) {
+            return NarrowOf(units, most);
+        } else {
+            return HAL::WideFromUtf8(units);
+        }
+    }
+
+    static std::string SignOf(const SpecT& spec, bool negative)
+    {
+        if (negative) return "-";
+        if (spec.plus) return "+";
+        return spec.space ? " " : "";
+    }
+
+    // How many characters the width still asks for.
+    static std::size_t Missing(const SpecT& spec, std::size_t have) noexcept
+    {
+        const auto width = static_cast<std::size_t>(spec.width);
+        return width > have ? width - have : 0;
+    }
+
+    void PutInteger(const SpecT& spec, const std::string& prefix, std::string_view digits, bool isZero)
+    {
+        if (spec.precision == 0 && isZero) digits = {};
+        std::size_t zeros = 0;
+        if (spec.precision >= 0) {
+            const auto wanted = static_cast<std::size_t>(spec.precision);
+            zeros = wanted > digits.size() ? wanted - digits.size() : 0;
+        } else if (spec.zero && !spec.left) {
+            zeros = Missing(spec, prefix.size() + digits.size());
+        }
+        PutNumber(spec, prefix, zeros, digits);
+    }
+
+    void PutNumber(const SpecT& spec, std::string_view prefix, std::size_t zeros, std::string_view digits)
+    {
+        const std::size_t spaces = Missing(spec, prefix.size() + zeros + digits.size());
+        if (!spec.left) Put(' ', spaces);
+        PutAscii(prefix);
+        Put('0', zeros);
+        PutAscii(digits);
+        if (spec.left) Put(' ', spaces);
+    }
+
+    void PutPadded(const SpecT& spec, const StringT& text)
+    {
+        const std::size_t padding = Missing(spec, text.size());
+        if (!spec.left) Put(spec.zero ? '0' : ' ', padding);
+        Put(text.data(), text.size());
+        if (spec.left) Put(' ', padding);
+    }
+
+    void PutAscii(std::string_view text)
+    {
+        for (const char character : text)
+            Put(static_cast<CharT>(character), 1);
+    }
+
+    void Put(const CharT* text, std::size_t count) { m_out.append(text, Admit(count)); }
+
+    void Put(CharT character, std::size_t count) { m_out.append(Admit(count), character); }
+
+    std::size_t Admit(std::size_t count) noexcept
+    {
+        if (count > m_room) m_cut = true;
+        const std::size_t admitted = std::min(count, m_room);
+        m_room -= admitted;
+        return admitted;
+    }
+
+    StringT& m_out;
+    std::size_t m_room;
+    FormatSourceI& m_source;
+    bool m_cut = false;
+};
+
+template<typename CharT>
+std::basic_string<CharT> FormatVarArgs(const CharT* format, std::va_list arguments)
+{
+    VarArgsC source(arguments);
+    std::basic_string<CharT> text;
+    AppendFormat(text, FORMAT_MAX_CHARS, format, source);
+    return text;
+}
+
+} // namespace
+
+template<typename CharT>
+bool AppendFormat(std::basic_string<CharT>& out, std::size_t limit, const CharT* format,
+                  FormatSourceI& source)
+{
+    return FormatterT<CharT>(out, limit, source).Run(format);
+}
+
+template bool AppendFormat<char>(std::string&, std::size_t, const char*, FormatSourceI&);
+template bool AppendFormat<wchar_t>(std::wstring&, std::size_t, const wchar_t*, FormatSourceI&);
+
+std::string FormatV(const char* format, std::va_list arguments)
+{
+    return FormatVarArgs(format, arguments);
+}
+
+std::wstring FormatV(const wchar_t* format, std::va_list arguments)
+{
+    return FormatVarArgs(format, arguments);
+}
+
+} // namespace BSS::UTI

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The formatter behind every text of the framework. Conversions mean what they mean to the C runtime of
+// Windows, on every platform and in every locale: "l" is 32 bits, "ll" and "I64" are 64, "I", "z" and "t"
+// have the size of a pointer; "%s" and "%c" take text of the format's own width, "%S" and "%C" of the other
+// one, "h" narrow, "l" and "w" wide; "%p" is 16 upper-case digits; a null text is "(null)". Narrow text is
+// UTF-8. "%n", an unknown conversion and one that has no fitting argument are printed as they stand. Knows
+// nothing of logs or reports. Throws std::bad_alloc only. Safe from any thread.
+#pragma once
+
+#include "Bss/Bss_Uti/BSS_UTI_FormatSource.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstddef>
+#include <string>
+
+namespace BSS::UTI {
+
+/// The most characters that the two functions below make of one format.
+inline constexpr std::size_t FORMAT_MAX_CHARS = 51199;
+
+/// Appends the text to `out`, at most `limit` characters of it. False when there would have been more.
+/// Available for char and wchar_t.
+template<typename CharT>
+bool AppendFormat(std::basic_string<CharT>& out, std::size_t limit, const CharT* format,
+                  FormatSourceI& source);
+
+extern template bool AppendFormat<char>(std::string&, std::size_t, const char*, FormatSourceI&);
+extern template bool AppendFormat<wchar_t>(std::wstring&, std::size_t, const wchar_t*, FormatSourceI&);
+
+/// Makes a text of typed arguments; one that does not fit its conversion is never misread.
+template<typename CharT, typename... Arguments>
+std::basic_string<CharT> Format(const CharT* format, const Arguments&... arguments)
+{
+    const std::array<FormatArgumentC, sizeof...(Arguments)> row{FormatArgumentC(arguments)...};
+    FormatArgumentsC source(row.data(), row.size());
+    std::basic_string<CharT> text;
+    AppendFormat(text, FORMAT_MAX_CHARS, format, source);
+    return text;
+}
+
+/// Makes a text of a C function's arguments, which must fit the format.
+std::string FormatV(const char* format, std::va_list arguments);
+std::wstring FormatV(const wchar_t* format, std::va_list arguments);
+
+} // namespace BSS::UTI
