@@ -1,26 +1,30 @@
-# What every target of this project is compiled with. scanreader_options carries it.
+# What every target of this project is compiled with. scanreader_warnings carries it, scanreader_options adds the
+# language standard; targets that must compile as an older standard link to the former only.
 
-add_library(scanreader_options INTERFACE)
-target_compile_features(scanreader_options INTERFACE cxx_std_20)
-target_compile_options(scanreader_options INTERFACE
+add_library(scanreader_warnings INTERFACE)
+target_compile_options(scanreader_warnings INTERFACE
   -Wall -Wextra -Wconversion -Wshadow
   # Results are the same bit for bit on every path and compiler; a fused multiply-add would change them.
   -ffp-contract=off)
 if(SCANREADER_WARNINGS_AS_ERRORS)
-  target_compile_options(scanreader_options INTERFACE -Werror)
+  target_compile_options(scanreader_warnings INTERFACE -Werror)
 endif()
 if(SCANREADER_SANITIZE)
-  target_compile_options(scanreader_options INTERFACE
+  target_compile_options(scanreader_warnings INTERFACE
     -fsanitize=${SCANREADER_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_link_options(scanreader_options INTERFACE -fsanitize=${SCANREADER_SANITIZE})
+  target_link_options(scanreader_warnings INTERFACE -fsanitize=${SCANREADER_SANITIZE})
 endif()
 if(SCANREADER_COVERAGE)
-  target_compile_options(scanreader_options INTERFACE --coverage)
-  target_link_options(scanreader_options INTERFACE --coverage)
+  target_compile_options(scanreader_warnings INTERFACE --coverage)
+  target_link_options(scanreader_warnings INTERFACE --coverage)
 endif()
 if(SCANREADER_FUZZERS)
-  target_compile_options(scanreader_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_options(scanreader_warnings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+
+add_library(scanreader_options INTERFACE)
+target_compile_features(scanreader_options INTERFACE cxx_std_20)
+target_link_libraries(scanreader_options INTERFACE scanreader_warnings)
 
 # The platform layer has one header and two sources per idea; this picks the source.
 if(WIN32)

@@ -1,1 +1,40 @@
-# What is installed.
+# What is installed: the library, its public headers, the CMake package, the pkg-config file, the qsb command and the
+# licence. Nothing installed names the folder it was built in or installed to, so the whole can be moved.
+set(public_headers Source/Sio/ScanReader/QsbReader.h Source/Sio/ScanReader/Export.h)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ScanReader)
+
+# The number in the library's name changes when a host built against an earlier version would no longer run.
+set_target_properties(ScanReader PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1)
+install(TARGETS ScanReader EXPORT ScanReaderTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ScanReader)
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+# The CMake package. A host needs no other package, so the exported targets are all there is to it.
+include(CMakePackageConfigHelpers)
+install(EXPORT ScanReaderTargets NAMESPACE ScanReader:: FILE ScanReaderConfig.cmake DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ScanReaderConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ScanReaderConfigVersion.cmake DESTINATION ${package_dir})
+
+# The pkg-config file finds its prefix from where it lies itself.
+file(RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/scanreader.pc.in ${PROJECT_BINARY_DIR}/scanreader.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/scanreader.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(SCANREADER_TOOLS)
+  file(RELATIVE_PATH libdir_from_bin ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(qsb PROPERTIES INSTALL_RPATH "$ORIGIN/${libdir_from_bin}")
+  install(TARGETS qsb RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+set(CPACK_GENERATOR TGZ)
+set(CPACK_PACKAGE_NAME scanreader)
+set(CPACK_PACKAGE_VENDOR "The ScanReader developers")
+set(CPACK_PACKAGE_FILE_NAME scanreader-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR})
+set(CPACK_PACKAGE_CHECKSUM SHA256)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+include(CPack)

@@ -4,6 +4,7 @@
 // The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout carries a
 // verb's result alone; messages go to stderr.
 #include "Tools/Qsb/Tool_Error.h"
+#include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/Qsb/Tool_Verb.h"
 
 #include <CLI/CLI.hpp>
@@ -42,5 +43,6 @@ int main(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? Tool::s_iDone : Tool::s_iUsage;
     }
+    Tool::CatchInterrupts();
     return Run(action);
 }
