@@ -5,6 +5,8 @@
 // carries a verb's result alone; messages go to stderr.
 #include "Tools/Qsb/Cmd_Check.h"
 #include "Tools/Qsb/Cmd_Info.h"
+#include "Tools/Qsb/Cmd_Render.h"
+#include "Tools/Qsb/Cmd_Synth.h"
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/Qsb/Tool_Verb.h"
@@ -41,6 +43,8 @@ int main(int argc, char** argv)
     Tool::VerbActionT action;
     Tool::AddInfo(app, action);
     Tool::AddCheck(app, action);
+    Tool::AddRender(app, action);
+    Tool::AddSynth(app, action);
 
     try {
         app.parse(argc, argv);
