@@ -3,6 +3,8 @@
 //
 // The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout
 // carries a verb's result alone; messages go to stderr.
+#include "Tools/Qsb/Cmd_Check.h"
+#include "Tools/Qsb/Cmd_Info.h"
 #include "Tools/Qsb/Cmd_Render.h"
 #include "Tools/Qsb/Cmd_Synth.h"
 #include "Tools/Qsb/Tool_Error.h"
@@ -39,6 +41,8 @@ int main(int argc, char** argv)
     CLI::App app{"Looks at, checks, makes and converts QSB scan files.", "qsb"};
     app.require_subcommand(1);
     Tool::VerbActionT action;
+    Tool::AddInfo(app, action);
+    Tool::AddCheck(app, action);
     Tool::AddRender(app, action);
     Tool::AddSynth(app, action);
 
