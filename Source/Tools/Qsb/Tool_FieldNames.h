@@ -5,7 +5,7 @@
 #pragma once
 
 #include "Tools/Qsb/Tool_PointSource.h"
-#include "Tools/Qsb/Tool_ScanElement.h"
+#include "Tools/Qsb/Tool_ScanValue.h"
 
 #include <array>
 #include <optional>

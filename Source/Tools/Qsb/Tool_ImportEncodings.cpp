@@ -4,7 +4,8 @@
 // The decisions, element by element.
 #include "Tools/Qsb/Tool_ImportEncodings.h"
 
-#include "Tools/Qsb/Tool_Encoding.h"
+#include "Sio/SIO_QsbPointDefinition.h"
+#include "Tools/Qsb/Tool_Encodings.h"
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Printable.h"
 
@@ -20,6 +21,11 @@ constexpr double s_dGreatestIndex = 4294967295.0;
 
 std::size_t IndexOf(ScanValueT eValue) { return static_cast<std::size_t>(eValue); }
 
+std::uint32_t TypeCodeOf(SIO::PointDataKindT eKind, NumberTypeT eType)
+{
+    return EncodingOf(eKind, std::string(NameOf(eType)));
+}
+
 bool Within(const FieldSurveyC& survey, NumberTypeT eType)
 {
     return survey.dLeast >= LeastOf(eType) && survey.dGreatest <= GreatestOf(eType);
@@ -32,7 +38,8 @@ ImportEncodingsC::ImportEncodingsC(PointSourceI& source, const ImportChoicesC& c
       m_vecReasons(source.GetFields().size())
 {
     if (!Has(ScanValueT::X) || !Has(ScanValueT::Y) || !Has(ScanValueT::Z)) {
-        throw ToolErrorC(s_iDamaged, "the points have no positions: fields x, y and z are needed");
+        throw ToolErrorC(s_iDamaged,
+                         fmt::format("{}: the points have no positions; fields x, y and z are needed", source.GetName()));
     }
     DropIncomplete({ScanValueT::Noise}, choices.bNoNoise, "");
     DropIncomplete({ScanValueT::Red, ScanValueT::Green, ScanValueT::Blue}, choices.bNoColor,
@@ -161,14 +168,11 @@ ValueConversionC ImportEncodingsC::MakeConversion(ScanValueT eValue) const
     const NumberTypeT eSource = TypeOf(eValue);
     switch (eValue) {
     case ScanValueT::Intensity:
-        return {eSource, NumberTypeOf(m_oFormat.uiIntensity), m_oChoices.dIntensityScale, 1.0};
-    case ScanValueT::Noise: return {eSource, NumberTypeOf(m_oFormat.uiNoise)};
+        return {eSource, StoredTypeOf(m_oFormat, eValue), m_oChoices.dIntensityScale, 1.0};
     case ScanValueT::Red:
     case ScanValueT::Green:
     case ScanValueT::Blue: return {eSource, NumberTypeT::UInt8, 255.0, m_dColorMax};
-    case ScanValueT::Row:
-    case ScanValueT::Column: return {eSource, NumberTypeOf(m_oFormat.uiGrid)};
-    default: return {eSource, NumberTypeOf(m_oFormat.uiPosition)};
+    default: return {eSource, StoredTypeOf(m_oFormat, eValue)};
     }
 }
 
@@ -183,7 +187,7 @@ std::string ImportEncodingsC::GetReasonForDropping(std::size_t nField) const
 
 std::optional<std::array<std::uint64_t, 2>> ImportEncodingsC::GetGridOfIndices() const
 {
-    if (!m_bGridSurveyed) return std::nullopt;
+    if (!m_bGridSurveyed || m_oSource.GetNumberOfPoints() == 0) return std::nullopt;
     const auto size = [&](ScanValueT eValue) {
         const double dLargest = std::nearbyint(SurveyOf(eValue).dGreatest);
         return static_cast<std::uint64_t>(std::clamp(dLargest, 0.0, s_dGreatestIndex)) + 1;

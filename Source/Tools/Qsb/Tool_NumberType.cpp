@@ -93,6 +93,11 @@ std::string_view NameOf(NumberTypeT eType) noexcept { return RowOf(eType).name; 
 std::string_view ShortName(NumberTypeT eType) noexcept { return RowOf(eType).shortName; }
 std::string_view PlyName(NumberTypeT eType) noexcept { return RowOf(eType).plyName; }
 
+std::optional<NumberTypeT> TypeNamed(std::string_view name) noexcept
+{
+    return Find([name](const TypeRowT& row) { return row.name == name; });
+}
+
 std::optional<NumberTypeT> TypeOfShortName(std::string_view name) noexcept
 {
     return Find([name](const TypeRowT& row) { return row.shortName == name; });

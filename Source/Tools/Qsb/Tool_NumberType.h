@@ -37,6 +37,7 @@ double GreatestOf(NumberTypeT eType) noexcept;
 
 /// The name in reports and options: "int8", "uint8", ... "float", "double".
 std::string_view NameOf(NumberTypeT eType) noexcept;
+std::optional<NumberTypeT> TypeNamed(std::string_view name) noexcept;
 
 /// The name in the raw form: "i8", "u8", "i16", "u16", "i32", "u32", "f32", "f64".
 std::string_view ShortName(NumberTypeT eType) noexcept;

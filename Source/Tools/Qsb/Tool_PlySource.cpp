@@ -4,12 +4,12 @@
 // The vertices of a PLY file. In a binary file whose vertices have no lists they are records of fixed size; otherwise
 // values are read one by one. Elements before the vertices are passed over, those behind them are not looked at.
 #include "Tools/Qsb/Tool_Error.h"
-#include "Tools/Qsb/Tool_Input.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/Qsb/Tool_Numerals.h"
 #include "Tools/Qsb/Tool_PlyHeader.h"
 #include "Tools/Qsb/Tool_Printable.h"
 #include "Tools/Qsb/Tool_RecordReader.h"
+#include "Tools/Qsb/Tool_ScanInput.h"
 #include "Tools/Qsb/Tool_TextInput.h"
 
 #include <algorithm>
@@ -86,8 +86,8 @@ private:
 class PlySourceC final : public PointSourceI
 {
 public:
-    explicit PlySourceC(std::unique_ptr<InputI> poInput)
-        : m_poInput(std::move(poInput)), m_oText(*m_poInput), m_oHeader(ReadPlyHeader(m_oText)),
+    explicit PlySourceC(NamedInputC input)
+        : m_oFile(std::move(input)), m_oText(m_oFile), m_oHeader(ReadPlyHeader(m_oText)),
           m_oValues(m_oText, m_oHeader.eFormat)
     {
         FindVertices();
@@ -95,6 +95,7 @@ public:
         Select({});
     }
 
+    const std::string& GetName() const override { return m_oFile.strName; }
     const std::vector<SourceFieldC>& GetFields() const override { return m_vecFields; }
     const ScanHeaderC& GetHeader() const override { return m_oHeader.oScan; }
     const std::vector<SourceExtraC>& GetExtras() const override { return m_vecExtras; }
@@ -128,7 +129,7 @@ private:
 
     [[noreturn]] void Fail(const std::string& reason) const
     {
-        throw ToolErrorC(s_iDamaged, fmt::format("{}: {}", m_poInput->GetName(), reason));
+        throw ToolErrorC(s_iDamaged, fmt::format("{}: {}", m_oFile.strName, reason));
     }
 
     /// Goes to the first vertex and notes where it is.
@@ -191,7 +192,7 @@ private:
             }
         }
         if (IsAscii() || m_poVertex->HasLists() || m_vecFields.empty()) return;
-        m_poRecords = std::make_unique<RecordReaderC>(*m_poInput, m_vecFields, m_oHeader.eFormat == PlyFormatT::BigEndian,
+        m_poRecords = std::make_unique<RecordReaderC>(m_oFile, m_vecFields, m_oHeader.eFormat == PlyFormatT::BigEndian,
                                                       m_oFirstVertex.ullOffset, m_poVertex->ullCount);
     }
 
@@ -214,7 +215,7 @@ private:
         m_oValues.EndRecord();
     }
 
-    std::unique_ptr<InputI> m_poInput;
+    NamedInputC m_oFile;
     TextInputC m_oText;
     PlyHeaderC m_oHeader;
     ValueReaderC m_oValues;
@@ -230,9 +231,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<PointSourceI> ReadPly(std::unique_ptr<InputI> poInput)
+std::unique_ptr<PointSourceI> ReadPly(NamedInputC input)
 {
-    return std::make_unique<PlySourceC>(std::move(poInput));
+    return std::make_unique<PlySourceC>(std::move(input));
 }
 
 } // namespace Tool

@@ -16,7 +16,7 @@
 
 namespace Tool {
 
-class InputI;
+class ScanInputI;
 
 struct SourceFieldC
 {
@@ -47,6 +47,9 @@ public:
 
     virtual ~PointSourceI() = default;
 
+    /// What messages call the source.
+    virtual const std::string& GetName() const = 0;
+
     virtual const std::vector<SourceFieldC>& GetFields() const = 0;
     virtual const ScanHeaderC& GetHeader() const = 0;
     virtual const std::vector<SourceExtraC>& GetExtras() const = 0;
@@ -60,11 +63,18 @@ public:
     virtual std::size_t Read(std::vector<std::vector<double>>& columns) = 0;
 };
 
-/// Reads the raw form: a JSON header and the bytes of the points. ToolErrorC with s_iDamaged when the header makes no
-/// sense or the data has another size than it says.
-std::unique_ptr<PointSourceI> ReadRaw(InputI& header, std::unique_ptr<InputI> poData);
+/// An input with the name that messages give it.
+struct NamedInputC
+{
+    std::string strName;
+    std::unique_ptr<ScanInputI> poInput;
+};
+
+/// Reads the raw form: a JSON header and the bytes of the points. ToolErrorC with s_iDamaged when the header
+/// makes no sense or the data has another size than it says.
+std::unique_ptr<PointSourceI> ReadRaw(const NamedInputC& header, NamedInputC data);
 
 /// Reads a PLY file, ascii or binary. ToolErrorC with s_iDamaged when it is none or is torn.
-std::unique_ptr<PointSourceI> ReadPly(std::unique_ptr<InputI> poInput);
+std::unique_ptr<PointSourceI> ReadPly(NamedInputC input);
 
 } // namespace Tool

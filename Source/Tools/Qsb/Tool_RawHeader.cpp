@@ -5,9 +5,9 @@
 #include "Tools/Qsb/Tool_RawHeader.h"
 
 #include "Tools/Qsb/Tool_Error.h"
-#include "Tools/Qsb/Tool_Input.h"
 #include "Tools/Qsb/Tool_Json.h"
 #include "Tools/Qsb/Tool_Printable.h"
+#include "Tools/Qsb/Tool_ScanInput.h"
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
@@ -34,7 +34,7 @@ constexpr std::array<std::string_view, 8> s_astrKeys = {"name", "points", "recor
 class HeaderReaderC
 {
 public:
-    explicit HeaderReaderC(InputI& input) : m_strName(input.GetName()), m_oRoot(Parse(input)) {}
+    explicit HeaderReaderC(const NamedInputC& input) : m_strName(input.strName), m_oRoot(Parse(*input.poInput)) {}
 
     RawHeaderC Read() const
     {
@@ -61,13 +61,13 @@ private:
         throw ToolErrorC(s_iDamaged, fmt::format("{}: {}", m_strName, reason));
     }
 
-    json Parse(InputI& input) const
+    json Parse(ScanInputI& input) const
     {
         if (input.GetSize() > s_ullMaxHeaderBytes) {
             Fail(fmt::format("is no header of the raw form: more than {} bytes", s_ullMaxHeaderBytes));
         }
         std::string text(static_cast<std::size_t>(input.GetSize()), '\0');
-        text.resize(input.Read(text.data(), text.size()));
+        text.resize(input.ReadAt(0, text.data(), text.size()));
         std::set<std::string> keys;
         const auto check = [&](int iDepth, json::parse_event_t eEvent, json& value) {
             if (iDepth > s_iMaxDepth) Fail(fmt::format("nested more than {} deep", s_iMaxDepth));
@@ -197,7 +197,7 @@ std::size_t RawHeaderC::GetRecordBytes() const noexcept
     return nBytes;
 }
 
-RawHeaderC ReadRawHeader(InputI& input) { return HeaderReaderC(input).Read(); }
+RawHeaderC ReadRawHeader(const NamedInputC& input) { return HeaderReaderC(input).Read(); }
 
 std::string RawHeaderText(const RawHeaderC& header, const std::string& name,
                           const std::array<double, 16>* poAppliedPose)

@@ -12,8 +12,6 @@
 
 namespace Tool {
 
-class InputI;
-
 struct RawHeaderC
 {
     std::uint64_t ullPoints = 0;
@@ -25,7 +23,7 @@ struct RawHeaderC
 };
 
 /// Reads a header. ToolErrorC with s_iDamaged, and the line where there is one, when it makes no sense.
-RawHeaderC ReadRawHeader(InputI& input);
+RawHeaderC ReadRawHeader(const NamedInputC& input);
 
 /// The header as text; `name` is that of the scan. A pose that positions have been mapped by goes into a key of its
 /// own, which no reader applies once more.

@@ -5,7 +5,7 @@
 #include "Tools/Qsb/Tool_RecordReader.h"
 
 #include "Tools/Qsb/Tool_Error.h"
-#include "Tools/Qsb/Tool_Input.h"
+#include "Tools/Qsb/Tool_ScanInput.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -19,9 +19,9 @@ constexpr std::size_t s_nMaxBatchBytes = std::size_t{4} << 20;
 
 } // namespace
 
-RecordReaderC::RecordReaderC(InputI& input, const std::vector<SourceFieldC>& fields, bool bBigEndian,
+RecordReaderC::RecordReaderC(const NamedInputC& input, const std::vector<SourceFieldC>& fields, bool bBigEndian,
                              std::uint64_t ullOffset, std::uint64_t ullRecords)
-    : m_oInput(input), m_bBigEndian(bBigEndian), m_ullOffset(ullOffset), m_ullRecords(ullRecords)
+    : m_rInput(input), m_bBigEndian(bBigEndian), m_ullOffset(ullOffset), m_ullRecords(ullRecords)
 {
     for (const SourceFieldC& field : fields) {
         m_vecFields.push_back({field.eType, m_nRecordBytes});
@@ -34,7 +34,6 @@ void RecordReaderC::Select(const std::vector<std::size_t>& fields)
     m_vecChosen.clear();
     for (const std::size_t nField : fields) m_vecChosen.push_back(m_vecFields[nField]);
     m_ullRead = 0;
-    m_oInput.Seek(m_ullOffset);
 }
 
 std::size_t RecordReaderC::Read(std::vector<std::vector<double>>& columns)
@@ -44,9 +43,11 @@ std::size_t RecordReaderC::Read(std::vector<std::vector<double>>& columns)
     columns.resize(m_vecChosen.size());
     if (nCount == 0) return 0; // A vector without elements has no address to read to.
     m_vecRaw.resize(nCount * m_nRecordBytes);
-    if (m_oInput.Read(m_vecRaw.data(), m_vecRaw.size()) != m_vecRaw.size()) {
-        throw ToolErrorC(s_iDamaged, fmt::format("{}: ends before the record at byte {} is whole", m_oInput.GetName(),
-                                                 m_ullOffset + m_ullRead * m_nRecordBytes));
+    const std::uint64_t ullOffset = m_ullOffset + m_ullRead * m_nRecordBytes;
+    const std::size_t nHeld = m_rInput.poInput->ReadAt(ullOffset, m_vecRaw.data(), m_vecRaw.size());
+    if (nHeld != m_vecRaw.size()) {
+        throw ToolErrorC(s_iDamaged, fmt::format("{}: ends at byte {}, in the middle of the points", m_rInput.strName,
+                                                 ullOffset + nHeld));
     }
     for (std::size_t i = 0; i < m_vecChosen.size(); ++i) {
         columns[i].resize(nCount);

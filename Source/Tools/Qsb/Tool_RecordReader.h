@@ -13,7 +13,7 @@ class RecordReaderC
 {
 public:
     /// The records of `fields` begin at `ullOffset` of `input`, which must outlive the reader.
-    RecordReaderC(InputI& input, const std::vector<SourceFieldC>& fields, bool bBigEndian, std::uint64_t ullOffset,
+    RecordReaderC(const NamedInputC& input, const std::vector<SourceFieldC>& fields, bool bBigEndian, std::uint64_t ullOffset,
                   std::uint64_t ullRecords);
 
     std::size_t GetRecordBytes() const noexcept { return m_nRecordBytes; }
@@ -31,7 +31,7 @@ private:
         std::size_t nOffset;
     };
 
-    InputI& m_oInput;
+    const NamedInputC& m_rInput;
     bool m_bBigEndian;
     std::uint64_t m_ullOffset;
     std::uint64_t m_ullRecords;

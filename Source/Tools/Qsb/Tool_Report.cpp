@@ -5,6 +5,7 @@
 #include "Tools/Qsb/Tool_Report.h"
 
 #include "Tools/Qsb/Tool_Numerals.h"
+#include "Tools/Qsb/Tool_TextTable.h"
 
 #include <algorithm>
 #include <array>
@@ -53,15 +54,9 @@ std::string ConversionReportC::GetText() const
     std::string text = fmt::format("{} -> {}: {} points", m_strInput, m_strOutput, m_ullPoints);
     if (m_ullPoints != m_ullPointsInSource) text += fmt::format(" of {}", m_ullPointsInSource);
     text += '\n';
-    std::size_t nWhat = 0, nTypes = 0;
-    for (const ReportRowC& row : m_vecRows) {
-        nWhat = std::max(nWhat, row.strWhat.size());
-        nTypes = std::max(nTypes, Types(row).size());
-    }
-    for (const ReportRowC& row : m_vecRows) {
-        text += fmt::format("  {:<{}}  {:<{}}  {}\n", row.strWhat, nWhat, Types(row), nTypes, Result(row));
-    }
-    return text;
+    TextTableC table("lll");
+    for (const ReportRowC& row : m_vecRows) table.AddRow({row.strWhat, Types(row), Result(row)});
+    return text + table.ToText("  ");
 }
 
 std::string ConversionReportC::GetLossText(const std::string& prefix) const

@@ -4,7 +4,6 @@
 // Columns to points, and the account.
 #include "Tools/Qsb/Tool_ScanImport.h"
 
-#include "Tools/Qsb/Tool_Encoding.h"
 #include "Tools/Qsb/Tool_Printable.h"
 
 #include <algorithm>
@@ -46,7 +45,7 @@ void ScanImportC::PrepareHeader()
 {
     const ScanHeaderC& header = m_oSource.GetHeader();
     if (header.oPose) {
-        for (int i = 0; i < 16; ++i) m_oInfo.oTransformation(i / 4, i % 4) = (*header.oPose)[static_cast<std::size_t>(i)];
+        for (int i = 0; i < 16; ++i) m_oInfo.oTransformation.At(i / 4, i % 4) = (*header.oPose)[static_cast<std::size_t>(i)];
     }
     m_oInfo.dInstrumentHeight = header.oInstrumentHeight.value_or(0.0);
     m_oGrid = header.oGrid ? header.oGrid : m_oEncodings.GetGridOfIndices();
@@ -107,7 +106,7 @@ void ScanImportC::AddFields(ConversionReportC& report) const
     if (m_oEncodings.GetFields()[static_cast<std::size_t>(ScanValueT::Intensity)]) return;
     ReportRowC row = PartRow("intensity", OutcomeT::Added, "the source has none, and readers require it; 0 everywhere",
                              m_oSource.GetNumberOfPoints() != 0);
-    row.strStoredType = NameOf(NumberTypeOf(GetFormat().uiIntensity));
+    row.strStoredType = NameOf(StoredTypeOf(GetFormat(), ScanValueT::Intensity));
     report.Add(row);
 }
 
@@ -140,11 +139,12 @@ ReportRowC ScanImportC::GridRow() const
 {
     if (!m_oGrid) return PartRow("grid", OutcomeT::Kept, "the source has none");
     const std::string size = fmt::format("{} rows, {} columns", (*m_oGrid)[0], (*m_oGrid)[1]);
+    const bool bStated = m_oSource.GetHeader().oGrid.has_value();
     if ((*m_oGrid)[0] == 1 || (*m_oGrid)[1] == 1) {
         return PartRow("grid", OutcomeT::Dropped,
-                       size + "; the file stores the largest indices, and one that is 0 reads as no grid", true);
+                       size + "; the file stores the largest indices, and one that is 0 reads as no grid", bStated);
     }
-    ReportRowC row = m_oSource.GetHeader().oGrid ? PartRow("grid", OutcomeT::Kept, size)
+    ReportRowC row = bStated ? PartRow("grid", OutcomeT::Kept, size)
                                                  : PartRow("grid", OutcomeT::Added, size + ", from the largest indices");
     if (m_ullOutsideGrid != 0) row.strNote += fmt::format("; {} points lie outside it", m_ullOutsideGrid);
     if (GetFormat().uiGrid == 0) row.strNote += "; the points have no indices";

@@ -5,7 +5,8 @@
 #include "Tools/Qsb/Tool_TextInput.h"
 
 #include "Tools/Qsb/Tool_Error.h"
-#include "Tools/Qsb/Tool_Input.h"
+#include "Tools/Qsb/Tool_PointSource.h"
+#include "Tools/Qsb/Tool_ScanInput.h"
 
 #include <algorithm>
 #include <cstring>
@@ -21,11 +22,10 @@ bool IsSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r' ||
 
 } // namespace
 
-TextInputC::TextInputC(InputI& input) : m_oInput(input), m_vecBuffer(s_nBufferBytes) { m_oInput.Seek(0); }
+TextInputC::TextInputC(const NamedInputC& input) : m_rInput(input), m_vecBuffer(s_nBufferBytes) {}
 
 void TextInputC::GoTo(const PlaceT& place)
 {
-    m_oInput.Seek(place.ullOffset);
     m_ullBufferOffset = place.ullOffset;
     m_ullLine = place.ullLine;
     m_nPosition = m_nEnd = 0;
@@ -34,7 +34,7 @@ void TextInputC::GoTo(const PlaceT& place)
 std::uint64_t TextInputC::GetBytesLeft() const noexcept
 {
     const std::uint64_t ullOffset = GetPlace().ullOffset;
-    return m_oInput.GetSize() - std::min(ullOffset, m_oInput.GetSize());
+    return m_rInput.poInput->GetSize() - std::min(ullOffset, m_rInput.poInput->GetSize());
 }
 
 /// Keeps what has not been read and reads more behind it. False when there is no more, or no room.
@@ -44,7 +44,8 @@ bool TextInputC::Refill()
     m_ullBufferOffset += m_nPosition;
     m_nEnd -= m_nPosition;
     m_nPosition = 0;
-    const std::size_t nRead = m_oInput.Read(m_vecBuffer.data() + m_nEnd, m_vecBuffer.size() - m_nEnd);
+    const std::size_t nRead = m_rInput.poInput->ReadAt(m_ullBufferOffset + m_nEnd, m_vecBuffer.data() + m_nEnd,
+                                                       m_vecBuffer.size() - m_nEnd);
     m_nEnd += nRead;
     return nRead != 0;
 }
@@ -132,13 +133,13 @@ void TextInputC::SkipBytes(std::uint64_t ullBytes)
 
 void TextInputC::FailAtLine(std::uint64_t ullLine, const std::string& reason) const
 {
-    throw ToolErrorC(s_iDamaged, fmt::format("{}: line {}: {}", m_oInput.GetName(), ullLine, reason));
+    throw ToolErrorC(s_iDamaged, fmt::format("{}: line {}: {}", m_rInput.strName, ullLine, reason));
 }
 
 void TextInputC::FailAtByte(const std::string& reason) const
 {
     throw ToolErrorC(s_iDamaged,
-                     fmt::format("{}: byte {}: {}", m_oInput.GetName(), GetPlace().ullOffset, reason));
+                     fmt::format("{}: byte {}: {}", m_rInput.strName, GetPlace().ullOffset, reason));
 }
 
 } // namespace Tool

@@ -12,7 +12,7 @@
 
 namespace Tool {
 
-class InputI;
+struct NamedInputC;
 
 class TextInputC
 {
@@ -25,7 +25,7 @@ public:
     };
 
     /// Reads `input` from its start; it must outlive this.
-    explicit TextInputC(InputI& input);
+    explicit TextInputC(const NamedInputC& input);
 
     PlaceT GetPlace() const noexcept { return {m_ullBufferOffset + m_nPosition, m_ullLine}; }
     void GoTo(const PlaceT& place);
@@ -65,7 +65,7 @@ private:
     void SkipSpace(bool bLineEnds);
     std::string_view TakeWord();
 
-    InputI& m_oInput;
+    const NamedInputC& m_rInput;
     std::vector<char> m_vecBuffer;
     std::size_t m_nPosition = 0;         ///< next byte in the buffer
     std::size_t m_nEnd = 0;              ///< end of what the buffer holds

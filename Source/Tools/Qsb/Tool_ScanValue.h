@@ -5,6 +5,8 @@
 // knows elements of several numbers. Their order is the order in which columns are written.
 #pragma once
 
+#include "Tools/Qsb/Tool_NumberType.h"
+#include "Tools/Qsb/Tool_ScanFormat.h"
 #include "Tools/Qsb/Tool_ScanPoint.h"
 
 #include <array>
@@ -34,6 +36,12 @@ inline constexpr std::array<std::string_view, s_nScanValues> s_astrScanValueName
     "x", "y", "z", "intensity", "noise", "red", "green", "blue", "row", "col"};
 
 constexpr std::string_view NameOf(ScanValueT eValue) { return s_astrScanValueNames[static_cast<std::size_t>(eValue)]; }
+
+/// Whether points of this format have the value.
+bool IsStored(const ScanFormatC& format, ScanValueT eValue);
+
+/// The type of number that a stored value is.
+NumberTypeT StoredTypeOf(const ScanFormatC& format, ScanValueT eValue);
 
 /// The value in a point.
 inline double& ValueIn(ScanPointC& point, ScanValueT eValue) noexcept
