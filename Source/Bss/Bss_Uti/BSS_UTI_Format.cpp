@@ -2,15 +2,14 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The engine. It walks the format once, takes each conversion apart, asks the source for what it needs, and
-// appends piece by piece. Nothing it appends is ever read as format again, and padding stops at the limit, so
-// a hostile format costs no more than the limit.
+// puts it out piece by piece. Nothing it puts out is ever read as format again, and the walk ends when the
+// output is full, so a hostile format costs no more than the output has room for.
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Uti/BSS_UTI_FormatNumber.h"
 #include "Bss/Bss_Uti/BSS_UTI_FormatSpec.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string_view>
@@ -22,6 +21,7 @@ namespace {
 template<typename TextT>
 std::size_t BoundedLength(const TextT* text, std::size_t most) noexcept
 {
+    if (most == std::numeric_limits<std::size_t>::max()) return std::char_traits<TextT>::length(text);
     std::size_t length = 0;
     while (length < most && text[length] != 0)
         ++length;
@@ -49,23 +49,21 @@ template<typename CharT>
 class FormatterT
 {
 public:
-    using StringT = std::basic_string<CharT>;
+    using OutT = FormatOutT<CharT>;
     using SpecT = FormatSpecT<CharT>;
 
-    FormatterT(StringT& out, std::size_t limit, FormatSourceI& source) noexcept
-        : m_out(out), m_room(limit), m_source(source)
-    {}
+    FormatterT(OutT& out, FormatSourceI& source) noexcept : m_out(out), m_source(source) {}
 
-    bool Run(const CharT* at)
+    void Run(const CharT* at)
     {
-        while (*at != 0) {
-            if (*at != '%') {
-                Put(*at++, 1);
-                continue;
-            }
+        for (;;) {
+            const CharT* const begin = at;
+            while (*at != 0 && *at != '%')
+                ++at;
+            m_out.Put(begin, static_cast<std::size_t>(at - begin));
+            if (*at == 0 || m_out.IsCut()) return;
             at = Conversion(at);
         }
-        return !m_cut;
     }
 
 private:
@@ -76,12 +74,12 @@ private:
         FormatSpecReaderT<CharT> reader(begin + 1, m_source);
         const bool read = reader.Read(spec);
         const CharT* const letter = reader.Position();
-        if (read && spec.letter == '%') return Put('%', 1), letter + 1;
+        if (read && spec.letter == '%') return m_out.Put('%'), letter + 1;
         if (read && Convert(spec)) return letter + 1;
         // As it stands: up to the letter, which then is plain text or begins a conversion of its own.
         const bool known = IsLetter(*letter);
         const CharT* const end = known ? letter + 1 : letter;
-        Put(begin, static_cast<std::size_t>(end - begin));
+        m_out.Put(begin, static_cast<std::size_t>(end - begin));
         return end;
     }
 
@@ -162,7 +160,8 @@ private:
         const std::int64_t number = static_cast<std::int64_t>(value << unused) >> unused;
         const auto pattern = static_cast<std::uint64_t>(number);
         const std::uint64_t magnitude = number < 0 ? 0 - pattern : pattern;
-        PutInteger(spec, SignOf(spec, number < 0), IntegerDigits(magnitude, 10, false), magnitude == 0);
+        const IntegerDigitsC digits(magnitude, 10, false);
+        PutInteger(spec, SignOf(spec, number < 0), digits.View(), magnitude == 0);
         return true;
     }
 
@@ -172,10 +171,10 @@ private:
         unsigned bits = 0;
         if (!TakeInteger(spec, value, bits)) return false;
         value &= std::numeric_limits<std::uint64_t>::max() >> (64 - bits);
-        std::string digits = IntegerDigits(value, base, spec.letter == 'X');
-        if (spec.alternate && base == 8 && value != 0) digits.insert(0, 1, '0');
+        IntegerDigitsC digits(value, base, spec.letter == 'X');
+        if (spec.alternate && base == 8 && value != 0) digits.PutInFront('0');
         const bool prefixed = spec.alternate && base == 16 && value != 0;
-        PutInteger(spec, prefixed ? (spec.letter == 'X' ? "0X" : "0x") : "", digits, value == 0);
+        PutInteger(spec, prefixed ? (spec.letter == 'X' ? "0X" : "0x") : "", digits.View(), value == 0);
         return true;
     }
 
@@ -184,7 +183,7 @@ private:
         std::uintptr_t value = 0;
         if (!m_source.TakePointer(value)) return false;
         spec.precision = 2 * static_cast<int>(sizeof value);
-        PutInteger(spec, "", IntegerDigits(value, 16, true), false);
+        PutInteger(spec, "", IntegerDigitsC(value, 16, true).View(), false);
         return true;
     }
 
@@ -195,7 +194,7 @@ private:
         const std::string digits =
             DoubleDigits(value, static_cast<char>(spec.letter), spec.precision, spec.alternate);
         const bool zeros = spec.zero && !spec.left && std::isfinite(value);
-        std::string sign = SignOf(spec, std::signbit(value));
+        std::string sign(SignOf(spec, std::signbit(value)));
         std::string_view body = digits;
         if (body.starts_with("0x") || body.starts_with("0X")) { // zeros go behind the prefix
             sign += body.substr(0, 2);
@@ -209,7 +208,7 @@ private:
     {
         std::uint32_t value = 0;
         if (!m_source.TakeCharacter(value)) return false;
-        StringT text;
+        std::basic_string<CharT> text;
         if (wide == (sizeof(CharT) > 1)) {
             text.push_back(static_cast<CharT>(value));
         } else if constexpr (sizeof(CharT) == 1) {
@@ -230,26 +229,30 @@ private:
         const char* narrowText = nullptr;
         const wchar_t* wideText = nullptr;
         if (!(wide ? m_source.TakeWideText(wideText) : m_source.TakeNarrowText(narrowText))) return false;
-        PutPadded(spec, wide ? TextOf(wideText, most) : TextOf(narrowText, most));
+        if (wide) {
+            PutText(spec, wideText, most);
+        } else {
+            PutText(spec, narrowText, most);
+        }
         return true;
     }
 
     template<typename TextT>
-    static StringT TextOf(const TextT* text, std::size_t most)
+    void PutText(const SpecT& spec, const TextT* text, std::size_t most)
     {
-        constexpr TextT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
+        static constexpr TextT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
         if (text == nullptr) text = NOTHING;
         const std::basic_string_view<TextT> units(text, BoundedLength(text, most));
         if constexpr (sizeof(TextT) == sizeof(CharT)) {
-            return StringT(units);
+            PutPadded(spec, units);
         } else if constexpr (sizeof(CharT) == 1) {
-            return NarrowOf(units, most);
+            PutPadded(spec, NarrowOf(units, most));
         } else {
-            return HAL::WideFromUtf8(units);
+            PutPadded(spec, HAL::WideFromUtf8(units));
         }
     }
 
-    static std::string SignOf(const SpecT& spec, bool negative)
+    static std::string_view SignOf(const SpecT& spec, bool negative) noexcept
     {
         if (negative) return "-";
         if (spec.plus) return "+";
@@ -263,7 +266,7 @@ private:
         return width > have ? width - have : 0;
     }
 
-    void PutInteger(const SpecT& spec, const std::string& prefix, std::string_view digits, bool isZero)
+    void PutInteger(const SpecT& spec, std::string_view prefix, std::string_view digits, bool isZero)
     {
         if (spec.precision == 0 && isZero) digits = {};
         std::size_t zeros = 0;
@@ -279,44 +282,32 @@ private:
     void PutNumber(const SpecT& spec, std::string_view prefix, std::size_t zeros, std::string_view digits)
     {
         const std::size_t spaces = Missing(spec, prefix.size() + zeros + digits.size());
-        if (!spec.left) Put(' ', spaces);
-        PutAscii(prefix);
-        Put('0', zeros);
-        PutAscii(digits);
-        if (spec.left) Put(' ', spaces);
+        if (!spec.left) m_out.Fill(' ', spaces);
+        m_out.PutAscii(prefix.data(), prefix.size());
+        m_out.Fill('0', zeros);
+        m_out.PutAscii(digits.data(), digits.size());
+        if (spec.left) m_out.Fill(' ', spaces);
     }
 
-    void PutPadded(const SpecT& spec, const StringT& text)
+    void PutPadded(const SpecT& spec, std::basic_string_view<CharT> text)
     {
         const std::size_t padding = Missing(spec, text.size());
-        if (!spec.left) Put(spec.zero ? '0' : ' ', padding);
-        Put(text.data(), text.size());
-        if (spec.left) Put(' ', padding);
+        if (!spec.left) m_out.Fill(spec.zero ? '0' : ' ', padding);
+        m_out.Put(text.data(), text.size());
+        if (spec.left) m_out.Fill(' ', padding);
     }
 
-    void PutAscii(std::string_view text)
-    {
-        for (const char character : text)
-            Put(static_cast<CharT>(character), 1);
-    }
-
-    void Put(const CharT* text, std::size_t count) { m_out.append(text, Admit(count)); }
-
-    void Put(CharT character, std::size_t count) { m_out.append(Admit(count), character); }
-
-    std::size_t Admit(std::size_t count) noexcept
-    {
-        if (count > m_room) m_cut = true;
-        const std::size_t admitted = std::min(count, m_room);
-        m_room -= admitted;
-        return admitted;
-    }
-
-    StringT& m_out;
-    std::size_t m_room;
+    OutT& m_out;
     FormatSourceI& m_source;
-    bool m_cut = false;
 };
+
+template<typename CharT>
+bool FormatEither(FormatOutT<CharT>& out, const CharT* format, FormatSourceI& source)
+{
+    static constexpr CharT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
+    FormatterT<CharT>(out, source).Run(format != nullptr ? format : NOTHING);
+    return !out.IsCut();
+}
 
 template<typename CharT>
 std::basic_string<CharT> FormatVarArgs(const CharT* format, std::va_list arguments)
@@ -333,7 +324,20 @@ template<typename CharT>
 bool AppendFormat(std::basic_string<CharT>& out, std::size_t limit, const CharT* format,
                   FormatSourceI& source)
 {
-    return FormatterT<CharT>(out, limit, source).Run(format);
+    FormatStringOutT<CharT> text(out, limit);
+    const bool whole = FormatEither<CharT>(text, format, source);
+    text.Finish();
+    return whole;
+}
+
+bool FormatTo(FormatOutT<char>& out, const char* format, FormatSourceI& source)
+{
+    return FormatEither(out, format, source);
+}
+
+bool FormatTo(FormatOutT<wchar_t>& out, const wchar_t* format, FormatSourceI& source)
+{
+    return FormatEither(out, format, source);
 }
 
 template bool AppendFormat<char>(std::string&, std::size_t, const char*, FormatSourceI&);

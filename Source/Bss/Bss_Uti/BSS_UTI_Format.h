@@ -5,10 +5,12 @@
 // Windows, on every platform and in every locale: "l" is 32 bits, "ll" and "I64" are 64, "I", "z" and "t"
 // have the size of a pointer; "%s" and "%c" take text of the format's own width, "%S" and "%C" of the other
 // one, "h" narrow, "l" and "w" wide; "%p" is 16 upper-case digits; a null text is "(null)". Narrow text is
-// UTF-8. "%n", an unknown conversion and one that has no fitting argument are printed as they stand. Knows
-// nothing of logs or reports. Throws std::bad_alloc only. Safe from any thread.
+// UTF-8. "%n", an unknown conversion and one that has no fitting argument are printed as they stand; a null
+// format is the text "(null)". Knows nothing of logs or reports. Throws std::bad_alloc only. Safe from any
+// thread.
 #pragma once
 
+#include "Bss/Bss_Uti/BSS_UTI_FormatOut.h"
 #include "Bss/Bss_Uti/BSS_UTI_FormatSource.h"
 
 #include <array>
@@ -20,6 +22,10 @@ namespace BSS::UTI {
 
 /// The most characters that the two functions below make of one format.
 inline constexpr std::size_t FORMAT_MAX_CHARS = 51199;
+
+/// Puts the text out. False when something did not fit.
+bool FormatTo(FormatOutT<char>& out, const char* format, FormatSourceI& source);
+bool FormatTo(FormatOutT<wchar_t>& out, const wchar_t* format, FormatSourceI& source);
 
 /// Appends the text to `out`, at most `limit` characters of it. False when there would have been more.
 /// Available for char and wchar_t.

@@ -87,16 +87,22 @@ void ToUpper(std::string& text)
 
 } // namespace
 
-std::string IntegerDigits(std::uint64_t value, unsigned base, bool upper)
+IntegerDigitsC::IntegerDigitsC(std::uint64_t value, unsigned base, bool upper) noexcept
 {
     const char* const symbols = upper ? "0123456789ABCDEF" : "0123456789abcdef";
-    std::string digits;
+    if (base == 10) {
+        // The divisor is a constant here, so no division is made.
+        do {
+            PutInFront(static_cast<char>('0' + value % 10));
+            value /= 10;
+        } while (value != 0);
+        return;
+    }
+    const unsigned shift = base == 16 ? 4 : 3;
     do {
-        digits.push_back(symbols[value % base]);
-        value /= base;
+        PutInFront(symbols[value & (base - 1)]);
+        value >>= shift;
     } while (value != 0);
-    std::reverse(digits.begin(), digits.end());
-    return digits;
 }
 
 std::string DoubleDigits(double value, char letter, int precision, bool alternate)
