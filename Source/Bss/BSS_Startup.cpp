@@ -4,12 +4,14 @@
 // See the header.
 #include "Bss/BSS_Startup.h"
 
+#include "Bss/Bss_Dbg/BSS_DBG_LogTcpIpConsumer.h"
 #include "Bss/Bss_Err/BSS_ERR_InvalidParameter.h"
 
 namespace BSS {
 
 void StartUp()
 {
+    DBG::InstallTcpIpLogConsumer();
     ERR::InstallInvalidParameterReport();
 }
 

@@ -2,27 +2,31 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // See the header. The thread's own flag is set around formatting and writing, never around anything of the
-// caller.
+// caller. A message that is one plain line, as nearly all are, is made in place on the stack, prefix and all.
 #include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
 
+#include "Bss/Bss_Dbg/BSS_DBG_LogConfigLine.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogPrefix.h"
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
-#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
-#include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
+#include <mutex>
 #include <utility>
-#include <vector>
 
 namespace BSS::DBG {
 
 namespace {
 
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Dbg\BSS_DBG_LogConsumer)";
+
+constexpr std::size_t LINE_END = sizeof "\n"; // and the terminator
+constexpr unsigned KIB_SHIFT = 10;
 
 constinit thread_local bool t_writing = false;
 
@@ -35,53 +39,123 @@ public:
     WritingScope& operator=(const WritingScope&) = delete;
 };
 
-void ToDebugOutput(const char* format, UTI::FormatSourceI& arguments)
+// The line buffer, and behind it a string for what is longer.
+class MessageOutC final : public UTI::FormatOutT<char>
 {
-    std::string text;
-    static_cast<void>(
-        UTI::AppendFormat(text, DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE - 1, format, arguments));
-    HAL::DebugOutput(HAL::WideFromUtf8(text).c_str());
-}
+public:
+    MessageOutC(char* buffer, std::size_t capacity) noexcept
+        : FormatOutT(buffer, capacity), m_capacity(capacity)
+    {}
 
-LogLineContextT CurrentContext(int level)
+    bool FitsTheBuffer() const noexcept { return m_longer.empty(); }
+
+    std::string Whole() const { return m_longer + std::string(Begin(), Length()); }
+
+private:
+    std::size_t Drain() override
+    {
+        m_longer.append(Begin(), Length());
+        const std::size_t most = DbgLogConsumerC::MAX_MESSAGE_BYTES;
+        const std::size_t left = m_longer.size() < most ? most - m_longer.size() : 0;
+        if (left == 0) Restart(0);
+        return std::min(left, m_capacity);
+    }
+
+    const std::size_t m_capacity;
+    std::string m_longer;
+};
+
+std::string CutMark()
 {
-    LogLineContextT context;
-    context.localTime = HAL::LocalTimeNow();
-    context.utcTime = HAL::UtcTimeNow();
-    context.threadName = HAL::CurrentThreadName();
-    context.threadId = HAL::CurrentThreadId();
-    context.threadPriority = HAL::CurrentThreadPriority();
-    context.level = level;
-    return context;
+    return UTI::Format("\n(the message was longer than %u bytes; the rest is left out)",
+                       DbgLogConsumerC::MAX_MESSAGE_BYTES);
 }
 
 } // namespace
 
 DbgLogConsumerC::DbgLogConsumerC(std::string name, PrefixKind prefix)
-    : m_name(std::move(name)), m_prefix(prefix), m_level(LEVEL_FINEST)
+    : m_name(std::move(name)), m_shownName(WithoutControls(m_name)), m_prefix(prefix), m_level(LEVEL_FINEST),
+      m_flushLevel(LEVEL_ERROR)
 {}
 
 DbgLogConsumerC::~DbgLogConsumerC() = default;
 
-void DbgLogConsumerC::logFormatted(int level, const char* format, UTI::FormatSourceI& arguments)
+// Runs what makes and writes a message, and tells when it could not.
+template<typename MakeT>
+void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
 {
     bool written = false;
     try {
-        if (t_writing) {
-            ToDebugOutput(format, arguments);
-            return;
-        }
         const WritingScope scope;
-        written = writeMessage(level, format, arguments);
+        written = make();
     } catch (const std::exception&) {
         written = false;
     }
     if (!written) reportFailure();
 }
 
-bool DbgLogConsumerC::flush()
+void DbgLogConsumerC::logFormatted(int level, const char* format, UTI::FormatSourceI& arguments)
+{
+    if (t_writing) {
+        try {
+            std::string text;
+            static_cast<void>(UTI::AppendFormat(text, s_iLOG_LINE_BUFFER_SIZE, format, arguments));
+            HAL::DebugOutput(HAL::WideFromUtf8(text).c_str());
+        } catch (const std::exception&) {
+            reportFailure();
+        }
+        return;
+    }
+    if (!isOpen()) return;
+    Guarded([&] { return writeMessage(level, format, arguments); });
+}
+
+void DbgLogConsumerC::logFormattedWide(int level, const wchar_t* format, UTI::FormatSourceI& arguments)
+{
+    if (!isOpen()) return;
+    try {
+        std::wstring text;
+        const bool whole = UTI::AppendFormat(text, MAX_MESSAGE_BYTES, format, arguments);
+        logText(level, HAL::Utf8FromWide(text) + (whole ? "" : CutMark()));
+    } catch (const std::exception&) {
+        reportFailure();
+    }
+}
+
+void DbgLogConsumerC::logText(int level, std::string_view text)
+{
+    if (t_writing) {
+        try {
+            HAL::DebugOutput(HAL::WideFromUtf8(text).c_str());
+        } catch (const std::exception&) {
+            reportFailure();
+        }
+        return;
+    }
+    if (!isOpen()) return;
+    Guarded([&] {
+        char prefix[256];
+        UTI::FormatOutT<char> out(prefix, sizeof prefix);
+        PutPrefix(out, getPrefixKind(), level);
+        return writeText(level, std::string_view(prefix, out.Length()), text);
+    });
+}
+
+bool DbgLogConsumerC::isOpen() const noexcept
 {
     return true;
+}
+
+bool DbgLogConsumerC::flush()
+{
+    bool flushed = false;
+    try {
+        flushed = flushLines();
+    } catch (const std::exception&) {
+        flushed = false;
+    }
+    if (!flushed) BSS_ASSERT(!"Failed flushing logs!");
+    return flushed;
 }
 
 void DbgLogConsumerC::setLevel(int level) noexcept
@@ -89,9 +163,72 @@ void DbgLogConsumerC::setLevel(int level) noexcept
     m_level.store(level, std::memory_order_relaxed);
 }
 
+int DbgLogConsumerC::getLevel() const noexcept
+{
+    return m_level.load(std::memory_order_relaxed);
+}
+
+void DbgLogConsumerC::setPrefixKind(PrefixKind prefix) noexcept
+{
+    m_prefix.store(prefix, std::memory_order_relaxed);
+}
+
+PrefixKind DbgLogConsumerC::getPrefixKind() const noexcept
+{
+    return m_prefix.load(std::memory_order_relaxed);
+}
+
+void DbgLogConsumerC::setFlushLevel(int level) noexcept
+{
+    m_flushLevel.store(level, std::memory_order_relaxed);
+}
+
+int DbgLogConsumerC::getFlushLevel() const noexcept
+{
+    return m_flushLevel.load(std::memory_order_relaxed);
+}
+
+void DbgLogConsumerC::setLimit(std::uint64_t limitBytes) noexcept
+{
+    m_limitBytes.store(limitBytes, std::memory_order_relaxed);
+}
+
+std::uint64_t DbgLogConsumerC::getLimit() const noexcept
+{
+    return m_limitBytes.load(std::memory_order_relaxed);
+}
+
+void DbgLogConsumerC::setOlderFiles(unsigned nOlderFiles) noexcept
+{
+    m_nOlderFiles.store(nOlderFiles, std::memory_order_relaxed);
+}
+
+unsigned DbgLogConsumerC::getOlderFiles() const noexcept
+{
+    return m_nOlderFiles.load(std::memory_order_relaxed);
+}
+
+void DbgLogConsumerC::setLineSplitting(bool bSplit) noexcept
+{
+    m_bLineSplitting.store(bSplit, std::memory_order_relaxed);
+}
+
 const std::string& DbgLogConsumerC::getName() const noexcept
 {
     return m_name;
+}
+
+ResultCodeT DbgLogConsumerC::start()
+{
+    return RC_OK;
+}
+
+void DbgLogConsumerC::apply(const LogSettingsT& settings) noexcept
+{
+    setLevel(settings.level);
+    if (settings.prefixKind) setPrefixKind(static_cast<PrefixKind>(*settings.prefixKind));
+    if (settings.limitKib) setLimit(static_cast<std::uint64_t>(*settings.limitKib) << KIB_SHIFT);
+    if (settings.nOlderFiles) setOlderFiles(*settings.nOlderFiles);
 }
 
 bool DbgLogConsumerC::isWriting() noexcept
@@ -99,33 +236,77 @@ bool DbgLogConsumerC::isWriting() noexcept
     return t_writing;
 }
 
-bool DbgLogConsumerC::writeMessage(int level, const char* format, UTI::FormatSourceI& arguments)
+bool DbgLogConsumerC::handOver()
 {
-    const TSK::GuardC guard(m_lock);
-    std::string message;
-    static_cast<void>(UTI::AppendFormat(message, s_iLOG_LINE_BUFFER_SIZE - 1, format, arguments));
-    const std::size_t iEndpos = message.size();
-    BSS_ASSERT(iEndpos < s_iLOG_LINE_BUFFER_SIZE);
-    std::memcpy(m_pszPrintBuffer, message.data(), iEndpos);
-    m_pszPrintBuffer[iEndpos] = '\0';
-    BSS_ASSERT(strlen(m_pszPrintBuffer) < s_iLOG_LINE_BUFFER_SIZE);
-    return write(linesOf(level, std::string_view(m_pszPrintBuffer, iEndpos)));
+    return true;
 }
 
-std::string DbgLogConsumerC::linesOf(int level, std::string_view message) const
+bool DbgLogConsumerC::flushDevice()
 {
-    const std::vector<std::string_view> parts = SplitMessage(message);
-    const LogLineContextT context = CurrentContext(level);
-    std::string lines;
-    int number = 0;
-    for (const std::string_view part : parts) {
-        const std::string clean = WithoutControls(part);
-        ++number;
-        const std::string line =
-            parts.size() == 1 ? clean + "\n" : UTI::Format("%s: %03d, %s\n", m_name, number, clean);
-        lines += PrefixedLine(m_prefix, context, line);
+    return true;
+}
+
+bool DbgLogConsumerC::writeLines(int level, std::string_view lines)
+{
+    const std::lock_guard<TSK::MutexC> guard(m_lock);
+    const bool written = write(lines);
+    return (level < getFlushLevel() || handOver()) && written;
+}
+
+bool DbgLogConsumerC::flushLines()
+{
+    const std::lock_guard<TSK::MutexC> guard(m_lock);
+    return flushDevice();
+}
+
+bool DbgLogConsumerC::WriteLinesTo(DbgLogConsumerC& consumer, int level, std::string_view lines)
+{
+    return consumer.writeLines(level, lines);
+}
+
+bool DbgLogConsumerC::FlushLinesOf(DbgLogConsumerC& consumer)
+{
+    return consumer.flushLines();
+}
+
+bool DbgLogConsumerC::writeMessage(int level, const char* format, UTI::FormatSourceI& arguments)
+{
+    char m_pszPrintBuffer[s_iLOG_LINE_BUFFER_SIZE]; // each call's own; the reports below have always named it
+                                                    // so
+    MessageOutC out(m_pszPrintBuffer, s_iLOG_LINE_BUFFER_SIZE - LINE_END);
+    PutPrefix(out, getPrefixKind(), level);
+    const std::size_t prefixLength = out.Length();
+    const bool whole = UTI::FormatTo(out, format, arguments);
+    if (!out.FitsTheBuffer()) {
+        const std::string text = out.Whole() + (whole ? "" : CutMark());
+        return writeText(level, std::string_view(text).substr(0, prefixLength),
+                         std::string_view(text).substr(prefixLength));
     }
-    return lines;
+    const std::string_view prefix(m_pszPrintBuffer, prefixLength);
+    const std::string_view message =
+        WithoutLineEnd({m_pszPrintBuffer + prefixLength, out.Length() - prefixLength});
+    std::size_t iEndpos = prefixLength + message.size();
+    if (!IsPlainLine(message) || iEndpos + LINE_END > maxLineBytes())
+        return writeText(level, prefix, message);
+    m_pszPrintBuffer[iEndpos++] = '\n';
+    BSS_ASSERT(iEndpos < s_iLOG_LINE_BUFFER_SIZE);
+    m_pszPrintBuffer[iEndpos] = '\0';
+    BSS_ASSERT(strlen(m_pszPrintBuffer) < s_iLOG_LINE_BUFFER_SIZE);
+    return writeLines(level, std::string_view(m_pszPrintBuffer, iEndpos));
+}
+
+bool DbgLogConsumerC::writeText(int level, std::string_view prefix, std::string_view message)
+{
+    const bool bare = m_bLineSplitting.load(std::memory_order_relaxed);
+    const LogLayoutT layout{m_shownName, prefix, bare, maxLineBytes()};
+    return writeLines(level, LinesOfMessage(layout, message));
+}
+
+std::size_t DbgLogConsumerC::maxLineBytes() const noexcept
+{
+    const std::uint64_t limit = getLimit();
+    const std::size_t most = s_iLOG_LINE_BUFFER_SIZE - 1;
+    return limit == 0 || limit > most ? most : static_cast<std::size_t>(limit);
 }
 
 void DbgLogConsumerC::reportFailure() const noexcept

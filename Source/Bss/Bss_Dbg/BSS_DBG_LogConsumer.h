@@ -3,57 +3,105 @@
 //
 // The base of all log consumers: takes a level, a format and its arguments, and makes whole lines of them for
 // the derived class to write. Logging never throws to the caller, never stops the process and accepts calls
-// from any thread; the lines of one message stay together. A thread that logs while it is inside a consumer
-// already, because something beneath the consumer reports, is sent to the debugger output instead: no message
-// ever waits for itself.
+// from any thread; the lines of one message stay together. The text is made outside of any lock; the lock
+// covers the write. A thread that logs while it is inside a consumer already, because something beneath the
+// consumer reports, is sent to the debugger output instead: no message ever waits for itself.
 #pragma once
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
+#include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 #include "Bss/Bss_Uti/BSS_UTI_FormatSource.h"
 
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace BSS::DBG {
 
+struct LogSettingsT;
+
 class DbgLogConsumerC
 {
 public:
-    /// Longer messages are cut so that they fit the line buffer.
+    /// No line is longer than this, its prefix and end included; a longer one is continued in the next.
     static constexpr std::size_t s_iLOG_LINE_BUFFER_SIZE = 16384;
+
+    /// No message is longer than this; what is left out of a longer one is told in its last line.
+    static constexpr std::size_t MAX_MESSAGE_BYTES = std::size_t{1} << 20;
+
+    /// How large a log file may grow when nothing else is configured.
+    static constexpr std::uint64_t DEFAULT_LIMIT_BYTES = std::uint64_t{10} << 20;
+    static constexpr unsigned DEFAULT_OLDER_FILES = 3;
 
     DbgLogConsumerC(std::string name, PrefixKind prefix);
     virtual ~DbgLogConsumerC();
     DbgLogConsumerC(const DbgLogConsumerC&) = delete;
     DbgLogConsumerC& operator=(const DbgLogConsumerC&) = delete;
 
+    // The seventeen operations that all consumers and the manager share.
+
     /// Logs one message whatever its level. Log() is the front that looks at the level first.
     virtual void logFormatted(int level, const char* format, UTI::FormatSourceI& arguments);
+    virtual void logFormattedWide(int level, const wchar_t* format, UTI::FormatSourceI& arguments);
 
-    /// Puts what has been logged so far on the device. False when that fails.
-    [[nodiscard]] virtual bool flush();
+    /// Logs a text as it is; nothing in it is taken for a conversion.
+    virtual void logText(int level, std::string_view text);
 
-    /// Logs one message if its level is enabled. The format is that of BSS_UTI_Format.h.
+    /// Whether lines have somewhere to go. Nothing is made of a message while they have not.
+    virtual bool isOpen() const noexcept;
+
+    /// Puts what has been logged so far on the device. An assertion tells when that fails; false then.
+    virtual bool flush();
+
+    /// The lowest level that is logged from now on. Everything is, until this is called.
+    virtual void setLevel(int level) noexcept;
+    virtual int getLevel() const noexcept;
+    virtual void setPrefixKind(PrefixKind prefix) noexcept;
+    virtual PrefixKind getPrefixKind() const noexcept;
+
+    /// Lines of this level and above are handed over to the system before Log returns; those below may wait
+    /// (ERROR, unless this is called).
+    virtual void setFlushLevel(int level) noexcept;
+    virtual int getFlushLevel() const noexcept;
+
+    /// How large the consumer's file may grow, 0 without limit, and how many older files are kept. Means
+    /// nothing to consumers that have no file.
+    virtual void setLimit(std::uint64_t limitBytes) noexcept;
+    virtual std::uint64_t getLimit() const noexcept;
+    virtual void setOlderFiles(unsigned nOlderFiles) noexcept;
+    virtual unsigned getOlderFiles() const noexcept;
+
+    /// With line splitting on, the lines of a message are written bare, without the consumer's name and their
+    /// number.
+    virtual void setLineSplitting(bool bSplit) noexcept;
+    virtual const std::string& getName() const noexcept;
+
+    /// Makes ready to write, for consumers that need more than a first line. RC_OK when they do not.
+    [[nodiscard]] virtual ResultCodeT start();
+
+    /// Logs one message if its level is enabled. The format is that of BSS_UTI_Format.h. Costs one load and a
+    /// branch if it is not.
     template<typename... Arguments>
     void Log(int level, const char* format, const Arguments&... arguments)
     {
-        if (!isEnabled(level)) return;
-        const std::array<UTI::FormatArgumentC, sizeof...(Arguments)> row{UTI::FormatArgumentC(arguments)...};
-        UTI::FormatArgumentsC source(row.data(), row.size());
-        logFormatted(level, format, source);
+        if (isEnabled(level)) LogEnabled(level, format, arguments...);
     }
 
-    /// Whether messages of this level are logged. Everything is, until setLevel is called.
+    template<typename... Arguments>
+    void Log(int level, const wchar_t* format, const Arguments&... arguments)
+    {
+        if (isEnabled(level)) LogEnabled(level, format, arguments...);
+    }
+
+    /// Whether messages of this level are logged.
     bool isEnabled(int level) const noexcept { return level >= m_level.load(std::memory_order_relaxed); }
 
-    /// The lowest level that is logged from now on.
-    void setLevel(int level) noexcept;
-
-    const std::string& getName() const noexcept;
+    /// Sets what a configuration line says.
+    void apply(const LogSettingsT& settings) noexcept;
 
     /// Whether the calling thread is inside a consumer's write at this moment.
     static bool isWriting() noexcept;
@@ -63,16 +111,55 @@ protected:
     /// std::exception; that and false are told on the debugger output.
     virtual bool write(std::string_view lines) = 0;
 
+    /// Hands over to the system what write() has kept. One call at a time. The base keeps nothing.
+    virtual bool handOver();
+
+    /// Puts everything on the device. One call at a time, none of them during a write.
+    virtual bool flushDevice();
+
+    /// Writes the lines of one message, under the lock.
+    virtual bool writeLines(int level, std::string_view lines);
+
+    /// Flushes, under the lock.
+    virtual bool flushLines();
+
+    /// For a consumer that passes on to others.
+    static bool WriteLinesTo(DbgLogConsumerC& consumer, int level, std::string_view lines);
+    static bool FlushLinesOf(DbgLogConsumerC& consumer);
+
 private:
+    template<typename... Arguments>
+    [[gnu::noinline]] void LogEnabled(int level, const char* format, const Arguments&... arguments)
+    {
+        const std::array<UTI::FormatArgumentC, sizeof...(Arguments)> row{UTI::FormatArgumentC(arguments)...};
+        UTI::FormatArgumentsC source(row.data(), row.size());
+        logFormatted(level, format, source);
+    }
+
+    template<typename... Arguments>
+    [[gnu::noinline]] void LogEnabled(int level, const wchar_t* format, const Arguments&... arguments)
+    {
+        const std::array<UTI::FormatArgumentC, sizeof...(Arguments)> row{UTI::FormatArgumentC(arguments)...};
+        UTI::FormatArgumentsC source(row.data(), row.size());
+        logFormattedWide(level, format, source);
+    }
+
+    template<typename MakeT>
+    void Guarded(const MakeT& make) noexcept;
     bool writeMessage(int level, const char* format, UTI::FormatSourceI& arguments);
-    std::string linesOf(int level, std::string_view message) const;
+    bool writeText(int level, std::string_view prefix, std::string_view message);
+    std::size_t maxLineBytes() const noexcept;
     void reportFailure() const noexcept;
 
     const std::string m_name;
-    const PrefixKind m_prefix;
+    const std::string m_shownName; // the name as lines show it
+    std::atomic<PrefixKind> m_prefix;
     std::atomic<int> m_level;
+    std::atomic<int> m_flushLevel;
+    std::atomic<std::uint64_t> m_limitBytes{DEFAULT_LIMIT_BYTES};
+    std::atomic<unsigned> m_nOlderFiles{DEFAULT_OLDER_FILES};
+    std::atomic<bool> m_bLineSplitting{false};
     TSK::MutexC m_lock;
-    char m_pszPrintBuffer[s_iLOG_LINE_BUFFER_SIZE] = {}; // guarded by the lock
 };
 
 } // namespace BSS::DBG

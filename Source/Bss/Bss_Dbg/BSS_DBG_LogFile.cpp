@@ -1,81 +1,347 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// See the header.
+// Two ways to write. Alone: sole use of the file has been taken, so its size is known and a write is one call
+// to the system. Locked: others have the file open, so the write lock is taken, and name, size and end of the
+// file are looked at before each write. Whether others have come, and whether the file is still there, is
+// looked at only now and then; until then the lines that were handed over stay in the buffer, to be written
+// again if the file turns out to be gone.
 #include "Bss/Bss_Dbg/BSS_DBG_LogFile.h"
 
+#include "Bss/Bss_Dbg/BSS_DBG_LogFileName.h"
+#include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Directories.h"
-#include "Bss/Bss_Hal/BSS_HAL_FileReplace.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
-#include "Bss/Bss_Hal/BSS_HAL_Stream.h"
+#include "Bss/Bss_Hal/BSS_HAL_Process.h"
 #include "Bss/Bss_Os/BSS_OS_PathMap.h"
+#include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
-#include <boost/filesystem/operations.hpp>
-#include <cstdio>
-#include <memory>
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <exception>
+#include <thread>
 #include <utility>
 
 namespace BSS::DBG {
 
 namespace {
 
-struct CloseStream
+constexpr std::uint64_t HAND_OVER_EVERY_MS = 100;
+constexpr std::uint64_t VERIFY_EVERY_MS = 20;
+constexpr std::uint64_t CHECK_PATH_EVERY_MS = 1000;
+constexpr std::uint64_t SHARED_FOR_MS = 1000; // how long others are expected back
+constexpr int MAX_WAIT_FOR_SOLE_USER_MS = 50;
+constexpr int MAX_FRUITLESS_ROUNDS = 16;
+constexpr std::size_t LONGEST_FRAGMENT = 16384; // what we may have left behind; no line is longer
+
+// How much of the text is whole lines and not longer than `most`.
+std::size_t WholeLines(std::string_view text, std::uint64_t most) noexcept
 {
-    void operator()(std::FILE* stream) const noexcept { std::fclose(stream); }
+    if (text.size() <= most) return text.size();
+    const std::size_t end = text.substr(0, most).rfind('\n');
+    return end == std::string_view::npos ? 0 : end + 1;
+}
+
+std::uint64_t Elapsed(std::uint64_t nowMs, std::uint64_t thenMs) noexcept
+{
+    return nowMs > thenMs ? nowMs - thenMs : 0;
+}
+
+class WriteLock
+{
+public:
+    explicit WriteLock(HAL::AppendFileC& file) noexcept : m_file(file), m_state(file.Lock()) {}
+    ~WriteLock()
+    {
+        if (m_state == HAL::AppendLock::Taken) m_file.Unlock();
+    }
+    WriteLock(const WriteLock&) = delete;
+    WriteLock& operator=(const WriteLock&) = delete;
+
+    bool Busy() const noexcept { return m_state == HAL::AppendLock::Busy; }
+
+private:
+    HAL::AppendFileC& m_file;
+    const HAL::AppendLock m_state;
 };
-using StreamPtr = std::unique_ptr<std::FILE, CloseStream>;
-
-std::wstring OlderName(const std::wstring& path)
-{
-    const std::size_t dot = path.rfind(L'.');
-    const std::size_t separator = path.find_last_of(L"/\\");
-    const bool extension = dot != std::wstring::npos && (separator == std::wstring::npos || dot > separator);
-    return extension ? path.substr(0, dot) + L".1" + path.substr(dot) : path + L".1";
-}
-
-bool WriteAndClose(StreamPtr stream, std::string_view text)
-{
-    const bool written = std::fwrite(text.data(), 1, text.size(), stream.get()) == text.size();
-    return std::fclose(stream.release()) == 0 && written;
-}
 
 } // namespace
 
-DbgLogFileC::DbgLogFileC(std::wstring name, std::uint64_t limitBytes)
-    : m_name(std::move(name)), m_limitBytes(limitBytes)
+DbgLogFileC::DbgLogFileC(std::wstring name, std::uint64_t limitBytes, unsigned nOlderFiles)
+    : m_name(std::move(name)), m_limitBytes(limitBytes), m_nOlderFiles(nOlderFiles),
+      m_forkGeneration(HAL::ForkGeneration())
 {}
 
-bool DbgLogFileC::append(std::string_view text)
+DbgLogFileC::~DbgLogFileC()
+{
+    try {
+        if (m_used > 0 && m_forkGeneration == HAL::ForkGeneration()) {
+            static_cast<void>(handOver() && verify());
+            if (pending() > 0) static_cast<void>(handOver()); // the file had gone
+        }
+    } catch (const std::exception&) {
+        // Nobody is left to tell.
+    }
+}
+
+std::wstring DbgLogFileC::path() const
 {
     const std::wstring directory = OS::LogDirectory();
-    if (directory.empty()) return false;
-    const std::wstring path = HAL::JoinPath(directory, m_name);
-    if (m_limitBytes != 0 && text.size() > m_limitBytes) text = text.substr(0, m_limitBytes);
-    if (!makeRoom(path, text.size())) return false;
-    StreamPtr stream(HAL::OpenStream(path, "ab"));
-    // The directory may be missing yet, or have been taken away.
-    if (!stream && HAL::MakePrivateDirectory(directory)) stream.reset(HAL::OpenStream(path, "ab"));
-    return stream && WriteAndClose(std::move(stream), text);
+    return directory.empty() ? directory : HAL::JoinPath(directory, m_name);
+}
+
+bool DbgLogFileC::append(std::string_view lines)
+{
+    if (!prepare()) return false;
+    while (!lines.empty()) {
+        std::size_t part = WholeLines(lines, BUFFER_BYTES);
+        if (part == 0) part = std::min(lines.size(), BUFFER_BYTES);
+        if (!take(lines.substr(0, part))) break;
+        lines.remove_prefix(part);
+    }
+    m_nLost += static_cast<std::uint64_t>(std::count(lines.begin(), lines.end(), '\n'));
+    const bool due = Elapsed(HAL::CoarseTickMs(), m_handedOverMs) >= HAND_OVER_EVERY_MS;
+    return (!due || handOver()) && lines.empty();
+}
+
+// Where the lines go from now on. What waits for another place goes there first.
+bool DbgLogFileC::prepare()
+{
+    if (m_forkGeneration != HAL::ForkGeneration()) {
+        m_forkGeneration = HAL::ForkGeneration();
+        m_used = m_written = 0; // the parent's lines
+        close();
+    }
+    if (m_path.empty() || m_pathVersion != OS::LogDirectoryVersion()) {
+        if (pending() > 0) static_cast<void>(handOver());
+        close();
+        forgetWritten();
+        m_pathVersion = OS::LogDirectoryVersion();
+        m_path = path();
+    }
+    if (!m_buffer) m_buffer = std::make_unique<char[]>(BUFFER_BYTES);
+    return !m_path.empty();
+}
+
+bool DbgLogFileC::take(std::string_view lines)
+{
+    if (lines.size() > BUFFER_BYTES - m_used) {
+        if (handOver()) static_cast<void>(verify());
+        if (lines.size() > BUFFER_BYTES - m_used) return false;
+    }
+    if (m_nLost > 0) tellLosses();
+    if (lines.size() > BUFFER_BYTES - m_used) return false;
+    std::memcpy(m_buffer.get() + m_used, lines.data(), lines.size());
+    m_used += lines.size();
+    return true;
+}
+
+void DbgLogFileC::tellLosses()
+{
+    const std::string line = UTI::Format("(%I64u lines could not be written and are lost)\n", m_nLost);
+    if (line.size() > BUFFER_BYTES - m_used) return;
+    std::memcpy(m_buffer.get() + m_used, line.data(), line.size());
+    m_used += line.size();
+    m_nLost = 0;
+}
+
+bool DbgLogFileC::handOver()
+{
+    if (pending() == 0) return true;
+    m_handedOverMs = HAL::CoarseTickMs();
+    if (!m_file && !open()) return false;
+    if (Elapsed(m_handedOverMs, m_verifiedMs) >= VERIFY_EVERY_MS && !verify()) return false;
+    return m_sole ? writeAlone() : writeLocked();
 }
 
 bool DbgLogFileC::flush()
 {
-    const std::wstring directory = OS::LogDirectory();
-    const std::wstring path = HAL::JoinPath(directory, m_name);
-    boost::system::error_code ignored;
-    if (directory.empty() || !boost::filesystem::exists(HAL::FilesystemPath(path), ignored)) return true;
-    const StreamPtr stream(HAL::OpenStream(path, "ab"));
-    return stream && HAL::SyncStream(stream.get());
+    if (!m_file && pending() == 0) return true;
+    // Twice: lines that went to a file which has been taken away are written again.
+    const bool there = handOver() && verify() && handOver() && verify();
+    return there && m_file && m_file->Sync();
 }
 
-// True when `bytes` more fit, if need be after the file has become the older one.
-bool DbgLogFileC::makeRoom(const std::wstring& path, std::uint64_t bytes) const
+bool DbgLogFileC::open()
 {
-    if (m_limitBytes == 0) return true;
-    const StreamPtr stream(HAL::OpenStream(path, "rb"));
-    std::uint64_t size = 0;
-    if (!stream || !HAL::StreamSize(stream.get(), size) || size + bytes <= m_limitBytes) return true;
-    return HAL::RenameOver(path, OlderName(path)) == HAL::RenameResult::Done;
+    m_file = HAL::AppendFileC::Open(m_path);
+    // The directory may be missing yet, or have been taken away.
+    if (!m_file && HAL::MakePrivateDirectory(OS::LogDirectory())) m_file = HAL::AppendFileC::Open(m_path);
+    if (!m_file) return false;
+    const std::uint64_t now = HAL::CoarseTickMs();
+    m_verifiedMs = m_pathCheckedMs = now;
+    if (m_file->OthersPresent()) {
+        m_othersSeenMs = now;
+        awaitOthers();
+    } else if (m_othersSeenMs == 0 || Elapsed(now, m_othersSeenMs) >= SHARED_FOR_MS) {
+        m_sole = m_file->TakeSoleUse();
+    }
+    HAL::FileStatus status;
+    const WriteLock lock(*m_file);
+    if (!m_file->GetStatus(status)) return close(), false;
+    m_sizeBytes = status.sizeBytes;
+    if (!lock.Busy()) repairEnd(status.sizeBytes);
+    return true;
+}
+
+void DbgLogFileC::close() noexcept
+{
+    m_file.reset();
+    m_sole = false;
+}
+
+// One that writes alone looks around before its next write, or has done so a moment ago: it will see us.
+void DbgLogFileC::awaitOthers() const
+{
+    for (int i = 0; i < MAX_WAIT_FOR_SOLE_USER_MS && m_file->OtherHasSoleUse(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+// Looks at the file: whether it is still there, whether it is still the one of that name, and who else is.
+// True when there is a file to write to.
+bool DbgLogFileC::verify()
+{
+    HAL::FileStatus status;
+    if (!m_file || !m_file->GetStatus(status) || status.removed) {
+        close();
+        m_written = 0; // gone with the file: all of it waits again
+        return open();
+    }
+    forgetWritten();
+    m_verifiedMs = HAL::CoarseTickMs();
+    if (Elapsed(m_verifiedMs, m_pathCheckedMs) >= CHECK_PATH_EVERY_MS && !reopenIfReplaced()) return false;
+    const bool others = m_file->OthersPresent();
+    if (others) m_othersSeenMs = m_verifiedMs;
+    if (others && m_sole) {
+        m_file->GiveUpSoleUse();
+        m_sole = false;
+    }
+    if (!others && !m_sole && Elapsed(m_verifiedMs, m_othersSeenMs) >= SHARED_FOR_MS &&
+        m_file->TakeSoleUse()) {
+        m_sole = true;
+        if (!m_file->GetStatus(status)) return false;
+        m_sizeBytes = status.sizeBytes;
+        repairEnd(status.sizeBytes);
+    }
+    return true;
+}
+
+bool DbgLogFileC::reopenIfReplaced()
+{
+    m_pathCheckedMs = HAL::CoarseTickMs();
+    HAL::FileIdentity now;
+    if (HAL::IdentityOfPath(m_path, now) && now == m_file->GetIdentity()) return true;
+    close();
+    return open();
+}
+
+void DbgLogFileC::forgetWritten() noexcept
+{
+    if (pending() > 0) std::memmove(m_buffer.get(), m_buffer.get() + m_written, pending());
+    m_used = pending();
+    m_written = 0;
+}
+
+bool DbgLogFileC::writeAlone()
+{
+    const bool fits = m_limitBytes == 0 || m_sizeBytes + pending() <= m_limitBytes;
+    return fits ? writePart(pending()) : writeLocked();
+}
+
+bool DbgLogFileC::writeLocked()
+{
+    int fruitless = 0;
+    while (pending() > 0 && fruitless < MAX_FRUITLESS_ROUNDS) {
+        const std::size_t before = pending();
+        if (!m_file && !open()) return false;
+        const RoundResult result = writeLockedOnce();
+        if (result == RoundResult::Failed) return false;
+        if (result == RoundResult::FileIsAnother) close();
+        fruitless = pending() < before ? 0 : fruitless + 1;
+    }
+    return pending() == 0;
+}
+
+DbgLogFileC::RoundResult DbgLogFileC::writeLockedOnce()
+{
+    const WriteLock lock(*m_file);
+    HAL::FileIdentity named;
+    HAL::FileStatus status;
+    const bool same = HAL::IdentityOfPath(m_path, named) && named == m_file->GetIdentity();
+    if (!m_file->GetStatus(status)) return RoundResult::Failed;
+    if (!same) {
+        if (status.removed) m_written = 0;    // gone with the file: all of it waits again
+        if (!status.removed) forgetWritten(); // it lives on under another name
+        return RoundResult::FileIsAnother;
+    }
+    const bool strange = status.sizeBytes != m_sizeBytes;
+    m_sizeBytes = status.sizeBytes;
+    if (strange && !lock.Busy()) repairEnd(status.sizeBytes);
+    if (!writeOnce(!lock.Busy())) return RoundResult::Failed;
+    return pending() > 0 && m_sizeBytes == 0 ? RoundResult::FileIsAnother : RoundResult::Done;
+}
+
+// Writes what fits, or makes room for it: then the size is 0 and the file has to be opened anew.
+bool DbgLogFileC::writeOnce(bool mayRotate)
+{
+    const std::string_view waiting(m_buffer.get() + m_written, pending());
+    if (m_limitBytes == 0 || !mayRotate) return writePart(waiting.size());
+    const std::uint64_t room = m_limitBytes > m_sizeBytes ? m_limitBytes - m_sizeBytes : 0;
+    const std::size_t fit = WholeLines(waiting, room);
+    if (fit > 0) return writePart(fit);
+    if (m_sizeBytes > 0) return rotate();
+    // One line that is longer than any file may be.
+    const std::size_t line = std::min(waiting.find('\n'), waiting.size() - 1) + 1;
+    const auto most = static_cast<std::size_t>(m_limitBytes);
+    const bool done = m_file->Append(waiting.data(), most) == most;
+    m_sizeBytes += most;
+    m_written += line;
+    return done;
+}
+
+// Appends that much of what waits. If the system takes only a part of it, a line that was begun is taken
+// back.
+bool DbgLogFileC::writePart(std::size_t bytes)
+{
+    const std::string_view waiting(m_buffer.get() + m_written, bytes);
+    const std::size_t taken = m_file->Append(waiting.data(), bytes);
+    const std::size_t whole = WholeLines(waiting, taken);
+    HAL::FileStatus status;
+    const bool asExpected =
+        whole == taken || (m_file->GetStatus(status) && status.sizeBytes == m_sizeBytes + taken);
+    if (whole < taken && asExpected) static_cast<void>(m_file->Truncate(m_sizeBytes + whole));
+    m_sizeBytes += whole;
+    m_written += whole;
+    return whole == bytes;
+}
+
+// Gives every file the next number. The current one is the last to be renamed, so whoever comes in between
+// still finds it, and waits for its lock.
+bool DbgLogFileC::rotate()
+{
+    if (!RotateLogFiles(m_path, m_nOlderFiles)) return false;
+    forgetWritten();
+    m_sizeBytes = 0;
+    return true;
+}
+
+// Removes the beginning of a line that somebody left who died in the middle of a write. What is too long for
+// that was not ours, and is ended instead.
+void DbgLogFileC::repairEnd(std::uint64_t sizeBytes)
+{
+    char last = '\n';
+    if (sizeBytes == 0 || m_file->ReadAt(sizeBytes - 1, &last, 1) != 1 || last == '\n') return;
+    const std::size_t length = static_cast<std::size_t>(std::min<std::uint64_t>(sizeBytes, LONGEST_FRAGMENT));
+    std::string end(length, '\0');
+    if (m_file->ReadAt(sizeBytes - length, end.data(), length) != length) return;
+    const std::size_t lineEnd = end.rfind('\n');
+    if (lineEnd == std::string::npos && sizeBytes > length) {
+        m_sizeBytes = sizeBytes + m_file->Append("\n", 1);
+        return;
+    }
+    const std::size_t fragment = length - (lineEnd == std::string::npos ? 0 : lineEnd + 1);
+    if (m_file->Truncate(sizeBytes - fragment)) m_sizeBytes = sizeBytes - fragment;
 }
 
 } // namespace BSS::DBG

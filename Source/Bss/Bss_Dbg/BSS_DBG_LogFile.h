@@ -1,15 +1,27 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// A log file in the log directory that does not grow beyond its limit: when it is full it becomes the older
-// file
-// ("ErrorLog.txt" becomes "ErrorLog.1.txt", replacing the one before) and a new one is begun. The file is
-// opened for each piece that is written: there is none before the first piece, several processes can write to
-// it, one of them can begin a new one, and nothing stays open. One thread at a time; knows nothing of lines
-// or levels.
+// A log file in the log directory that does not grow beyond its limit: when it is full it becomes the newest
+// of its numbered older files ("ErrorLog.txt" becomes "ErrorLog.1.txt", that one "ErrorLog.2.txt", and so on)
+// and a new one is begun.
+//
+// Lines wait in a buffer until they are handed over to the system: when the buffer is full, when the last
+// time was a tenth of a second ago or more, and when the owner says so. What has been handed over survives
+// the death of the process; what has been flushed survives the death of the machine. A line is handed over
+// whole or not at all; the beginning of a line that a process left by dying in the middle of a write is
+// removed by whoever writes to the file next. Lines that cannot be handed over, on a full disk for example,
+// are kept for the next time; when the buffer is full of those, further lines are counted, and a line tells
+// how many were lost.
+//
+// Several files, in one process or in many, may bear the same name: their lines do not mix and the limit
+// holds. A file or directory that is taken away is made anew. A child process that is forked does not write
+// what its parent has still to write. One thread at a time; knows nothing of prefixes or levels.
 #pragma once
 
+#include "Bss/Bss_Hal/BSS_HAL_AppendFile.h"
+
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -18,21 +30,81 @@ namespace BSS::DBG {
 class DbgLogFileC
 {
 public:
+    static constexpr unsigned DEFAULT_OLDER_FILES = 3;
+
     /// `name` is the file's name in the log directory. A limit of 0 bytes is no limit.
-    DbgLogFileC(std::wstring name, std::uint64_t limitBytes);
+    DbgLogFileC(std::wstring name, std::uint64_t limitBytes, unsigned nOlderFiles = DEFAULT_OLDER_FILES);
 
-    /// Appends the text. A text that is longer than the limit itself is cut to it. False when nothing or not
-    /// all was written. Throws std::bad_alloc only.
-    [[nodiscard]] bool append(std::string_view text);
+    /// Hands over what is left.
+    ~DbgLogFileC();
+    DbgLogFileC(const DbgLogFileC&) = delete;
+    DbgLogFileC& operator=(const DbgLogFileC&) = delete;
 
-    /// Puts the file on the device. True also when there is no file yet.
+    /// Takes whole lines, each ended by "\n". A line that is longer than the limit itself is cut to it. False
+    /// when lines are waiting that could not be handed over, or were lost. Throws std::bad_alloc only.
+    [[nodiscard]] bool append(std::string_view lines);
+
+    /// Hands over everything now. False when that fails; the lines are kept.
+    [[nodiscard]] bool handOver();
+
+    /// Hands over everything, makes sure that the file is still there, and puts it on the device. True also
+    /// when there is no file yet.
     [[nodiscard]] bool flush();
 
+    void setLimit(std::uint64_t limitBytes) noexcept { m_limitBytes = limitBytes; }
+
+    /// How many older files are kept.
+    void setOlderFiles(unsigned nOlderFiles) noexcept { m_nOlderFiles = nOlderFiles; }
+
+    /// Where the file is, as far as that is known now; empty when there is no log directory.
+    std::wstring path() const;
+
 private:
-    bool makeRoom(const std::wstring& path, std::uint64_t bytes) const;
+    static constexpr std::size_t BUFFER_BYTES = 65536;
+
+    enum class RoundResult
+    {
+        Done,
+        FileIsAnother, ///< the name stands for another file now, or for none
+        Failed
+    };
+
+    std::size_t pending() const noexcept { return m_used - m_written; }
+    bool prepare();
+    bool take(std::string_view lines);
+    void tellLosses();
+    bool open();
+    void close() noexcept;
+    void awaitOthers() const;
+    bool verify();
+    bool reopenIfReplaced();
+    void forgetWritten() noexcept;
+    bool writeAlone();
+    bool writeLocked();
+    RoundResult writeLockedOnce();
+    bool writeOnce(bool mayRotate);
+    bool writePart(std::size_t bytes);
+    bool rotate();
+    void repairEnd(std::uint64_t sizeBytes);
 
     const std::wstring m_name;
-    const std::uint64_t m_limitBytes;
+    std::uint64_t m_limitBytes;
+    unsigned m_nOlderFiles;
+    std::wstring m_path;             // of the file that the waiting lines belong to
+    std::uint32_t m_pathVersion = 0; // of the log directory that the path was made with
+    std::uint32_t m_forkGeneration = 0;
+    std::unique_ptr<HAL::AppendFileC> m_file;
+    std::uint64_t m_sizeBytes = 0; // of the open file, as far as we know
+    bool m_sole = false;           // we write without the write lock
+    // The buffer: lines handed over to a file that has not been looked at since, then lines that wait.
+    std::unique_ptr<char[]> m_buffer;
+    std::size_t m_written = 0;
+    std::size_t m_used = 0;
+    std::uint64_t m_nLost = 0;
+    std::uint64_t m_handedOverMs = 0;
+    std::uint64_t m_verifiedMs = 0;
+    std::uint64_t m_pathCheckedMs = 0;
+    std::uint64_t m_othersSeenMs = 0;
 };
 
 } // namespace BSS::DBG

@@ -10,18 +10,32 @@ namespace BSS::DBG {
 
 DbgLogFileConsumerC::DbgLogFileConsumerC(std::string name, std::wstring fileName, std::uint64_t limitBytes)
     : DbgLogConsumerC(std::move(name), PrefixKind::Full), m_file(std::move(fileName), limitBytes)
-{}
+{
+    DbgLogConsumerC::setLimit(limitBytes);
+}
 
 DbgLogFileConsumerC::~DbgLogFileConsumerC() = default;
 
-bool DbgLogFileConsumerC::flush()
+std::wstring DbgLogFileConsumerC::path() const
 {
-    return m_file.flush();
+    return m_file.path();
 }
 
 bool DbgLogFileConsumerC::write(std::string_view lines)
 {
+    m_file.setLimit(getLimit());
+    m_file.setOlderFiles(getOlderFiles());
     return m_file.append(lines);
+}
+
+bool DbgLogFileConsumerC::handOver()
+{
+    return m_file.handOver();
+}
+
+bool DbgLogFileConsumerC::flushDevice()
+{
+    return m_file.flush();
 }
 
 } // namespace BSS::DBG

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// A consumer that writes a log file. Nothing is buffered, so every message is in the file when Log returns.
+// A consumer that writes a log file. A message of level ERROR or FATAL is in the file when Log returns; so is
+// any other that comes after a tenth of a second of silence. See DbgLogFileC for the rest.
 #pragma once
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
@@ -16,16 +17,17 @@ namespace BSS::DBG {
 class DbgLogFileConsumerC final : public DbgLogConsumerC
 {
 public:
-    /// How large a log file may grow when nothing else is configured.
-    static constexpr std::uint64_t DEFAULT_LIMIT_BYTES = 1u << 20;
-
     DbgLogFileConsumerC(std::string name, std::wstring fileName,
                         std::uint64_t limitBytes = DEFAULT_LIMIT_BYTES);
-    bool flush() override;
     ~DbgLogFileConsumerC() override;
+
+    /// Where the file is; empty when there is no log directory.
+    std::wstring path() const;
 
 protected:
     bool write(std::string_view lines) override;
+    bool handOver() override;
+    bool flushDevice() override;
 
 private:
     DbgLogFileC m_file;

@@ -5,13 +5,18 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
+
+#include <algorithm>
 
 namespace BSS::DBG {
 
 namespace {
 
 constexpr std::string_view LINE_ENDS = "\r\n";
+constexpr std::string_view CONTINUED = "(continued) ";
+constexpr std::size_t LEAST_TEXT = 16; // of a line, however small the limit
 
 std::string UtcPrefix(const HAL::CalendarTime& time)
 {
@@ -19,10 +24,24 @@ std::string UtcPrefix(const HAL::CalendarTime& time)
                        time.hour, time.minute, time.second, time.millisecond);
 }
 
-bool IsControl(char character)
+bool IsHarmful(char32_t character)
 {
-    const auto code = static_cast<unsigned char>(character);
-    return (code < 0x20 && character != '\t') || code == 0x7F;
+    const bool control = (character < 0x20 && character != '\t') || (character >= 0x7F && character < 0xA0);
+    const bool separator = character == 0x2028 || character == 0x2029;
+    const bool direction = character == 0x200E || character == 0x200F ||
+                           (character >= 0x202A && character <= 0x202E) ||
+                           (character >= 0x2066 && character <= 0x2069);
+    return control || separator || direction;
+}
+
+// The length of the first part that is not longer than `most` and ends between two characters.
+std::size_t FirstPart(std::string_view text, std::size_t most)
+{
+    if (text.size() <= most) return text.size();
+    std::size_t end = most;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return end > 0 ? end : most;
 }
 
 } // namespace
@@ -51,10 +70,16 @@ std::string PrefixedLine(PrefixKind kind, const LogLineContextT& context, const 
     return text;
 }
 
+std::string_view WithoutLineEnd(std::string_view message) noexcept
+{
+    while (!message.empty() && (message.back() == '\n' || message.back() == '\r'))
+        message.remove_suffix(1);
+    return message;
+}
+
 std::vector<std::string_view> SplitMessage(std::string_view message)
 {
-    const std::size_t last = message.find_last_not_of(LINE_ENDS);
-    message = message.substr(0, last == std::string_view::npos ? 0 : last + 1);
+    message = WithoutLineEnd(message);
     std::vector<std::string_view> lines;
     for (;;) {
         const std::size_t end = message.find_first_of(LINE_ENDS);
@@ -65,18 +90,63 @@ std::vector<std::string_view> SplitMessage(std::string_view message)
     }
 }
 
+bool IsPlainLine(std::string_view text) noexcept
+{
+    // No early end: the compiler makes vector code of this.
+    unsigned char strange = 0;
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        strange = static_cast<unsigned char>(strange | ((code < 0x20) & (code != '\t')) | (code >= 0x7F));
+    }
+    return strange == 0;
+}
+
 std::string WithoutControls(std::string_view text)
 {
     std::string clean;
     clean.reserve(text.size());
-    for (const char character : text) {
-        if (IsControl(character)) {
-            clean += UTI::Format("\\x%02X", static_cast<unsigned char>(character));
-        } else {
-            clean.push_back(character);
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (at != end) {
+        char32_t character = 0;
+        const std::size_t length = HAL::DecodeUtf8(at, end, character);
+        if (length > 0 && !IsHarmful(character)) {
+            clean.append(at, length);
+            at += length;
+            continue;
         }
+        const char* const next = at + std::max<std::size_t>(length, 1);
+        for (; at != next; ++at)
+            clean += UTI::Format("\\x%02X", static_cast<unsigned char>(*at));
     }
     return clean;
+}
+
+std::string LinesOfMessage(const LogLayoutT& layout, std::string_view message)
+{
+    const std::vector<std::string_view> parts = SplitMessage(message);
+    const std::size_t overhead =
+        layout.prefix.size() + layout.name.size() + CONTINUED.size() + sizeof ": 000000, \n";
+    const std::size_t most =
+        layout.maxLineBytes > overhead + LEAST_TEXT ? layout.maxLineBytes - overhead : LEAST_TEXT;
+    std::string lines;
+    unsigned number = 0;
+    for (const std::string_view part : parts) {
+        const std::string clean = WithoutControls(part);
+        const bool alone = parts.size() == 1 && clean.size() <= most;
+        std::string_view rest = clean;
+        bool continued = false;
+        do {
+            const std::size_t length = FirstPart(rest, most);
+            lines += layout.prefix;
+            if (!alone && !layout.bareLines) (lines += layout.name) += UTI::Format(": %03d, ", ++number);
+            if (continued) lines += CONTINUED;
+            (lines += rest.substr(0, length)) += '\n';
+            rest.remove_prefix(length);
+            continued = true;
+        } while (!rest.empty());
+    }
+    return lines;
 }
 
 } // namespace BSS::DBG

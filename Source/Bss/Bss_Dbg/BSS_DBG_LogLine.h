@@ -7,6 +7,7 @@
 
 #include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,7 +15,7 @@
 
 namespace BSS::DBG {
 
-/// What stands before each line of a consumer.
+/// What stands before each line of a consumer. Any other number is no prefix.
 enum class PrefixKind
 {
     None = 0,
@@ -44,8 +45,30 @@ std::string PrefixedLine(PrefixKind kind, const LogLineContextT& context, const 
 /// begin no further line. Never empty.
 std::vector<std::string_view> SplitMessage(std::string_view message);
 
-/// The text with every control character but the tabulator written as "\x1B", so that no message can end a
-/// line early, forge another one or command a terminal.
+/// The message without the line ends at its end.
+std::string_view WithoutLineEnd(std::string_view message) noexcept;
+
+/// True when the text is one line that can be written as it stands: no control character but the tabulator,
+/// and nothing but ASCII.
+bool IsPlainLine(std::string_view text) noexcept;
+
+/// The text with everything written as "\x1B" that could end a line early, forge another one or command a
+/// terminal: control characters but the tabulator, line and paragraph separators, marks that turn the
+/// direction of writing, and bytes that are not UTF-8. The result is valid UTF-8.
 std::string WithoutControls(std::string_view text);
+
+/// How a message becomes the lines of a consumer.
+struct LogLayoutT
+{
+    std::string_view name;        ///< of the consumer
+    std::string_view prefix;      ///< before each line
+    bool bareLines = false;       ///< lines of a message bear neither name nor number
+    std::size_t maxLineBytes = 0; ///< of a line with its end; a longer one is continued in the next
+};
+
+/// All lines of a message, each with its prefix and ended by "\n". A message of one line is written as it is.
+/// The lines of a longer one are numbered: "name: 001, text". What continues the line before it begins with
+/// "(continued) ".
+std::string LinesOfMessage(const LogLayoutT& layout, std::string_view message);
 
 } // namespace BSS::DBG

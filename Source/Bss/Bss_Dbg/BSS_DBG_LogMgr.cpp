@@ -5,14 +5,19 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogFileName.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogOutputDebugStringConsumer.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogPrintfConsumer.h"
+#include "Bss/Bss_Dbg/BSS_DBG_SubLogManager.h"
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
 #include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
 #include "Bss/Bss_Os/BSS_OS_Configuration.h"
 #include "Bss/Bss_Os/BSS_OS_PathMap.h"
-#include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
 
 #include <atomic>
+#include <mutex>
 #include <utility>
 
 namespace BSS::DBG {
@@ -21,20 +26,36 @@ namespace {
 
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Dbg\BSS_DBG_LogMgr)";
 
-constinit std::atomic<bool> s_gone = false;
+constexpr char SYSTEM_ERROR_LOGGER[] = "SystemErrorLogger";
+constexpr char TCP_IP[] = "TcpIp";
+constexpr char SPLIT_LINES[] = "nmea";
 
-std::shared_ptr<DbgLogConsumerC> MakeSystemErrorLogger()
+using GuardT = std::lock_guard<TSK::MutexC>;
+
+constinit std::atomic<bool> s_gone = false;
+constinit std::atomic<DbgLogMgrC::ConsumerMakerT> s_tcpIpMaker = nullptr;
+
+std::shared_ptr<DbgLogConsumerC> MakeNamedFile(const std::string& name, const wchar_t* file)
 {
     const std::uint64_t limit =
-        OS::ReadErrorLogLimitBytes(OS::PlatformConfigStore(), DbgLogFileConsumerC::DEFAULT_LIMIT_BYTES);
-    return std::make_shared<DbgLogFileConsumerC>("SystemErrorLogger", L"ErrorLog.txt", limit);
+        OS::ReadErrorLogLimitBytes(OS::PlatformConfigStore(), DbgLogConsumerC::DEFAULT_LIMIT_BYTES);
+    return std::make_shared<DbgLogFileConsumerC>(name, file, limit);
+}
+
+void ReportForeignIterator()
+{
+    ERR::AssertFailed("This function must be called with an iterator pointing to one of our log files.", 0, 0,
+                      BSS_SOURCE_NAME, __LINE__);
 }
 
 } // namespace
 
-DbgLogMgrC::DbgLogMgrC() : m_pSystemErrorLogger(MakeSystemErrorLogger())
+DbgLogMgrC::DbgLogMgrC() : DbgLogConsumerC("DbgLogMgr", PrefixKind::Full)
 {
     OS::PreparePathMap(); // every line uses it, so it must outlive the manager
+    m_pSystemErrorLogger = MakeNamedFile(SYSTEM_ERROR_LOGGER, L"ErrorLog.txt");
+    m_consumers[SYSTEM_ERROR_LOGGER] = m_pSystemErrorLogger;
+    readConfiguration();
 }
 
 DbgLogMgrC::~DbgLogMgrC()
@@ -53,11 +74,51 @@ bool DbgLogMgrC::isGone() noexcept
     return s_gone.load();
 }
 
-std::shared_ptr<DbgLogConsumerC> DbgLogMgrC::getSystemErrorLogger() const
+DbgLogMgrC::ConsumerPtrT DbgLogMgrC::getConsumer(const std::string& name, const std::string& secondName)
 {
-    std::shared_ptr<DbgLogConsumerC> logger;
     {
-        const TSK::GuardC guard(m_lock);
+        const GuardT guard(m_lock);
+        const auto found = m_consumers.find(name);
+        if (found != m_consumers.end()) return found->second;
+    }
+    const ConsumerPtrT made = make(name, secondName);
+    if (!made && name == TCP_IP) {
+        const ResultCodeT rc = RC_OBJECT_MISSING;
+        BSS_ASSERT(rc == RC_OK);
+    }
+    if (!made) return nullptr;
+    {
+        const GuardT guard(m_lock);
+        const auto [place, inserted] = m_consumers.emplace(name, made);
+        if (!inserted) return place->second; // another thread was first
+        applyConfiguration(name, *made);
+    }
+    const ResultCodeT rc = made->start();
+    BSS_ASSERT(rc == RC_OK);
+    return made;
+}
+
+// The factory. Nothing of what it makes has an effect outside before it is started or logged to.
+DbgLogMgrC::ConsumerPtrT DbgLogMgrC::make(const std::string& name, const std::string& secondName) const
+{
+    if (name == "printf") return std::make_shared<DbgLogPrintfConsumerC>(name);
+    if (name == "OutputDebugString") return std::make_shared<DbgLogOutputDebugStringConsumerC>(name);
+    if (name == "/sensorboard/") return nullptr;
+    if (name == "LoaderLog") return MakeNamedFile(name, L"LoaderLog.txt");
+    if (name == TCP_IP) {
+        const ConsumerMakerT maker = s_tcpIpMaker.load();
+        return maker != nullptr ? maker(name) : nullptr;
+    }
+    const auto file = std::make_shared<DbgLogFileConsumerC>(name, LogFileNameOf(name));
+    file->setLineSplitting(secondName == SPLIT_LINES);
+    return file;
+}
+
+DbgLogMgrC::ConsumerPtrT DbgLogMgrC::getSystemErrorLogger() const
+{
+    ConsumerPtrT logger;
+    {
+        const GuardT guard(m_lock);
         logger = m_pSystemErrorLogger;
     }
     if (!logger) {
@@ -66,20 +127,140 @@ std::shared_ptr<DbgLogConsumerC> DbgLogMgrC::getSystemErrorLogger() const
     return logger;
 }
 
-void DbgLogMgrC::setSystemErrorLogger(std::shared_ptr<DbgLogConsumerC> consumer)
+void DbgLogMgrC::setSystemErrorLogger(ConsumerPtrT consumer)
 {
-    const TSK::GuardC guard(m_lock);
+    const GuardT guard(m_lock);
     m_pSystemErrorLogger.swap(consumer);
 }
 
-void DbgLogMgrC::flush() const
+void DbgLogMgrC::registerSubManager(SubLogManagerC& subManager)
 {
-    std::shared_ptr<DbgLogConsumerC> logger;
+    bool added = false;
     {
-        const TSK::GuardC guard(m_lock);
-        logger = m_pSystemErrorLogger;
+        const GuardT guard(m_subManagerLock);
+        added = m_subManagers.insert(&subManager).second;
     }
-    if (logger && !logger->flush()) BSS_ASSERT(!"Failed flushing logs!");
+    // The report is made without the lock, in the words of the check.
+    if (!added)
+        ERR::AssertFailed("m_subManagers.find(&subManager) == m_subManagers.end()", 0, 0, BSS_SOURCE_NAME,
+                          __LINE__);
+}
+
+void DbgLogMgrC::unregisterSubManager(SubLogManagerC& subManager)
+{
+    const GuardT guard(m_subManagerLock);
+    m_subManagers.erase(&subManager);
+}
+
+bool DbgLogMgrC::configure(std::string_view line)
+{
+    const GuardT guard(m_lock);
+    if (!m_configuration.Add(line)) return false;
+    for (const auto& [name, consumer] : m_consumers)
+        applyConfiguration(name, *consumer);
+    return true;
+}
+
+void DbgLogMgrC::readConfiguration()
+{
+    const std::string text = ReadLogConfigurationFile();
+    std::vector<std::size_t> unread;
+    {
+        const GuardT guard(m_lock);
+        unread = m_configuration.AddText(text);
+        for (const auto& [name, consumer] : m_consumers)
+            applyConfiguration(name, *consumer);
+    }
+    const ConsumerPtrT logger = getSystemErrorLogger();
+    for (const std::size_t line : unread)
+        if (logger) logger->Log(LEVEL_WARN, "logging.conf: line %u cannot be read and is left out", line);
+}
+
+void DbgLogMgrC::applyConfiguration(const std::string& name, DbgLogConsumerC& consumer) const
+{
+    const LogSettingsT* const settings = m_configuration.Find(name);
+    if (settings != nullptr) consumer.apply(*settings);
+}
+
+std::vector<DbgLogMgrC::ConsumerPtrT> DbgLogMgrC::consumers() const
+{
+    const GuardT guard(m_lock);
+    std::vector<ConsumerPtrT> all;
+    for (const auto& [name, consumer] : m_consumers)
+        all.push_back(consumer);
+    const auto known = m_consumers.find(SYSTEM_ERROR_LOGGER);
+    if (m_pSystemErrorLogger && (known == m_consumers.end() || known->second != m_pSystemErrorLogger))
+        all.push_back(m_pSystemErrorLogger);
+    return all;
+}
+
+bool DbgLogMgrC::write(std::string_view lines)
+{
+    return writeLines(LEVEL_ERROR, lines);
+}
+
+bool DbgLogMgrC::writeLines(int level, std::string_view lines)
+{
+    const ConsumerPtrT logger = getSystemErrorLogger();
+    return logger && WriteLinesTo(*logger, level, lines);
+}
+
+bool DbgLogMgrC::flushLines()
+{
+    bool flushed = true;
+    for (const ConsumerPtrT& consumer : consumers())
+        flushed = FlushLinesOf(*consumer) && flushed;
+    const GuardT guard(m_subManagerLock);
+    for (SubLogManagerC* const subManager : m_subManagers)
+        flushed = subManager->flushLogs() && flushed;
+    return flushed;
+}
+
+DbgLogFileIteratorC DbgLogMgrC::logFileAfter(const std::string* name) const
+{
+    const GuardT guard(m_lock);
+    auto at = name == nullptr ? m_consumers.begin() : m_consumers.upper_bound(*name);
+    while (at != m_consumers.end() && !std::dynamic_pointer_cast<DbgLogFileConsumerC>(at->second))
+        ++at;
+    return at == m_consumers.end() ? DbgLogFileIteratorC() : DbgLogFileIteratorC(at->first, at->second);
+}
+
+bool DbgLogMgrC::isOurs(const DbgLogFileIteratorC& logFile) const
+{
+    const ConsumerPtrT file = logFile.m_file.lock();
+    const GuardT guard(m_lock);
+    const auto found = m_consumers.find(logFile.m_name);
+    return file && found != m_consumers.end() && found->second == file;
+}
+
+DbgLogFileIteratorC DbgLogMgrC::firstLogFile() const
+{
+    return logFileAfter(nullptr);
+}
+
+void DbgLogMgrC::nextLogFile(DbgLogFileIteratorC& logFile) const
+{
+    if (!isOurs(logFile)) {
+        ReportForeignIterator();
+        return;
+    }
+    const std::string name = logFile.m_name;
+    logFile = logFileAfter(&name);
+}
+
+std::wstring DbgLogMgrC::getLogFilePath(const DbgLogFileIteratorC& logFile) const
+{
+    if (!isOurs(logFile)) {
+        ReportForeignIterator();
+        return {};
+    }
+    const auto file = std::dynamic_pointer_cast<DbgLogFileConsumerC>(logFile.m_file.lock());
+    return file ? file->path() : std::wstring();
+}
+
+void DbgLogMgrC::setTcpIpConsumerMaker(ConsumerMakerT maker) noexcept
+{
+    s_tcpIpMaker.store(maker);
 }
 
 } // namespace BSS::DBG

@@ -1,47 +1,104 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The process's log manager. It owns the system error logger, to which assertions and panics go. Made on
-// first use and destroyed when the process ends or the library is unloaded, after the panic handler registry.
-// Safe from any thread; none of its locks is held while a consumer runs.
+// The process's log manager: makes and keeps the log consumers, each under its name, and owns the system
+// error logger, to which assertions and panics go. It is a consumer itself; what is logged on it goes to the
+// system error logger. Made on first use, when it reads the log configuration, and destroyed when the process
+// ends or the library is unloaded, after the panic handler registry. Safe from any thread; none of its locks
+// is held while a consumer runs.
 #pragma once
 
+#include "Bss/Bss_Dbg/BSS_DBG_LogConfiguration.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogFileIterator.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 
+#include <map>
 #include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace BSS::DBG {
 
-class DbgLogConsumerC;
+class SubLogManagerC;
 
-class DbgLogMgrC
+class DbgLogMgrC final : public DbgLogConsumerC
 {
 public:
+    using ConsumerPtrT = std::shared_ptr<DbgLogConsumerC>;
+    using ConsumerMakerT = ConsumerPtrT (*)(const std::string& name);
+
     /// The one manager. Must not be called once isGone().
     static DbgLogMgrC& instance();
 
     /// True once the manager has been destroyed: a report then has only the debugger output left.
     static bool isGone() noexcept;
 
-    /// The consumer "SystemErrorLogger", which writes "ErrorLog.txt". Null, and told on the debugger output,
-    /// when there is none. The file is made by the first line, not by this.
-    std::shared_ptr<DbgLogConsumerC> getSystemErrorLogger() const;
+    /// The consumer of that name, made when it is first asked for:
+    ///   - "printf": standard output; "OutputDebugString": debugger output; "TcpIp": clients on port 10002;
+    ///   - "/sensorboard/": none, the pointer is empty;
+    ///   - "SystemErrorLogger": the file "ErrorLog.txt"; "LoaderLog": the file "LoaderLog.txt";
+    ///   - any other: a file of the consumer's name. With the second name "nmea" its lines are written bare.
+    /// Case matters. Files are made by their first line, not by this. A TCP/IP server that does not start is
+    /// reported by an assertion; so is a program that has no TCP/IP consumer, and the pointer is empty then.
+    ConsumerPtrT getConsumer(const std::string& name, const std::string& secondName = {});
 
-    /// Puts another consumer in its place; null takes it away.
-    void setSystemErrorLogger(std::shared_ptr<DbgLogConsumerC> consumer);
+    /// The consumer "SystemErrorLogger". Null, and told on the debugger output, when there is none.
+    ConsumerPtrT getSystemErrorLogger() const;
 
-    /// Flushes all log files; an assertion tells when that fails.
-    void flush() const;
+    /// Puts another consumer in its place; null takes it away. getConsumer still answers the first one.
+    void setSystemErrorLogger(ConsumerPtrT consumer);
 
-    DbgLogMgrC(const DbgLogMgrC&) = delete;
-    DbgLogMgrC& operator=(const DbgLogMgrC&) = delete;
+    /// Adds a sub-manager, to be flushed with the manager. An assertion tells when it is there already. Not
+    /// owned; to be taken back before it is destroyed.
+    void registerSubManager(SubLogManagerC& subManager);
+
+    /// Takes a sub-manager back. When this returns it is not being flushed any more.
+    void unregisterSubManager(SubLogManagerC& subManager);
+
+    /// Applies one line of configuration (BSS_DBG_LogConfigLine.h) now, to consumers that exist and to those
+    /// that are made later. False when it cannot be read.
+    bool configure(std::string_view line);
+
+    /// Reads the configuration file again and applies all of it. A line that cannot be read is logged on the
+    /// system error logger as a warning.
+    void readConfiguration();
+
+    /// The first of the manager's log files, the one after another, and whether there was one. In the order
+    /// of the consumers' names. Files of consumers that are made meanwhile are met or not.
+    DbgLogFileIteratorC firstLogFile() const;
+    void nextLogFile(DbgLogFileIteratorC& logFile) const;
+
+    /// Where a log file is. An iterator that points to none of the manager's log files is reported; the
+    /// answer is empty then.
+    std::wstring getLogFilePath(const DbgLogFileIteratorC& logFile) const;
+
+    /// How "TcpIp" consumers are made; null takes the maker away.
+    static void setTcpIpConsumerMaker(ConsumerMakerT maker) noexcept;
+
+protected:
+    bool write(std::string_view lines) override;
+    bool writeLines(int level, std::string_view lines) override;
+    bool flushLines() override;
 
 private:
     DbgLogMgrC();
-    ~DbgLogMgrC();
+    ~DbgLogMgrC() override;
+
+    ConsumerPtrT make(const std::string& name, const std::string& secondName) const;
+    void applyConfiguration(const std::string& name, DbgLogConsumerC& consumer) const;
+    std::vector<ConsumerPtrT> consumers() const;
+    bool isOurs(const DbgLogFileIteratorC& logFile) const;
+    DbgLogFileIteratorC logFileAfter(const std::string* name) const;
 
     mutable TSK::MutexC m_lock;
-    std::shared_ptr<DbgLogConsumerC> m_pSystemErrorLogger;
+    std::map<std::string, ConsumerPtrT> m_consumers;
+    ConsumerPtrT m_pSystemErrorLogger;
+    LogConfigurationC m_configuration;
+    mutable TSK::MutexC m_subManagerLock; // held while sub-managers are flushed
+    std::set<SubLogManagerC*> m_subManagers;
 };
 
 } // namespace BSS::DBG

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The wall clock, broken down into calendar fields. Safe from any thread.
+// The wall clock, broken down into calendar fields, and a clock that only counts. Safe from any thread.
 #pragma once
+
+#include <cstdint>
 
 namespace BSS::HAL {
 
@@ -22,5 +24,21 @@ CalendarTime LocalTimeNow() noexcept;
 
 /// Now, in UTC.
 CalendarTime UtcTimeNow() noexcept;
+
+/// The wall clock as a count.
+struct WallTime
+{
+    std::int64_t seconds = 0; ///< since 1970 in UTC
+    int millisecond = 0;
+};
+
+WallTime WallTimeNow() noexcept;
+
+/// A count of seconds in the process's time zone and in UTC; the millisecond is 0.
+CalendarTime LocalTimeOf(std::int64_t seconds) noexcept;
+CalendarTime UtcTimeOf(std::int64_t seconds) noexcept;
+
+/// Milliseconds since some moment, never going back. Cheap, and right to about 20 milliseconds.
+std::uint64_t CoarseTickMs() noexcept;
 
 } // namespace BSS::HAL

@@ -10,30 +10,63 @@ namespace BSS::HAL {
 
 namespace {
 
-CalendarTime Now(std::tm* (*breakDown)(const std::time_t*, std::tm*)) noexcept
+CalendarTime FieldsOf(std::int64_t seconds, std::tm* (*breakDown)(const std::time_t*, std::tm*)) noexcept
 {
-    std::timespec now = {};
+    const std::time_t count = seconds;
     std::tm fields = {};
-    if (::clock_gettime(CLOCK_REALTIME, &now) != 0 || breakDown(&now.tv_sec, &fields) == nullptr) return {};
+    if (breakDown(&count, &fields) == nullptr) return {};
     return {fields.tm_year + 1900,
             fields.tm_mon + 1,
             fields.tm_mday,
             fields.tm_hour,
             fields.tm_min,
             fields.tm_sec,
-            static_cast<int>(now.tv_nsec / 1'000'000)};
+            0};
+}
+
+CalendarTime WithMillisecond(CalendarTime time, int millisecond) noexcept
+{
+    time.millisecond = millisecond;
+    return time;
 }
 
 } // namespace
 
+WallTime WallTimeNow() noexcept
+{
+    std::timespec now = {};
+    if (::clock_gettime(CLOCK_REALTIME, &now) != 0) return {};
+    return {now.tv_sec, static_cast<int>(now.tv_nsec / 1'000'000)};
+}
+
+CalendarTime LocalTimeOf(std::int64_t seconds) noexcept
+{
+    return FieldsOf(seconds, &::localtime_r);
+}
+
+CalendarTime UtcTimeOf(std::int64_t seconds) noexcept
+{
+    return FieldsOf(seconds, &::gmtime_r);
+}
+
 CalendarTime LocalTimeNow() noexcept
 {
-    return Now(&::localtime_r);
+    const WallTime now = WallTimeNow();
+    return WithMillisecond(LocalTimeOf(now.seconds), now.millisecond);
 }
 
 CalendarTime UtcTimeNow() noexcept
 {
-    return Now(&::gmtime_r);
+    const WallTime now = WallTimeNow();
+    return WithMillisecond(UtcTimeOf(now.seconds), now.millisecond);
+}
+
+std::uint64_t CoarseTickMs() noexcept
+{
+    std::timespec now = {};
+    static_cast<void>(::clock_gettime(CLOCK_MONOTONIC_COARSE, &now));
+    return static_cast<std::uint64_t>(now.tv_sec) * 1000 +
+           static_cast<std::uint64_t>(now.tv_nsec) / 1'000'000;
 }
 
 } // namespace BSS::HAL

@@ -25,6 +25,13 @@ void SetCurrentThreadName(const char* name) noexcept;
 /// time-critical.
 int CurrentThreadPriority() noexcept;
 
+/// A count that changes when SetCurrentThreadName or NoteThreadChanged is called on this thread, so that
+/// texts made of name and priority can be kept as long as it stays. Never 0. One load.
+std::uint32_t CurrentThreadVersion() noexcept;
+
+/// To be called by whoever changes the calling thread's priority.
+void NoteThreadChanged() noexcept;
+
 /// A moment's pause inside a spin loop.
 void SpinPause() noexcept;
 

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t NAME_SIZE = 64;
 constinit thread_local char t_name[NAME_SIZE] = {};
+constinit thread_local std::uint32_t t_version = 1;
 
 } // namespace
 
@@ -30,6 +31,17 @@ void SetCurrentThreadName(const char* name) noexcept
         ++length;
     }
     t_name[length] = '\0';
+    NoteThreadChanged();
+}
+
+std::uint32_t CurrentThreadVersion() noexcept
+{
+    return t_version;
+}
+
+void NoteThreadChanged() noexcept
+{
+    if (++t_version == 0) t_version = 1; // 0 is never current
 }
 
 } // namespace BSS::HAL

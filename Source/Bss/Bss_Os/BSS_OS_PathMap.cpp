@@ -4,41 +4,38 @@
 // See the header.
 #include "Bss/Bss_Os/BSS_OS_PathMap.h"
 
-#include "Bss/Bss_Hal/BSS_HAL_Directories.h"
-#include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
-#include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
+#include "Bss/Bss_Os/BSS_OS_PathMapCommonWinPC.h"
 
 namespace BSS::OS {
 
 namespace {
 
-struct PathMapT
+PathMapCommonWinPC& Map()
 {
-    TSK::MutexC lock;
-    std::wstring logDirectory;
-};
-
-PathMapT& Map()
-{
-    static PathMapT map;
+    static PathMapCommonWinPC map;
     return map;
 }
 
 } // namespace
 
+PathMapI& GetPathMap()
+{
+    return Map();
+}
+
 std::wstring LogDirectory()
 {
-    PathMapT& map = Map();
-    const TSK::GuardC guard(map.lock);
-    if (map.logDirectory.empty()) map.logDirectory = HAL::UserLogDirectory();
-    return map.logDirectory;
+    return Map().PathOf(PathKind::Log);
+}
+
+std::uint32_t LogDirectoryVersion()
+{
+    return Map().Version();
 }
 
 void SetLogDirectory(const std::wstring& directory)
 {
-    PathMapT& map = Map();
-    const TSK::GuardC guard(map.lock);
-    map.logDirectory = directory;
+    static_cast<void>(Map().SetPath(PathKind::Log, directory.c_str()));
 }
 
 void PreparePathMap()

@@ -4,6 +4,8 @@
 // See the header.
 #include "Bss/Bss_Uti/BSS_UTI_FormatSource.h"
 
+#include "Bss/Bss_Uti/BSS_UTI_String.h"
+
 #include <cwchar>
 
 namespace BSS::UTI {
@@ -39,6 +41,8 @@ bool FormatSourceI::TakePointer(std::uintptr_t&)
 }
 
 FormatSourceI::~FormatSourceI() = default;
+
+FormatArgumentC::FormatArgumentC(const StringC& text) noexcept : FormatArgumentC(text.Text()) {}
 
 FormatArgumentsC::FormatArgumentsC(const FormatArgumentC* first, std::size_t count) noexcept
     : m_next(first), m_end(first + count)
@@ -96,6 +100,11 @@ bool FormatArgumentsC::TakePointer(std::uintptr_t& value)
 VarArgsC::VarArgsC(std::va_list arguments) noexcept
 {
     va_copy(m_arguments, arguments);
+}
+
+VarArgsC::VarArgsC(const VarArgsC& other) noexcept : FormatSourceI(other)
+{
+    va_copy(m_arguments, const_cast<VarArgsC&>(other).m_arguments); // reads it, whatever its type says
 }
 
 VarArgsC::~VarArgsC()

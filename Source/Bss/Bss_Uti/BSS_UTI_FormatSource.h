@@ -15,6 +15,8 @@
 
 namespace BSS::UTI {
 
+class StringC;
+
 class FormatSourceI
 {
 public:
@@ -56,6 +58,7 @@ public:
     FormatArgumentC(const wchar_t* text) noexcept : m_kind(Kind::WideText), m_wide(text) {}
     FormatArgumentC(const std::string& text) noexcept : FormatArgumentC(text.c_str()) {}
     FormatArgumentC(const std::wstring& text) noexcept : FormatArgumentC(text.c_str()) {}
+    FormatArgumentC(const StringC& text) noexcept;
     FormatArgumentC(const void* pointer) noexcept : m_kind(Kind::Pointer), m_pointer(pointer) {}
 
 private:
@@ -104,7 +107,9 @@ public:
     bool TakeWideText(const wchar_t*& value) override;
     bool TakePointer(std::uintptr_t& value) override;
     ~VarArgsC() override;
-    VarArgsC(const VarArgsC&) = delete;
+
+    /// A source that begins where the other one stands.
+    VarArgsC(const VarArgsC& other) noexcept;
     VarArgsC& operator=(const VarArgsC&) = delete;
 
 private:

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The write lock is the whole-file lock of the open file. Presence and sole use are byte-range locks of the
+// open file, far beyond any content: everybody shares the one, and the other is exclusive.
+#include "Bss/Bss_Hal/BSS_HAL_AppendFile.h"
+
+#include "Bss/Bss_Hal/BSS_HAL_Path.h"
+
+#include <cerrno>
+#include <ctime>
+#include <fcntl.h>
+#include <new>
+#include <sched.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace BSS::HAL {
+
+namespace {
+
+constexpr off_t PRESENCE = off_t{1} << 61;
+constexpr off_t SOLE_USE = PRESENCE + 1;
+constexpr int YIELDS_FOR_THE_LOCK = 64;
+constexpr int NAPS_FOR_THE_LOCK = 1000;
+constexpr long NAP_NS = 500'000;
+
+int Descriptor(std::intptr_t handle) noexcept
+{
+    return static_cast<int>(handle);
+}
+
+int OpenDescriptor(const char* path) noexcept
+{
+    // Non-blocking, so that opening a pipe does not wait for somebody at its other end. Reading is wanted for
+    // locks and for a look at the end, and is done without where it is not allowed.
+    for (const int access : {O_RDWR, O_WRONLY}) {
+        int fd = -1;
+        do {
+            fd = ::open(path, access | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666);
+        } while (fd < 0 && errno == EINTR);
+        if (fd >= 0 || errno != EACCES) return fd;
+    }
+    return -1;
+}
+
+FileIdentity IdentityOf(const struct stat& info) noexcept
+{
+    return {static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino)};
+}
+
+struct flock RangeLock(int type, off_t at) noexcept
+{
+    struct flock lock = {};
+    lock.l_type = static_cast<short>(type);
+    lock.l_whence = SEEK_SET;
+    lock.l_start = at;
+    lock.l_len = 1;
+    return lock;
+}
+
+bool SetRange(std::intptr_t handle, int type, off_t at) noexcept
+{
+    struct flock lock = RangeLock(type, at);
+    return ::fcntl(Descriptor(handle), F_OFD_SETLK, &lock) == 0;
+}
+
+// Whether another opener keeps this one from locking; `unknown` where the file system has no such locks.
+bool RangeIsTaken(std::intptr_t handle, off_t at, bool unknown) noexcept
+{
+    struct flock lock = RangeLock(F_WRLCK, at);
+    if (::fcntl(Descriptor(handle), F_OFD_GETLK, &lock) != 0) return unknown;
+    return lock.l_type != F_UNLCK;
+}
+
+void Nap() noexcept
+{
+    const std::timespec time = {0, NAP_NS};
+    static_cast<void>(::nanosleep(&time, nullptr));
+}
+
+} // namespace
+
+std::unique_ptr<AppendFileC> AppendFileC::Open(const std::wstring& path)
+{
+    const std::string narrow = NarrowPath(path);
+    if (narrow.find('\0') != std::string::npos) return nullptr;
+    const int fd = OpenDescriptor(narrow.c_str());
+    if (fd < 0) return nullptr;
+    struct stat info = {};
+    const bool regular = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
+    AppendFileC* const file = regular ? new (std::nothrow) AppendFileC(fd, IdentityOf(info)) : nullptr;
+    if (file == nullptr) {
+        ::close(fd);
+        return nullptr;
+    }
+    static_cast<void>(SetRange(fd, F_RDLCK, PRESENCE));
+    return std::unique_ptr<AppendFileC>(file);
+}
+
+AppendFileC::~AppendFileC()
+{
+    ::close(Descriptor(m_handle)); // everything has been written; the locks go with it
+}
+
+std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept
+{
+    const int saved = errno;
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t written = ::write(Descriptor(m_handle), data + done, count - done);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) break;
+        done += static_cast<std::size_t>(written);
+    }
+    errno = saved; // a log line leaves no trace in errno
+    return done;
+}
+
+bool AppendFileC::GetStatus(FileStatus& status) const noexcept
+{
+    struct stat info = {};
+    if (::fstat(Descriptor(m_handle), &info) != 0) return false;
+    status.sizeBytes = static_cast<std::uint64_t>(info.st_size);
+    status.removed = info.st_nlink == 0;
+    return true;
+}
+
+std::size_t AppendFileC::ReadAt(std::uint64_t offsetBytes, char* data, std::size_t count) const noexcept
+{
+    const ssize_t read = ::pread(Descriptor(m_handle), data, count, static_cast<off_t>(offsetBytes));
+    return read < 0 ? 0 : static_cast<std::size_t>(read);
+}
+
+bool AppendFileC::Truncate(std::uint64_t sizeBytes) noexcept
+{
+    return ::ftruncate(Descriptor(m_handle), static_cast<off_t>(sizeBytes)) == 0;
+}
+
+bool AppendFileC::Sync() noexcept
+{
+    return ::fsync(Descriptor(m_handle)) == 0;
+}
+
+AppendLock AppendFileC::Lock() noexcept
+{
+    const int fd = Descriptor(m_handle);
+    for (int round = 0; round < YIELDS_FOR_THE_LOCK + NAPS_FOR_THE_LOCK; ++round) {
+        if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return AppendLock::Taken;
+        if (errno != EWOULDBLOCK && errno != EINTR) return AppendLock::None;
+        if (round < YIELDS_FOR_THE_LOCK) {
+            static_cast<void>(::sched_yield());
+        } else {
+            Nap();
+        }
+    }
+    return AppendLock::Busy;
+}
+
+void AppendFileC::Unlock() noexcept
+{
+    static_cast<void>(::flock(Descriptor(m_handle), LOCK_UN));
+}
+
+bool AppendFileC::TakeSoleUse() noexcept
+{
+    // First said, then looked: of two that come at once at least one sees the other.
+    if (!SetRange(m_handle, F_WRLCK, SOLE_USE)) return false;
+    if (!OthersPresent()) return true;
+    GiveUpSoleUse();
+    return false;
+}
+
+void AppendFileC::GiveUpSoleUse() noexcept
+{
+    static_cast<void>(SetRange(m_handle, F_UNLCK, SOLE_USE));
+}
+
+bool AppendFileC::OthersPresent() const noexcept
+{
+    return RangeIsTaken(m_handle, PRESENCE, true);
+}
+
+bool AppendFileC::OtherHasSoleUse() const noexcept
+{
+    return RangeIsTaken(m_handle, SOLE_USE, false);
+}
+
+bool IdentityOfPath(const std::wstring& path, FileIdentity& identity)
+{
+    struct stat info = {};
+    if (::stat(NarrowPath(path).c_str(), &info) != 0) return false;
+    identity = IdentityOf(info);
+    return true;
+}
+
+} // namespace BSS::HAL
