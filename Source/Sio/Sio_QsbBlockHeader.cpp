@@ -57,7 +57,8 @@ public:
         std::stable_sort(m_vecElements.begin(), m_vecElements.end(), [](const auto& a, const auto& b) {
             return a->GetAvailablePointData() < b->GetAvailablePointData();
         });
-        for (auto& element : m_vecElements) definition.Add(std::move(element));
+        for (auto& element : m_vecElements)
+            definition.Add(std::move(element));
         m_vecElements.clear();
     }
 
@@ -106,11 +107,15 @@ void TakeHeaderValue(const QsbHeaderEntryC& entry, QsbScanInfoC& info)
 std::uint64_t PointCountOf(const QsbHeaderEntryC& entry)
 {
     switch (entry.GetType()) {
-    case s_uiTypeByte: return entry.AsByte();
+    case s_uiTypeByte:
+        return entry.AsByte();
     case s_uiType32Bit:
-    case s_uiTypeUInt32: return entry.AsUInt32();
-    case s_uiType64Bit: return entry.AsUInt64();
-    default: return 0;
+    case s_uiTypeUInt32:
+        return entry.AsUInt32();
+    case s_uiType64Bit:
+        return entry.AsUInt64();
+    default:
+        return 0;
     }
 }
 
@@ -120,7 +125,8 @@ bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, Qsb
     data.m_oPointDefinition.Clear();
 
     std::uint32_t uiPositionType = s_uiTypeDoubleTriple;
-    if (const QsbHeaderEntryC* position = block.FindEntry(s_uiTagPosition)) uiPositionType = position->GetType();
+    if (const QsbHeaderEntryC* position = block.FindEntry(s_uiTagPosition))
+        uiPositionType = position->GetType();
     if (!PointDefinitionC::CanCreateElement(PD_POSITION, uiPositionType)) return false;
 
     ElementCollectorC collector(bApplyTransformation);
@@ -136,6 +142,8 @@ bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, Qsb
     }
     collector.MoveTo(data.m_oPointDefinition);
 
+    data.m_oDecodePlan = QsbDecodePlanC(data.m_oPointDefinition);
+    data.m_oEncodePlan = QsbEncodePlanC(data.m_oPointDefinition);
     data.m_ullPosition = 0;
     data.m_ullDataBytes = block.GetDataBytes();
     return CountPoints(block, data.m_ullDataBytes / data.m_oPointDefinition.GetSizeInBytes(),
@@ -173,7 +181,8 @@ bool AddBlockHeader(QsbBlockC& block, const QsbScanInfoC& info,
         const PointDefinitionI* poPointDefElement = poPointDefinitionContainer->GetElement(i);
         BSS_ASSERT(0 != poPointDefElement);
         std::uint32_t tag = 0;
-        if (poPointDefElement == nullptr || !TagOfKind(poPointDefElement->GetAvailablePointData(), tag)) return false;
+        if (poPointDefElement == nullptr || !TagOfKind(poPointDefElement->GetAvailablePointData(), tag))
+            return false;
         const auto uiBytes = static_cast<std::uint32_t>(poPointDefElement->GetSizeInBytes());
         if (!addUInt32(poPointDefElement->GetTypeCode(), tag, uiBytes)) return false;
     }
@@ -194,11 +203,15 @@ bool CanChangePointCount(const QsbBlockC& block, std::uint64_t ullPoints)
     const QsbHeaderEntryC* entry = block.FindEntry(s_uiTagPointCount);
     if (entry == nullptr) return true;
     switch (entry->GetType()) {
-    case s_uiTypeByte: return ullPoints <= std::numeric_limits<std::uint8_t>::max();
+    case s_uiTypeByte:
+        return ullPoints <= std::numeric_limits<std::uint8_t>::max();
     case s_uiType32Bit:
-    case s_uiTypeUInt32: return ullPoints <= std::numeric_limits<std::uint32_t>::max();
-    case s_uiType64Bit: return true;
-    default: return false; // Read as no points at all, whatever is written there.
+    case s_uiTypeUInt32:
+        return ullPoints <= std::numeric_limits<std::uint32_t>::max();
+    case s_uiType64Bit:
+        return true;
+    default:
+        return false; // Read as no points at all, whatever is written there.
     }
 }
 
@@ -209,10 +222,16 @@ void ChangePointCount(QsbBlockC& block, std::uint64_t ullPoints)
     if (found == nullptr || PointCountOf(*found) >= ullPoints) return;
     QsbHeaderEntryC* entry = block.ChangeEntry(s_uiTagPointCount);
     switch (entry->GetType()) {
-    case s_uiTypeByte: entry->SetByte(static_cast<std::uint8_t>(ullPoints)); break;
+    case s_uiTypeByte:
+        entry->SetByte(static_cast<std::uint8_t>(ullPoints));
+        break;
     case s_uiType32Bit:
-    case s_uiTypeUInt32: entry->SetUInt32(static_cast<std::uint32_t>(ullPoints)); break;
-    default: entry->SetUInt64(ullPoints); break;
+    case s_uiTypeUInt32:
+        entry->SetUInt32(static_cast<std::uint32_t>(ullPoints));
+        break;
+    default:
+        entry->SetUInt64(ullPoints);
+        break;
     }
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The header entries of a point-cloud block and what they mean: from entries to strategy data when a block is read,
-// from a strategy to entries when one is created. Works on block records in memory only.
+// The header entries of a point-cloud block and what they mean: from entries to strategy data when a block is
+// read, from a strategy to entries when one is created. Works on block records in memory only.
 #pragma once
 
 #include <cstdint>
@@ -26,13 +26,15 @@ void TakeHeaderValue(const QsbHeaderEntryC& entry, QsbScanInfoC& info);
 std::uint64_t PointCountOf(const QsbHeaderEntryC& entry);
 
 /// Fills `data` from the header of `block`. `bApplyTransformation` chooses between position elements that map
-/// positions and raw ones. False when a tag is above the largest there is, the position has an unknown encoding, or
-/// a counted block claims more points than it has room for. Elements that cannot be made are reported and left out;
-/// of many such, the first few and then one summary.
-[[nodiscard]] bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, QsbStrategyDataC& data);
+/// positions and raw ones. False when a tag is above the largest there is, the position has an unknown
+/// encoding, or a counted block claims more points than it has room for. Elements that cannot be made are
+/// reported and left out; of many such, the first few and then one summary.
+[[nodiscard]] bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation,
+                                        QsbStrategyDataC& data);
 
-/// Adds the entries that describe `info` and the elements of `poPointDefinitionContainer` to `block`. Stops with false
-/// at an entry that cannot be added, and at an element of unknown kind; null in either place is reported.
+/// Adds the entries that describe `info` and the elements of `poPointDefinitionContainer` to `block`. Stops
+/// with false at an entry that cannot be added, and at an element of unknown kind; null in either place is
+/// reported.
 [[nodiscard]] bool AddBlockHeader(QsbBlockC& block, const QsbScanInfoC& info,
                                   const PointDefinitionContainerI* poPointDefinitionContainer);
 

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout carries a
-// verb's result alone; messages go to stderr.
+// The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout
+// carries a verb's result alone; messages go to stderr.
 #include "Tools/Qsb/Cmd_Check.h"
+#include "Tools/Qsb/Cmd_Import.h"
 #include "Tools/Qsb/Cmd_Info.h"
+#include "Tools/Qsb/Cmd_Render.h"
+#include "Tools/Qsb/Cmd_Synth.h"
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/Qsb/Tool_Verb.h"
@@ -41,6 +44,9 @@ int main(int argc, char** argv)
     Tool::VerbActionT action;
     Tool::AddInfo(app, action);
     Tool::AddCheck(app, action);
+    Tool::AddImport(app, action);
+    Tool::AddRender(app, action);
+    Tool::AddSynth(app, action);
 
     try {
         app.parse(argc, argv);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// How a verb of the command ends: exit codes, and the exception that carries one with its message from anywhere
-// beneath to main, which prints it to stderr.
+// How a verb of the command ends: exit codes, and the exception that carries one with its message from
+// anywhere beneath to main, which prints it to stderr.
 #pragma once
 
 #include <stdexcept>
@@ -22,7 +22,9 @@ enum ExitCodeT : int
 class ToolErrorC : public std::runtime_error
 {
 public:
-    ToolErrorC(ExitCodeT eExitCode, const std::string& message) : std::runtime_error(message), m_eExitCode(eExitCode) {}
+    ToolErrorC(ExitCodeT eExitCode, const std::string& message)
+        : std::runtime_error(message), m_eExitCode(eExitCode)
+    {}
 
     ExitCodeT GetExitCode() const noexcept { return m_eExitCode; }
 
