@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Each destructor clears the other half's pointer before it deletes that half, so that the deletion does not come
-// back.
+// Each destructor clears the other half's pointer before it deletes that half, so that the deletion does not
+// come back.
 #include "Sio/API_Base.h"
 
 #include <utility>

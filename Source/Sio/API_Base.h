@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The handle/implementation pair. A handle (BaseC) and its implementation (ImplObjectC) point at each other, and
-// each one's destruction destroys the other, so the two are always released together. A handle whose
-// implementation may be destroyed or taken from outside lives on the heap, since it is then deleted. Not copyable.
-// Without locks: a pair belongs to one thread at a time. Knows nothing of scans.
+// The handle/implementation pair. A handle (BaseC) and its implementation (ImplObjectC) point at each other,
+// and each one's destruction destroys the other, so the two are always released together. A handle whose
+// implementation may be destroyed or taken from outside lives on the heap, since it is then deleted. Not
+// copyable. Without locks: a pair belongs to one thread at a time. Knows nothing of scans.
 #pragma once
 
 namespace API {
@@ -27,8 +27,9 @@ public:
     /// Deletes the implementation.
     virtual ~BaseC();
 
-    /// Takes over `poImpl` (null empties the handle). An implementation held before is forgotten, not deleted; a
-    /// different handle that owned `poImpl` is emptied and deleted. Giving the one already held does nothing.
+    /// Takes over `poImpl` (null empties the handle). An implementation held before is forgotten, not
+    /// deleted; a different handle that owned `poImpl` is emptied and deleted. Giving the one already held
+    /// does nothing.
     virtual void SetImpl(ImplObjectC* poImpl);
 
     /// The implementation; null when there is none. Owned by the handle.

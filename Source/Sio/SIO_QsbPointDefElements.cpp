@@ -36,8 +36,8 @@ double LoadValue(const char* pszSrcBuffer, std::size_t i)
     return static_cast<double>(SIO::LoadLittleEndian<T>(pszSrcBuffer + i * sizeof(T)));
 }
 
-/// Writes a double as element `i` of an array of T: floats round, int16 truncates through 32 bits, unsigned numbers
-/// through 64 bits.
+/// Writes a double as element `i` of an array of T: floats round, int16 truncates through 32 bits, unsigned
+/// numbers through 64 bits.
 template<typename T>
 void StoreValue(char* pszDestBuffer, std::size_t i, double value)
 {

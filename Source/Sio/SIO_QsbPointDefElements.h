@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The element classes of a stored point, one template per kind and one instance per encoding. A template says how
-// its kind is read and written; the encoding's number type says how many bytes that takes. Layouts:
+// The element classes of a stored point, one template per kind and one instance per encoding. A template says
+// how its kind is read and written; the encoding's number type says how many bytes that takes. Layouts:
 // Docs/file-format.md. They are made by the factory in SIO_QsbPointDefinitionImpl.
 #pragma once
 
@@ -32,8 +32,8 @@ public:
     std::uint32_t GetTypeCode() const override;
 };
 
-/// x, y, z as three numbers, mapped by the transformation in double precision when decoded. Encoding applies no
-/// inverse transformation.
+/// x, y, z as three numbers, mapped by the transformation in double precision when decoded. Encoding applies
+/// no inverse transformation.
 template<typename T>
 class PointDefPositionC final : public PointDefPositionRawC<T>
 {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// What a stored point consists of: the interfaces of one element (position, intensity, ...) and of the container
-// that holds the elements of a block. They turn stored bytes into calls of a point modifier and back; they know
-// neither the file nor the record a point ends up in. Decoding and encoding change nothing in the definition, so
-// one definition may decode on several threads as long as nobody adds elements.
+// What a stored point consists of: the interfaces of one element (position, intensity, ...) and of the
+// container that holds the elements of a block. They turn stored bytes into calls of a point modifier and
+// back; they know neither the file nor the record a point ends up in. Decoding and encoding change nothing in
+// the definition, so one definition may decode on several threads as long as nobody adds elements.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@
 namespace GMAT {
 template<int N>
 struct SquareMatrixT;
-}
+} // namespace GMAT
 
 namespace SIO {
 
@@ -41,8 +41,8 @@ public:
     /// nothing is written.
     virtual void Encode(const QsbPointGetterI& point, char* pszDestBuffer) const = 0;
 
-    /// Reads GetSizeInBytes() bytes at `pszSrcBuffer` and passes the element's values to `modifier`; null there is
-    /// reported and nothing is passed. `transformation` maps positions, raw ones excepted.
+    /// Reads GetSizeInBytes() bytes at `pszSrcBuffer` and passes the element's values to `modifier`; null
+    /// there is reported and nothing is passed. `transformation` maps positions, raw ones excepted.
     virtual void Decode(QsbPointModifierI& modifier, const char* pszSrcBuffer,
                         const GMAT::SquareMatrixT<4>& transformation) const = 0;
 
@@ -56,8 +56,9 @@ public:
     virtual std::uint32_t GetTypeCode() const = 0;
 };
 
-/// The elements of a stored point in the order of their bytes: ascending by kind, and among equal kinds in the order
-/// in which they were added. Duplicate kinds all take bytes; decoding passes all of them, so the last one wins.
+/// The elements of a stored point in the order of their bytes: ascending by kind, and among equal kinds in
+/// the order in which they were added. Duplicate kinds all take bytes; decoding passes all of them, so the
+/// last one wins.
 class PointDefinitionContainerI : public PointDefinitionI
 {
 public:

@@ -103,7 +103,8 @@ void PointDefinitionC::Decode(QsbPointModifierI& modifier, const char* pszSrcBuf
 std::size_t PointDefinitionC::GetSizeInBytes() const
 {
     if (m_tSizeInBytes == 0) {
-        for (const auto& element : m_vecPointDefs) m_tSizeInBytes += element->GetSizeInBytes();
+        for (const auto& element : m_vecPointDefs)
+            m_tSizeInBytes += element->GetSizeInBytes();
     }
     return m_tSizeInBytes;
 }
@@ -111,7 +112,8 @@ std::size_t PointDefinitionC::GetSizeInBytes() const
 std::uint32_t PointDefinitionC::GetAvailablePointData() const
 {
     std::uint32_t uiKinds = 0;
-    for (const auto& element : m_vecPointDefs) uiKinds |= element->GetAvailablePointData();
+    for (const auto& element : m_vecPointDefs)
+        uiKinds |= element->GetAvailablePointData();
     return uiKinds;
 }
 
@@ -125,13 +127,11 @@ void PointDefinitionC::Add(std::unique_ptr<PointDefinitionI> poPointDefinition)
 {
     BSS_ASSERT(0 != poPointDefinition);
     if (poPointDefinition == nullptr) return;
-    // Inserting behind the last of its kind keeps the order stable, and costs nothing for elements that come in order:
-    // a hostile header holds millions.
-    const auto position =
-        std::upper_bound(m_vecPointDefs.begin(), m_vecPointDefs.end(), poPointDefinition->GetAvailablePointData(),
-                         [](std::uint32_t uiKind, const auto& element) {
-                             return uiKind < element->GetAvailablePointData();
-                         });
+    // Inserting behind the last of its kind keeps the order stable, and costs nothing for elements that come
+    // in order: a hostile header holds millions.
+    const auto position = std::upper_bound(
+        m_vecPointDefs.begin(), m_vecPointDefs.end(), poPointDefinition->GetAvailablePointData(),
+        [](std::uint32_t uiKind, const auto& element) { return uiKind < element->GetAvailablePointData(); });
     m_vecPointDefs.insert(position, std::move(poPointDefinition));
     m_tSizeInBytes = 0;
 }

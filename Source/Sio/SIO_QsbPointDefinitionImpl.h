@@ -2,7 +2,8 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The container of a stored point's elements, and the factory that makes an element from a header entry. Its
-// elements are always sorted by kind. Decoding is the meaning of the format: one virtual call per element and point.
+// elements are always sorted by kind. Decoding is the meaning of the format: one virtual call per element and
+// point.
 #pragma once
 
 #include "Sio/SIO_QsbPointDefinition.h"
@@ -21,8 +22,8 @@ public:
     /// Encodes a whole stored point, element by element.
     void Encode(const QsbPointGetterI& point, char* pszDestBuffer) const override;
 
-    /// Decodes a whole stored point. A container whose first element is not a position is reported and decodes
-    /// nothing.
+    /// Decodes a whole stored point. A container whose first element is not a position is reported and
+    /// decodes nothing.
     void Decode(QsbPointModifierI& modifier, const char* pszSrcBuffer,
                 const GMAT::SquareMatrixT<4>& transformation) const override;
 
@@ -39,8 +40,8 @@ public:
     std::size_t GetCount() const override { return m_vecPointDefs.size(); }
     const PointDefinitionI* GetElement(std::size_t i) const override;
 
-    /// Makes the element of `kind` with the encoding `typeCode`; transforming or raw, for positions. Null for an
-    /// unknown kind, and for an encoding that the kind does not have, which is also reported.
+    /// Makes the element of `kind` with the encoding `typeCode`; transforming or raw, for positions. Null for
+    /// an unknown kind, and for an encoding that the kind does not have, which is also reported.
     static std::unique_ptr<PointDefinitionI> CreateElement(std::uint32_t kind, std::uint32_t typeCode,
                                                            bool bApplyTransformation = true);
 

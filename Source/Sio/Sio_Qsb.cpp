@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <new>
 
 namespace SIO {
@@ -46,10 +47,22 @@ QsbC::~QsbC()
 
 bool QsbC::Open(const std::wstring& path, bool bRead, bool bWrite)
 {
+    bool bWholeChain = false;
+    return OpenOrClose(path, bRead, bWrite, bWholeChain);
+}
+
+bool QsbC::OpenToRead(const std::wstring& path, bool& bQsbFile)
+{
+    bQsbFile = false;
+    return OpenOrClose(path, true, false, bQsbFile);
+}
+
+bool QsbC::OpenOrClose(const std::wstring& path, bool bRead, bool bWrite, bool& bWholeChain)
+{
     if (m_pStream != nullptr || (!bRead && !bWrite)) return false;
     bool bOpened = false;
     try {
-        bOpened = OpenChecked(path, bRead, bWrite);
+        bOpened = OpenChecked(path, bRead, bWrite, bWholeChain);
     } catch (const std::bad_alloc&) {
         // Ends as a refusal.
     }
@@ -57,11 +70,15 @@ bool QsbC::Open(const std::wstring& path, bool bRead, bool bWrite)
     return bOpened;
 }
 
-bool QsbC::OpenChecked(const std::wstring& path, bool bRead, bool bWrite)
+bool QsbC::OpenChecked(const std::wstring& path, bool bRead, bool bWrite, bool& bWholeChain)
 {
     m_pStream = Hal::OpenStream(path, StreamMode(bRead, bWrite));
     if (m_pStream == nullptr) return false;
-    if (bRead && !ReadChain()) return false;
+    m_oWindow.Attach(m_pStream);
+    if (bRead) {
+        bWholeChain = WalkBlockChain(m_pStream, m_oWindow, m_oBlocks);
+        if (!bWholeChain || !HasSupportedVersion()) return false;
+    }
     if (m_oBlocks.IsEmpty() && !CreateFileHeader()) return false;
     m_strPath = path;
     m_bRead = bRead;
@@ -70,9 +87,8 @@ bool QsbC::OpenChecked(const std::wstring& path, bool bRead, bool bWrite)
     return true;
 }
 
-bool QsbC::ReadChain()
+bool QsbC::HasSupportedVersion() const
 {
-    if (!WalkBlockChain(m_pStream, m_oBlocks)) return false;
     const std::int64_t llHeader = m_oBlocks.Find(QsbFormat::s_uiFileHeaderId);
     if (llHeader < 0) return false;
     const QsbHeaderEntryC* version =
@@ -93,6 +109,7 @@ bool QsbC::Close()
         }
         bWritten = std::fclose(m_pStream) == 0 && bWritten;
         m_pStream = nullptr;
+        m_oWindow.Attach(nullptr);
         m_strPath.clear();
     }
     m_oBlocks.Clear();
@@ -106,8 +123,10 @@ bool QsbC::IsQsbFile(const std::wstring& path)
     std::FILE* stream = Hal::OpenStream(path, "rb");
     if (stream == nullptr) return false;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(stream, &std::fclose);
+    StreamWindowC window;
+    window.Attach(stream);
     QsbBlockListC blocks;
-    return WalkBlockChain(stream, blocks);
+    return WalkBlockChain(stream, window, blocks);
 }
 
 bool QsbC::CreateReadStrategyData(StrategyI& strategy, bool bApplyTransformation, std::int64_t llBlockIndex)
@@ -153,6 +172,19 @@ QsbBlockC* QsbC::BlockOf(const QsbStrategyDataC& data) noexcept
 
 std::uint32_t QsbC::ReadPoints(StrategyI& strategy, void* pDestination, std::uint32_t uiMaxPoints)
 {
+    char* const pScratch = static_cast<char*>(pDestination);
+    const char* pRecords = nullptr;
+    const std::uint32_t uiCount = ViewPoints(strategy, pScratch, uiMaxPoints, pRecords);
+    if (uiCount != s_uiReadFailed && uiCount != 0 && pRecords != pScratch) {
+        const auto& data = *static_cast<QsbStrategyC&>(strategy).GetData();
+        std::memcpy(pScratch, pRecords, uiCount * data.m_oPointDefinition.GetSizeInBytes());
+    }
+    return uiCount;
+}
+
+std::uint32_t QsbC::ViewPoints(StrategyI& strategy, char* pScratch, std::uint32_t uiMaxPoints,
+                               const char*& pRecords)
+{
     if (m_pStream == nullptr || !m_bRead) return s_uiReadFailed;
     auto* pStrategy = dynamic_cast<QsbStrategyC*>(&strategy);
     if (pStrategy == nullptr) return s_uiReadFailed;
@@ -167,18 +199,29 @@ std::uint32_t QsbC::ReadPoints(StrategyI& strategy, void* pDestination, std::uin
     const std::uint64_t ullPosition = data->m_ullPosition;
     if (ullPosition >= ullDataBytes) return 0;
     const std::uint64_t ullRecordBytes = data->m_oPointDefinition.GetSizeInBytes();
-    const std::uint64_t ullCount = std::min<std::uint64_t>(uiMaxPoints, (ullDataBytes - ullPosition) / ullRecordBytes);
+    const std::uint64_t ullCount =
+        std::min<std::uint64_t>(uiMaxPoints, (ullDataBytes - ullPosition) / ullRecordBytes);
     const std::uint64_t ullBytes = ullCount * ullRecordBytes;
     if (ullBytes == 0) return static_cast<std::uint32_t>(ullCount);
 
     if (!IsWithin(ullPosition, ullBytes, ullDataBytes)) return s_uiReadFailed;
-    if (!Hal::SeekStream(m_pStream, block->GetDataOffset() + ullPosition)) return s_uiReadFailed;
-    if (std::fread(pDestination, 1, static_cast<std::size_t>(ullBytes), m_pStream) != ullBytes) {
-        std::clearerr(m_pStream);
+    if (!ReadBytes(block->GetDataOffset() + ullPosition, static_cast<std::size_t>(ullBytes), pScratch,
+                   pRecords)) {
         return s_uiReadFailed;
     }
     data->m_ullPosition = ullPosition + ullBytes;
     return static_cast<std::uint32_t>(ullCount);
+}
+
+bool QsbC::ReadBytes(std::uint64_t ullOffset, std::size_t nBytes, char* pScratch, const char*& pBytes)
+{
+    if (nBytes > StreamWindowC::s_nLargest / 2) {
+        pBytes = pScratch;
+        return m_oWindow.Read(ullOffset, nBytes, pScratch);
+    }
+    std::size_t nShown = 0;
+    pBytes = m_oWindow.View(ullOffset, nBytes, nShown);
+    return nShown == nBytes;
 }
 
 } // namespace SIO

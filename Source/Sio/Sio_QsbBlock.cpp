@@ -20,7 +20,8 @@ constexpr std::size_t s_nValueOffset = 8;
 
 } // namespace
 
-QsbHeaderEntryC QsbHeaderEntryC::FromUInt32(std::uint32_t type, std::uint32_t tag, std::uint32_t value) noexcept
+QsbHeaderEntryC QsbHeaderEntryC::FromUInt32(std::uint32_t type, std::uint32_t tag,
+                                            std::uint32_t value) noexcept
 {
     QsbHeaderEntryC entry;
     StoreLittleEndian(entry.m_acBytes.data() + s_nTypeOffset, type);
@@ -99,7 +100,8 @@ std::uint64_t QsbBlockC::GetEndOffset() const noexcept
 
 const QsbHeaderEntryC* QsbBlockC::FindEntry(std::uint32_t tag) const noexcept
 {
-    const auto* it = std::find_if(begin(), end(), [&](const QsbHeaderEntryC& e) { return e.GetTag() == tag; });
+    const auto* it =
+        std::find_if(begin(), end(), [&](const QsbHeaderEntryC& e) { return e.GetTag() == tag; });
     return it == end() ? nullptr : it;
 }
 
@@ -145,7 +147,8 @@ std::int64_t QsbBlockListC::Find(std::uint32_t uiId) const noexcept
 bool QsbBlockListC::HasRoomFor(std::uint64_t nEntries) const noexcept
 {
     const std::uint64_t ullEntries = m_ullEntryCount + nEntries; // each at most 2^28, so no wrap
-    return (m_dqRecords.size() + 1) * sizeof(QsbBlockC) + ullEntries * sizeof(QsbHeaderEntryC) <= s_ullMemoryLimit;
+    return (m_dqRecords.size() + 1) * sizeof(QsbBlockC) + ullEntries * sizeof(QsbHeaderEntryC) <=
+           s_ullMemoryLimit;
 }
 
 bool QsbBlockListC::AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,

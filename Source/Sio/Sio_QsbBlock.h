@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The blocks of an open file as they stand in memory: header entries, block records and the list of them. Runs of
-// identical empty blocks share one record, so a file of nothing but such blocks takes no memory to speak of, and
-// the list as a whole never passes a fixed limit: what a file claims cannot exhaust the host. Without locks.
+// The blocks of an open file as they stand in memory: header entries, block records and the list of them.
+// Runs of identical empty blocks share one record, so a file of nothing but such blocks takes no memory to
+// speak of, and the list as a whole never passes a fixed limit: what a file claims cannot exhaust the host.
+// Without locks.
 #pragma once
 
 #include "Sio/Sio_QsbFileFormat.h"
@@ -56,8 +57,7 @@ class QsbBlockC
 public:
     QsbBlockC(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes) noexcept
         : m_ullOffset(ullOffset), m_uiId(uiId), m_uiDataBytes(uiDataBytes)
-    {
-    }
+    {}
 
     /// Offset of the block's head in the file; of the first one, in a run.
     std::uint64_t GetOffset() const noexcept { return m_ullOffset; }
@@ -85,7 +85,8 @@ public:
     /// The first entry with `tag`, null when there is none.
     const QsbHeaderEntryC* FindEntry(std::uint32_t tag) const noexcept;
 
-    /// The first entry with `tag` for changing its value, which marks the header dirty; null when there is none.
+    /// The first entry with `tag` for changing its value, which marks the header dirty; null when there is
+    /// none.
     QsbHeaderEntryC* ChangeEntry(std::uint32_t tag) noexcept;
 
     /// Adds an entry and marks the header dirty. Refused (false) while the block is sealed.
@@ -126,7 +127,8 @@ public:
     /// Number of blocks in the file.
     std::uint64_t GetCount() const noexcept { return m_ullCount; }
 
-    /// The record of block `ullIndex`, null beyond the last one. A record of a run stands for several indices.
+    /// The record of block `ullIndex`, null beyond the last one. A record of a run stands for several
+    /// indices.
     const QsbBlockC* Get(std::uint64_t ullIndex) const noexcept;
     QsbBlockC* Get(std::uint64_t ullIndex) noexcept;
 
@@ -148,7 +150,8 @@ public:
                                   QsbHeaderEntriesT entries);
 
     /// Appends `ullRunLength` blocks with neither header nor data that were read from a file.
-    [[nodiscard]] bool AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId, std::uint64_t ullRunLength);
+    [[nodiscard]] bool AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
+                                       std::uint64_t ullRunLength);
 
     /// Appends a block just created for writing: neither sealed nor dirty.
     QsbBlockC& AppendNew(std::uint64_t ullOffset, std::uint32_t uiId);

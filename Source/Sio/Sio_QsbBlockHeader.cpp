@@ -29,12 +29,6 @@ using namespace QsbFormat;
 /// Elements of one block that are reported one by one when they cannot be made.
 constexpr unsigned s_nReportedElements = 4;
 
-/// Tags 101 to 104 name the kinds from intensity to colour, each the double of the one before.
-std::uint32_t KindOfTag(std::uint32_t tag)
-{
-    return std::uint32_t{PD_POSITION} << (tag - s_uiTagPosition);
-}
-
 bool TagOfKind(std::uint32_t kind, std::uint32_t& tag)
 {
     if (!std::has_single_bit(kind) || kind > PD_COLOR) return false;
@@ -63,7 +57,8 @@ public:
         std::stable_sort(m_vecElements.begin(), m_vecElements.end(), [](const auto& a, const auto& b) {
             return a->GetAvailablePointData() < b->GetAvailablePointData();
         });
-        for (auto& element : m_vecElements) definition.Add(std::move(element));
+        for (auto& element : m_vecElements)
+            definition.Add(std::move(element));
         m_vecElements.clear();
     }
 
@@ -73,8 +68,26 @@ private:
     std::vector<std::unique_ptr<PointDefinitionI>> m_vecElements;
 };
 
-/// Takes the value of a tag from 2 to 26.
-void TakeInfo(const QsbHeaderEntryC& entry, QsbScanInfoC& info)
+/// The number of points of a block whose data area has room for `ullRoom`. False when it claims more.
+bool CountPoints(const QsbBlockC& block, std::uint64_t ullRoom, std::uint64_t& ullPoints)
+{
+    ullPoints = ullRoom;
+    if (block.GetId() != s_uiCountedPointCloudId) return true;
+    const QsbHeaderEntryC* entry = block.FindEntry(s_uiTagPointCount);
+    if (entry == nullptr) return true;
+    ullPoints = PointCountOf(*entry);
+    return ullPoints <= ullRoom;
+}
+
+} // namespace
+
+std::uint32_t KindOfTag(std::uint32_t tag)
+{
+    // Each kind is the double of the one before.
+    return std::uint32_t{PD_POSITION} << (tag - s_uiTagPosition);
+}
+
+void TakeHeaderValue(const QsbHeaderEntryC& entry, QsbScanInfoC& info)
 {
     const std::uint32_t tag = entry.GetTag();
     if (tag >= s_uiTagBoxMinX && tag < s_uiTagBoxMaxX) {
@@ -91,30 +104,20 @@ void TakeInfo(const QsbHeaderEntryC& entry, QsbScanInfoC& info)
     }
 }
 
-/// The point count of an entry, by its type code; other type codes count as none.
 std::uint64_t PointCountOf(const QsbHeaderEntryC& entry)
 {
     switch (entry.GetType()) {
-    case s_uiTypeByte: return entry.AsByte();
+    case s_uiTypeByte:
+        return entry.AsByte();
     case s_uiType32Bit:
-    case s_uiTypeUInt32: return entry.AsUInt32();
-    case s_uiType64Bit: return entry.AsUInt64();
-    default: return 0;
+    case s_uiTypeUInt32:
+        return entry.AsUInt32();
+    case s_uiType64Bit:
+        return entry.AsUInt64();
+    default:
+        return 0;
     }
 }
-
-/// The number of points of a block whose data area has room for `ullRoom`. False when it claims more.
-bool CountPoints(const QsbBlockC& block, std::uint64_t ullRoom, std::uint64_t& ullPoints)
-{
-    ullPoints = ullRoom;
-    if (block.GetId() != s_uiCountedPointCloudId) return true;
-    const QsbHeaderEntryC* entry = block.FindEntry(s_uiTagPointCount);
-    if (entry == nullptr) return true;
-    ullPoints = PointCountOf(*entry);
-    return ullPoints <= ullRoom;
-}
-
-} // namespace
 
 bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, QsbStrategyDataC& data)
 {
@@ -122,7 +125,8 @@ bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, Qsb
     data.m_oPointDefinition.Clear();
 
     std::uint32_t uiPositionType = s_uiTypeDoubleTriple;
-    if (const QsbHeaderEntryC* position = block.FindEntry(s_uiTagPosition)) uiPositionType = position->GetType();
+    if (const QsbHeaderEntryC* position = block.FindEntry(s_uiTagPosition))
+        uiPositionType = position->GetType();
     if (!PointDefinitionC::CanCreateElement(PD_POSITION, uiPositionType)) return false;
 
     ElementCollectorC collector(bApplyTransformation);
@@ -133,11 +137,13 @@ bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, Qsb
         if (tag > s_uiTagPosition) {
             collector.Add(KindOfTag(tag), entry.GetType());
         } else {
-            TakeInfo(entry, data.m_oInfo);
+            TakeHeaderValue(entry, data.m_oInfo);
         }
     }
     collector.MoveTo(data.m_oPointDefinition);
 
+    data.m_oDecodePlan = QsbDecodePlanC(data.m_oPointDefinition);
+    data.m_oEncodePlan = QsbEncodePlanC(data.m_oPointDefinition);
     data.m_ullPosition = 0;
     data.m_ullDataBytes = block.GetDataBytes();
     return CountPoints(block, data.m_ullDataBytes / data.m_oPointDefinition.GetSizeInBytes(),
@@ -175,7 +181,8 @@ bool AddBlockHeader(QsbBlockC& block, const QsbScanInfoC& info,
         const PointDefinitionI* poPointDefElement = poPointDefinitionContainer->GetElement(i);
         BSS_ASSERT(0 != poPointDefElement);
         std::uint32_t tag = 0;
-        if (poPointDefElement == nullptr || !TagOfKind(poPointDefElement->GetAvailablePointData(), tag)) return false;
+        if (poPointDefElement == nullptr || !TagOfKind(poPointDefElement->GetAvailablePointData(), tag))
+            return false;
         const auto uiBytes = static_cast<std::uint32_t>(poPointDefElement->GetSizeInBytes());
         if (!addUInt32(poPointDefElement->GetTypeCode(), tag, uiBytes)) return false;
     }
@@ -196,11 +203,15 @@ bool CanChangePointCount(const QsbBlockC& block, std::uint64_t ullPoints)
     const QsbHeaderEntryC* entry = block.FindEntry(s_uiTagPointCount);
     if (entry == nullptr) return true;
     switch (entry->GetType()) {
-    case s_uiTypeByte: return ullPoints <= std::numeric_limits<std::uint8_t>::max();
+    case s_uiTypeByte:
+        return ullPoints <= std::numeric_limits<std::uint8_t>::max();
     case s_uiType32Bit:
-    case s_uiTypeUInt32: return ullPoints <= std::numeric_limits<std::uint32_t>::max();
-    case s_uiType64Bit: return true;
-    default: return false; // Read as no points at all, whatever is written there.
+    case s_uiTypeUInt32:
+        return ullPoints <= std::numeric_limits<std::uint32_t>::max();
+    case s_uiType64Bit:
+        return true;
+    default:
+        return false; // Read as no points at all, whatever is written there.
     }
 }
 
@@ -211,10 +222,16 @@ void ChangePointCount(QsbBlockC& block, std::uint64_t ullPoints)
     if (found == nullptr || PointCountOf(*found) >= ullPoints) return;
     QsbHeaderEntryC* entry = block.ChangeEntry(s_uiTagPointCount);
     switch (entry->GetType()) {
-    case s_uiTypeByte: entry->SetByte(static_cast<std::uint8_t>(ullPoints)); break;
+    case s_uiTypeByte:
+        entry->SetByte(static_cast<std::uint8_t>(ullPoints));
+        break;
     case s_uiType32Bit:
-    case s_uiTypeUInt32: entry->SetUInt32(static_cast<std::uint32_t>(ullPoints)); break;
-    default: entry->SetUInt64(ullPoints); break;
+    case s_uiTypeUInt32:
+        entry->SetUInt32(static_cast<std::uint32_t>(ullPoints));
+        break;
+    default:
+        entry->SetUInt64(ullPoints);
+        break;
     }
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The numbers of the QSB file format: identifiers, sizes, tags and type codes. The byte layout they belong to is
-// described in Docs/file-format.md. Constants only.
+// The numbers of the QSB file format: identifiers, sizes, tags and type codes. The byte layout they belong to
+// is described in Docs/file-format.md. Constants only.
 #pragma once
 
 #include <cstddef>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The point record and the modifier through which the elements of a stored point are written into one. Element
-// decoders know the modifier interface only, never the record, so a caller with a modifier of its own can receive
-// points in any form. Without locks: a modifier and its point belong to one thread at a time.
+// The point record and the modifier through which the elements of a stored point are written into one.
+// Element decoders know the modifier interface only, never the record, so a caller with a modifier of its own
+// can receive points in any form. Without locks: a modifier and its point belong to one thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -32,7 +32,8 @@ static_assert(sizeof(QsbPointC) == 40 && offsetof(QsbPointC, intensity) == 28 &&
               offsetof(QsbPointC, gridIndex1) == 36);
 static_assert(std::is_trivially_copyable_v<QsbPointC>);
 
-/// Receives the elements of one point. An element that is of no interest is ignored by not overriding its operation.
+/// Receives the elements of one point. An element that is of no interest is ignored by not overriding its
+/// operation.
 class QsbPointModifierI
 {
 public:
@@ -44,8 +45,9 @@ public:
     virtual void SetGridIndex(const double& /*first*/, const double& /*second*/) {}
 };
 
-/// Writes into a QsbPointC. Integer fields take the low bits of the value truncated toward zero (256.0 as a colour
-/// is 0, -1.0 as an intensity 65535). Without a point an operation reports an assertion and writes nothing.
+/// Writes into a QsbPointC. Integer fields take the low bits of the value truncated toward zero (256.0 as a
+/// colour is 0, -1.0 as an intensity 65535). Without a point an operation reports an assertion and writes
+/// nothing.
 class QsbPointModifierC final : public QsbPointModifierI
 {
 public:

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Where the points of a batch go: an iterator hands out a modifier for the point to be written next. The array
-// based one walks records that the caller owns and that must be at least as many as a batch delivers; it does not
-// check the end. Without locks.
+// Where the points of a batch go: an iterator hands out a modifier for the point to be written next. The
+// array based one walks records that the caller owns and that must be at least as many as a batch delivers;
+// it does not check the end. Without locks.
 #pragma once
 
 #include "Sio/Sio_QsbPoint.h"

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Where the points come from when a file is written: the mirror image of the point iterator. A source hands out the
-// getters of the current point, every value as a double, so that a writer with more precision than the plain record
-// (float intensities, negative ones) loses nothing on the way to the element encoders. Without locks.
+// Where the points come from when a file is written: the mirror image of the point iterator. A source hands
+// out the getters of the current point, every value as a double, so that a writer with more precision than
+// the plain record (float intensities, negative ones) loses nothing on the way to the element encoders.
+// Without locks.
 #pragma once
 
 #include "Sio/Sio_QsbPoint.h"
 
 namespace SIO {
 
-/// The elements of one point to be written. An element that the point does not have stays at the neutral value.
+/// The elements of one point to be written. An element that the point does not have stays at the neutral
+/// value.
 class QsbPointGetterI
 {
 public:

@@ -69,6 +69,14 @@ BSS::ResultCodeT QsbReaderC::Open(const boost::filesystem::path& path, std::uint
     return poImpl != nullptr ? poImpl->Open(path, ucFlag) : BSS::RC_NOT_FOUND;
 }
 
+BSS::ResultCodeT QsbReaderC::CheckAndOpen(const boost::filesystem::path& path, std::uint8_t ucFlag,
+                                          bool& bQsbFile)
+{
+    bQsbFile = false;
+    auto* poImpl = CheckedImpl<QsbReaderImplC>(*this);
+    return poImpl != nullptr ? poImpl->CheckAndOpen(path, ucFlag, bQsbFile) : BSS::RC_NOT_FOUND;
+}
+
 BSS::ResultCodeT QsbReaderC::Close()
 {
     auto* poImpl = dynamic_cast<QsbReaderImplC*>(GetImpl());
@@ -115,7 +123,8 @@ BSS::ResultCodeT QsbReaderC::SeekPoint(std::uint64_t ullIndex)
     return poImpl != nullptr ? poImpl->SeekPoint(ullIndex) : BSS::RC_NOT_FOUND;
 }
 
-BSS::ResultCodeT QsbReaderC::Read(QsbReaderIteratorC& iterator, QsbPointIteratorI& points, std::int32_t& iCount)
+BSS::ResultCodeT QsbReaderC::Read(QsbReaderIteratorC& iterator, QsbPointIteratorI& points,
+                                  std::int32_t& iCount)
 {
     auto* poIteratorImpl = dynamic_cast<QsbReaderIteratorImplC*>(iterator.GetImpl());
     BSS_ASSERT(0 != poIteratorImpl);

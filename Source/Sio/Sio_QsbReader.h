@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The reader core's two handles: a reader of one QSB file and an iterator that walks its points in batches. Each
-// operation forwards to the implementation object; a handle without one reports the assertion "0 != poImpl" and
-// returns the code that stands at the operation. Everything else is documented at the implementation. Without locks:
-// a reader and its iterators belong to one thread at a time.
+// The reader core's two handles: a reader of one QSB file and an iterator that walks its points in batches.
+// Each operation forwards to the implementation object; a handle without one reports the assertion "0 !=
+// poImpl" and returns the code that stands at the operation. Everything else is documented at the
+// implementation. Without locks: a reader and its iterators belong to one thread at a time.
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
@@ -16,7 +16,7 @@
 namespace GMAT {
 template<int N>
 struct SquareMatrixT;
-}
+} // namespace GMAT
 
 namespace SIO {
 
@@ -32,7 +32,8 @@ public:
     /// Goes back to point 0.
     void Reset();
 
-    /// Whether points remain; also true while the iterator follows no reader. False without an implementation.
+    /// Whether points remain; also true while the iterator follows no reader. False without an
+    /// implementation.
     bool HasMorePoints();
 
     /// Goes one batch on.
@@ -53,6 +54,9 @@ public:
 
     /// Without an implementation: RC_NOT_FOUND.
     BSS::ResultCodeT Open(const boost::filesystem::path& path, std::uint8_t ucFlag);
+
+    /// Without an implementation: RC_NOT_FOUND and no QSB file.
+    BSS::ResultCodeT CheckAndOpen(const boost::filesystem::path& path, std::uint8_t ucFlag, bool& bQsbFile);
 
     /// Without an implementation: the assertion handler's answer.
     BSS::ResultCodeT Close();

@@ -14,10 +14,17 @@
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/make_shared.hpp>
+#include <typeinfo>
 
 namespace {
 
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Sio\Sio_QsbReaderImpl)";
+
+bool IsThere(const boost::filesystem::path& path)
+{
+    boost::system::error_code error;
+    return boost::filesystem::exists(boost::filesystem::status(path, error));
+}
 
 } // namespace
 
@@ -25,8 +32,7 @@ namespace SIO {
 
 QsbReaderImplC::QsbReaderImplC()
     : m_spContainer(boost::make_shared<QsbC>()), m_spStrategy(boost::make_shared<QsbStrategyC>())
-{
-}
+{}
 
 QsbReaderImplC::~QsbReaderImplC()
 {
@@ -35,12 +41,23 @@ QsbReaderImplC::~QsbReaderImplC()
 
 BSS::ResultCodeT QsbReaderImplC::Open(const boost::filesystem::path& path, std::uint8_t ucFlag)
 {
-    boost::system::error_code error;
-    const boost::filesystem::file_status status = boost::filesystem::status(path, error);
-    if (!boost::filesystem::exists(status)) return BSS::RC_NOT_FOUND;
-    if (!m_spContainer->Open(BSS::HAL::WidePathOf(path), true, false)) return BSS::RC_FAILED;
-    if (!m_spContainer->CreateReadStrategyData(*m_spStrategy, ucFlag != 0, -1)) return BSS::RC_FAILED;
-    return BSS::RC_OK;
+    if (!IsThere(path)) return BSS::RC_NOT_FOUND;
+    bool bQsbFile = false;
+    return CheckAndOpen(path, ucFlag, bQsbFile);
+}
+
+BSS::ResultCodeT QsbReaderImplC::CheckAndOpen(const boost::filesystem::path& path, std::uint8_t ucFlag,
+                                              bool& bQsbFile)
+{
+    const bool bOpened = m_spContainer->OpenToRead(BSS::HAL::WidePathOf(path), bQsbFile);
+    if (!bQsbFile) return BSS::RC_FAILED;
+    if (!IsThere(path)) {
+        m_spContainer->Close();
+        return BSS::RC_NOT_FOUND;
+    }
+    if (!bOpened) return BSS::RC_FAILED;
+    return m_spContainer->CreateReadStrategyData(*m_spStrategy, ucFlag != 0, -1) ? BSS::RC_OK
+                                                                                 : BSS::RC_FAILED;
 }
 
 BSS::ResultCodeT QsbReaderImplC::Close()
@@ -120,17 +137,32 @@ BSS::ResultCodeT QsbReaderImplC::Read(QsbReaderIteratorImplC& iterator, QsbPoint
         iCount = -1;
         return BSS::RC_OK;
     }
-    const std::uint32_t uiRead = m_spContainer->ReadPoints(*spStrategy, spBuffer.get(), iterator.GetCapacity());
+    const char* pRecords = nullptr;
+    const std::uint32_t uiRead =
+        m_spContainer->ViewPoints(*spStrategy, spBuffer.get(), iterator.GetCapacity(), pRecords);
     iCount = static_cast<std::int32_t>(uiRead);
-    Decode(*definition, spBuffer.get(), iCount, points);
+    Decode(*definition, pRecords, iCount, points);
     return BSS::RC_OK;
 }
 
-void QsbReaderImplC::Decode(const PointDefinitionContainerI& definition, const char* pszRecords, std::int32_t iCount,
-                            QsbPointIteratorI& points) const
+void QsbReaderImplC::Decode(const PointDefinitionContainerI& definition, const char* pszRecords,
+                            std::int32_t iCount, QsbPointIteratorI& points) const
 {
+    if (iCount <= 0) return;
     GMAT::Matrix4C matrix;
     if (!m_spStrategy->GetTransformation(matrix)) matrix = GMAT::Matrix4C();
+
+    // The plain record is decoded by the batch; any other target, point by point.
+    const QsbInstructionSetT eSet = GetInstructionSet();
+    const QsbStrategyDataC* data = m_spStrategy->GetData();
+    if (typeid(points) == typeid(QsbPointArrayIteratorC) && eSet != QsbInstructionSetT::eVirtual &&
+        data != nullptr && data->m_oDecodePlan.IsUsable()) {
+        auto& array = static_cast<QsbPointArrayIteratorC&>(points);
+        const auto nPoints = static_cast<std::size_t>(iCount);
+        data->m_oDecodePlan.Decode(pszRecords, nPoints, matrix, array.GetCursor(), eSet);
+        array.Skip(nPoints);
+        return;
+    }
     const std::size_t nRecordBytes = definition.GetSizeInBytes();
     for (std::int32_t i = 0; i < iCount; ++i) {
         definition.Decode(points.Current(), pszRecords, matrix);

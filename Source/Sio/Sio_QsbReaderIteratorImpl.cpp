@@ -77,7 +77,8 @@ bool QsbReaderIteratorImplC::BindStrategy(const boost::shared_ptr<QsbStrategyC>&
     const QsbStrategyDataC* data = spStrategy->GetData();
     const std::uint64_t ullPresent = data != nullptr ? data->m_ullDataBytesPresent / tSizeInBytes : 0;
     const auto uiCapacity = static_cast<std::uint32_t>(std::min<std::uint64_t>(m_uiSize, ullPresent));
-    if (bBound && m_spBuffer != nullptr && uiCapacity == m_uiCapacity && tSizeInBytes == m_tRecordBytes) return true;
+    if (bBound && m_spBuffer != nullptr && uiCapacity == m_uiCapacity && tSizeInBytes == m_tRecordBytes)
+        return true;
     m_uiCapacity = 0;
     m_spBuffer.reset();
     m_spBuffer.reset(new char[std::max<std::size_t>(uiCapacity * tSizeInBytes, 1)]);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The iterator behind the handle: batch size, position in the file and the raw buffer that stored records are read
-// into. It follows the strategy of the reader that it was last used with, without keeping it alive. Without locks.
+// The iterator behind the handle: batch size, position in the file and the raw buffer that stored records are
+// read into. It follows the strategy of the reader that it was last used with, without keeping it alive.
+// Without locks.
 #pragma once
 
 #include "Sio/API_Base.h"
@@ -27,12 +28,13 @@ public:
     void Next();
     void Previous();
 
-    /// Stores the position (0 for one that is negative as a signed number) and seeks the strategy to it. False,
-    /// with the position stored, when the strategy is gone or has fewer points.
+    /// Stores the position (0 for one that is negative as a signed number) and seeks the strategy to it.
+    /// False, with the position stored, when the strategy is gone or has fewer points.
     bool SetIteratorPos(std::uint64_t ullPos);
 
     /// Follows `spStrategy` from now on, at the position reached so far. The raw buffer is made anew when the
-    /// strategy is another one or its block has changed. False when there is no strategy or it has no block yet.
+    /// strategy is another one or its block has changed. False when there is no strategy or it has no block
+    /// yet.
     bool BindStrategy(const boost::shared_ptr<QsbStrategyC>& spStrategy);
 
     /// Seeks the followed strategy to the position, when the position lies within its points.

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The cursor through which one point-cloud block is read or written. A strategy lives as long as its reader; once a
-// block has been interpreted it owns that block's data: what the header says and the position in the data area.
-// Without locks: a strategy belongs to one thread at a time. Touches no file.
+// The cursor through which one point-cloud block is read or written. A strategy lives as long as its reader;
+// once a block has been interpreted it owns that block's data: what the header says and the position in the
+// data area. Without locks: a strategy belongs to one thread at a time. Touches no file.
 #pragma once
 
 #include "API_Hdr/GMAT_Algebra.h"
 #include "Sio/SIO_QsbPointDefinitionImpl.h"
+#include "Sio/Sio_QsbDecodePlan.h"
+#include "Sio/Sio_QsbEncodePlan.h"
 
 #include <cstdint>
 #include <limits>
@@ -27,8 +29,8 @@ struct QsbBoundingBoxC
 /// What a block's header says beside its elements, or what a new block's header is to say.
 struct QsbScanInfoC
 {
-    QsbBoundingBoxC oBoundingBox;        ///< of the positions as stored
-    GMAT::Matrix4C oTransformation;      ///< maps stored positions, row-major
+    QsbBoundingBoxC oBoundingBox;   ///< of the positions as stored
+    GMAT::Matrix4C oTransformation; ///< maps stored positions, row-major
     double dInstrumentHeight = 0.0;
     std::uint32_t auiGridSize[2] = {0, 0}; ///< largest row index and largest column index; 0: no grid
 };
@@ -46,27 +48,29 @@ class QsbStrategyDataC final : public StrategyDataI
 public:
     QsbStrategyDataC(std::uint64_t ullSession, std::int64_t llBlockIndex) noexcept
         : m_ullSession(ullSession), m_llBlockIndex(llBlockIndex)
-    {
-    }
+    {}
 
-    // The block is named by the opening of a file that it belongs to and its index there, never by address: data that
-    // outlives its file is noticed.
+    // The block is named by the opening of a file that it belongs to and its index there, never by address:
+    // data that outlives its file is noticed.
     std::uint64_t m_ullSession;
     std::int64_t m_llBlockIndex;
     PointDefinitionC m_oPointDefinition;
+    QsbDecodePlanC m_oDecodePlan; ///< of that definition
+    QsbEncodePlanC m_oEncodePlan; ///< likewise
     QsbScanInfoC m_oInfo;
-    std::uint64_t m_ullPosition = 0;         ///< byte in the data area that is read or written next
+    std::uint64_t m_ullPosition = 0; ///< byte in the data area that is read or written next
     std::uint64_t m_ullNumberOfPoints = 0;
-    std::uint64_t m_ullDataBytes = 0;        ///< what the block's head says
-    std::uint64_t m_ullDataBytesPresent = 0; ///< as much of it as the file held when the block was interpreted
+    std::uint64_t m_ullDataBytes = 0; ///< what the block's head says
+    std::uint64_t m_ullDataBytesPresent =
+        0; ///< as much of it as the file held when the block was interpreted
 };
 
 /// What the container and the reader know of a strategy.
 class StrategyI
 {
 public:
-    /// Gives the definition that points are written with. Not owned; it must live until the next one is given or a
-    /// block has been created or interpreted.
+    /// Gives the definition that points are written with. Not owned; it must live until the next one is given
+    /// or a block has been created or interpreted.
     virtual void SetPointDefinition(PointDefinitionContainerI* poPointDefinition) = 0;
 
     /// Points of the block; 0 while none has been interpreted.

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The container's writing side. A new block reaches the disk as a head with sizes of zero; its true sizes and its
-// entries follow when the file is closed, so a file whose writer died ends in a block that reads as empty.
+// The container's writing side. A new block reaches the disk as a head with sizes of zero; its true sizes and
+// its entries follow when the file is closed, so a file whose writer died ends in a block that reads as
+// empty.
 #include "Sio/Sio_Qsb.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
@@ -33,11 +34,29 @@ bool HaveSameLayout(const PointDefinitionContainerI& a, const PointDefinitionCon
     for (std::size_t i = 0; i < a.GetCount(); ++i) {
         const PointDefinitionI* pA = a.GetElement(i);
         const PointDefinitionI* pB = b.GetElement(i);
-        if (pA->GetAvailablePointData() != pB->GetAvailablePointData() || pA->GetTypeCode() != pB->GetTypeCode()) {
+        if (pA->GetAvailablePointData() != pB->GetAvailablePointData() ||
+            pA->GetTypeCode() != pB->GetTypeCode()) {
             return false;
         }
     }
     return true;
+}
+
+/// Encodes the next points of `source`: plain records by the batch, any other points one by one.
+void EncodePart(const QsbEncodePlanC& plan, const PointDefinitionContainerI& definition,
+                QsbPointSourceI& source, std::uint32_t uiPoints, char* pDestination)
+{
+    auto* array = dynamic_cast<ArrayBasedPointSourceC*>(&source);
+    if (array != nullptr && plan.IsUsable() && GetInstructionSet() != QsbInstructionSetT::eVirtual) {
+        plan.Encode(array->GetCursor(), uiPoints, pDestination);
+        array->Skip(uiPoints);
+        return;
+    }
+    for (std::uint32_t i = 0; i < uiPoints; ++i) {
+        definition.Encode(source.Current(), pDestination);
+        source.Advance();
+        pDestination += definition.GetSizeInBytes();
+    }
 }
 
 } // namespace
@@ -56,8 +75,14 @@ bool QsbC::WriteHead(const QsbBlockC& block, std::uint32_t uiHeaderBytes, std::u
     StoreLittleEndian(acHead, block.GetId());
     StoreLittleEndian(acHead + 4, uiHeaderBytes);
     StoreLittleEndian(acHead + 8, uiDataBytes);
-    return Hal::SeekStream(m_pStream, block.GetOffset()) &&
+    return SeekToWrite(block.GetOffset()) &&
            std::fwrite(acHead, 1, sizeof acHead, m_pStream) == sizeof acHead;
+}
+
+bool QsbC::SeekToWrite(std::uint64_t ullOffset)
+{
+    m_oWindow.Forget();
+    return Hal::SeekStream(m_pStream, ullOffset);
 }
 
 bool QsbC::IsLastBlock(std::int64_t llBlockIndex) const noexcept
@@ -87,7 +112,7 @@ bool QsbC::WriteBytesIntoBlock(std::int64_t llBlockIndex, std::uint64_t ullPosit
     const std::uint64_t ullLimit = bLast ? QsbFormat::s_ullMaxDataBytes : block->GetDataBytes();
     if (ullPosition > ullLimit || ullBytes > ullLimit - ullPosition) return false;
     if (ullBytes == 0) return true;
-    if (!Hal::SeekStream(m_pStream, block->GetDataOffset() + ullPosition)) return false;
+    if (!SeekToWrite(block->GetDataOffset() + ullPosition)) return false;
     if (std::fwrite(pSource, 1, static_cast<std::size_t>(ullBytes), m_pStream) != ullBytes) return false;
     if (bLast && ullPosition + ullBytes > block->GetDataBytes()) {
         block->SetDataBytes(static_cast<std::uint32_t>(ullPosition + ullBytes));
@@ -133,6 +158,7 @@ bool QsbC::DropLastBlock()
     boost::system::error_code error;
     boost::filesystem::resize_file(Hal::FilesystemPath(m_strPath), ullLength, error);
     m_pStream = Hal::OpenStream(m_strPath, "w+b");
+    m_oWindow.Attach(m_pStream);
     return m_pStream != nullptr;
 }
 
@@ -160,7 +186,8 @@ bool QsbC::WritePointsIntoBlock(QsbPointSourceI& source, std::uint32_t uiPoints,
     // Refused before anything is written or created: the data size is a 32-bit number.
     const std::uint64_t ullRecordBytes = definition != nullptr ? definition->GetSizeInBytes() : 0;
     const std::uint64_t ullStart = pStrategy->HasData() ? pStrategy->GetData()->m_ullPosition : 0;
-    if (ullRecordBytes != 0 && uiPoints > (QsbFormat::s_ullMaxDataBytes - ullStart) / ullRecordBytes) return false;
+    if (ullRecordBytes != 0 && uiPoints > (QsbFormat::s_ullMaxDataBytes - ullStart) / ullRecordBytes)
+        return false;
 
     try {
         if (!pStrategy->HasData() && !CreateBlockToWrite(*pStrategy)) return false;
@@ -185,26 +212,26 @@ bool QsbC::CreateBlockToWrite(QsbStrategyC& strategy)
     return true;
 }
 
-bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& definition, QsbPointSourceI& source,
-                      std::uint32_t uiPoints)
+bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& definition,
+                      QsbPointSourceI& source, std::uint32_t uiPoints)
 {
     QsbBlockC* block = BlockOf(data);
     if (block == nullptr) return false;
     const std::uint64_t ullRecordBytes = definition.GetSizeInBytes();
     const std::uint64_t ullEnd = data.m_ullPosition + uiPoints * ullRecordBytes;
     const std::uint64_t ullPointsAfter = ullEnd / ullRecordBytes;
-    if (ullPointsAfter > data.m_ullNumberOfPoints && !CanChangePointCount(*block, ullPointsAfter)) return false;
+    if (ullPointsAfter > data.m_ullNumberOfPoints && !CanChangePointCount(*block, ullPointsAfter))
+        return false;
 
-    const std::size_t nChunk = std::clamp<std::size_t>(s_nEncodeBytes / ullRecordBytes, 1, std::max(uiPoints, 1u));
+    const std::size_t nChunk =
+        std::clamp<std::size_t>(s_nEncodeBytes / ullRecordBytes, 1, std::max(uiPoints, 1u));
     const std::unique_ptr<char[]> buffer(new char[nChunk * ullRecordBytes]);
     for (std::uint32_t uiDone = 0; uiDone < uiPoints;) {
         const auto uiPart = static_cast<std::uint32_t>(std::min<std::size_t>(nChunk, uiPoints - uiDone));
-        for (std::uint32_t i = 0; i < uiPart; ++i) {
-            definition.Encode(source.Current(), buffer.get() + i * ullRecordBytes);
-            source.Advance();
-        }
+        EncodePart(data.m_oEncodePlan, definition, source, uiPart, buffer.get());
         const std::uint64_t ullBytes = uiPart * ullRecordBytes;
-        if (!WriteBytesIntoBlock(data.m_llBlockIndex, data.m_ullPosition, ullBytes, buffer.get())) return false;
+        if (!WriteBytesIntoBlock(data.m_llBlockIndex, data.m_ullPosition, ullBytes, buffer.get()))
+            return false;
         uiDone += uiPart;
         data.m_ullPosition += ullBytes;
         // The block may have got a record of its own.

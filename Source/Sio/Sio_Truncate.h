@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// How doubles become integers in scan data: truncation toward zero, then the low bits. Out-of-range values wrap,
-// they are never clamped or rounded. Values that the intermediate integer cannot hold (NaN, infinities, too large)
-// become its smallest value on every platform; that is what the x86-64 conversion instructions give, while C++
-// leaves it undefined.
+// How doubles become integers in scan data: truncation toward zero, then the low bits. Out-of-range values
+// wrap, they are never clamped or rounded. Values that the intermediate integer cannot hold (NaN, infinities,
+// too large) become its smallest value on every platform; that is what the x86-64 conversion instructions
+// give, while C++ leaves it undefined.
 #pragma once
 
 #include <cstdint>

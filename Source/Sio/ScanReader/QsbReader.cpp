@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The exported wrapper: forwards to the reader core and turns its result codes into return values and messages. No
-// exception passes: running out of memory is a failure like any other.
+// The exported wrapper: forwards to the reader core and turns its result codes into return values and
+// messages. No exception passes: running out of memory is a failure like any other.
 #include "ScanReader/QsbReader.h"
 
 #include "API_Hdr/GMAT_Algebra.h"
@@ -35,7 +35,8 @@ constexpr char s_szNotFound[] = ", file does not exists.";
 constexpr char s_szNotOpened[] = ", could not open file.";
 constexpr char s_szUnknown[] = ", unknown error.";
 constexpr char s_szNoDataInfo[] = ", failed to get data info.";
-constexpr char s_szNoPositionOrIntensity[] = "QsbReader:Open: Invalid file, no point position & intensity data.";
+constexpr char s_szNoPositionOrIntensity[] =
+    "QsbReader:Open: Invalid file, no point position & intensity data.";
 constexpr char s_szEndOfFile[] = "End-of-file";
 constexpr char s_szReadFailed[] = "QsbReader:Read: Failed to read points.";
 constexpr char s_szNoMemory[] = "QsbReader: Out of memory.";
@@ -57,9 +58,12 @@ static_assert(offsetof(QsbPoint, x) == offsetof(SIO::QsbPointC, x) &&
 const char* SuffixOf(BSS::ResultCodeT code)
 {
     switch (code) {
-    case BSS::RC_NOT_FOUND: return s_szNotFound;
-    case BSS::RC_FAILED: return s_szNotOpened;
-    default: return s_szUnknown;
+    case BSS::RC_NOT_FOUND:
+        return s_szNotFound;
+    case BSS::RC_FAILED:
+        return s_szNotOpened;
+    default:
+        return s_szUnknown;
     }
 }
 
@@ -143,11 +147,13 @@ int QsbReader::State::Open(const char* path)
         return -1;
     }
     const boost::filesystem::path file = BSS::HAL::FilesystemPath(BSS::HAL::WidePath(path));
-    if (!SIO::QsbReaderC::IsQsbFile(file)) {
+    bool bQsbFile = false;
+    const BSS::ResultCodeT opened = oReader.CheckAndOpen(file, s_ucApplyTransformation, bQsbFile);
+    if (!bQsbFile) {
         SetMessage(s_szNoQsbFile);
         return -1;
     }
-    if (const BSS::ResultCodeT code = oReader.Open(file, s_ucApplyTransformation); code != BSS::RC_OK) {
+    if (const BSS::ResultCodeT code = opened; code != BSS::RC_OK) {
         SetOpenError(code, SuffixOf(code));
         return -1;
     }
@@ -282,7 +288,8 @@ std::uint64_t QsbReader::GetNumPoints() noexcept
 bool QsbReader::GetGridSize(std::uint64_t& first, std::uint64_t& second) noexcept
 {
     std::uint32_t auiSize[2] = {0, 0};
-    if (m_pState == nullptr || m_pState->oReader.GetGridSize(auiSize[0], auiSize[1]) != BSS::RC_OK) return false;
+    if (m_pState == nullptr || m_pState->oReader.GetGridSize(auiSize[0], auiSize[1]) != BSS::RC_OK)
+        return false;
     if (auiSize[0] == 0 || auiSize[1] == 0) return false;
     // The file has the largest index; the sum wraps in 32 bits.
     first = auiSize[0] + 1;
@@ -314,7 +321,8 @@ bool QsbReader::HasGrid() const noexcept
 {
     if (m_pState == nullptr || (m_pState->uiContentFlags & SIO::PD_GRID) == 0) return false;
     std::uint32_t auiSize[2] = {0, 0};
-    return m_pState->oReader.GetGridSize(auiSize[0], auiSize[1]) == BSS::RC_OK && auiSize[0] != 0 && auiSize[1] != 0;
+    return m_pState->oReader.GetGridSize(auiSize[0], auiSize[1]) == BSS::RC_OK && auiSize[0] != 0 &&
+           auiSize[1] != 0;
 }
 
 bool QsbReader::HasNoiseRatio() const noexcept

@@ -10,8 +10,8 @@
 
 namespace Tool {
 
-/// Type codes of the elements; 0 where the scan has no such element. Several elements of one kind, which a file may
-/// have, show as the last one, whose values count.
+/// Type codes of the elements; 0 where the scan has no such element. Several elements of one kind, which a
+/// file may have, show as the last one, whose values count.
 struct ScanFormatC
 {
     std::uint32_t uiPosition = SIO::QsbFormat::s_uiTypeFloatTriple;

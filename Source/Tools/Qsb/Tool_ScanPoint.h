@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// A point in the tool's own form: every element as the double that the file's encoding stands for, so that nothing is
-// cut on the way from one file to another. With it the adapters that decode stored points into such points and
-// encode them back.
+// A point in the tool's own form: every element as the double that the file's encoding stands for, so that
+// nothing is cut on the way from one file to another. With it the adapters that decode stored points into
+// such points and encode them back.
 #pragma once
 
 #include "Sio/Sio_QsbPointIterator.h"

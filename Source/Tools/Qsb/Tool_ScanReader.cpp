@@ -28,11 +28,21 @@ ScanFormatC FormatOf(const SIO::PointDefinitionContainerI& definition, std::uint
     for (std::size_t i = 0; i < definition.GetCount(); ++i) {
         const SIO::PointDefinitionI& element = *definition.GetElement(i);
         switch (element.GetAvailablePointData()) {
-        case SIO::PD_POSITION: format.uiPosition = element.GetTypeCode(); break;
-        case SIO::PD_INTENSITY: format.uiIntensity = element.GetTypeCode(); break;
-        case SIO::PD_LEVEL_OF_NOISE: format.uiNoise = element.GetTypeCode(); break;
-        case SIO::PD_GRID: format.uiGrid = element.GetTypeCode(); break;
-        default: format.uiColor = element.GetTypeCode(); break;
+        case SIO::PD_POSITION:
+            format.uiPosition = element.GetTypeCode();
+            break;
+        case SIO::PD_INTENSITY:
+            format.uiIntensity = element.GetTypeCode();
+            break;
+        case SIO::PD_LEVEL_OF_NOISE:
+            format.uiNoise = element.GetTypeCode();
+            break;
+        case SIO::PD_GRID:
+            format.uiGrid = element.GetTypeCode();
+            break;
+        default:
+            format.uiColor = element.GetTypeCode();
+            break;
         }
     }
     return format;
@@ -43,7 +53,8 @@ ScanFormatC FormatOf(const SIO::PointDefinitionContainerI& definition, std::uint
 ScanReaderC::ScanReaderC(const std::string& path) : m_strPath(path)
 {
     const std::wstring wide = BSS::HAL::WidePath(path);
-    if (!CanBeOpened(wide)) throw ToolErrorC(s_iFailed, fmt::format("{}: cannot be opened for reading", path));
+    if (!CanBeOpened(wide))
+        throw ToolErrorC(s_iFailed, fmt::format("{}: cannot be opened for reading", path));
     if (!m_oContainer.Open(wide, true, false)) {
         throw ToolErrorC(s_iDamaged, fmt::format("{}: not a QSB file, or its block chain is damaged", path));
     }
@@ -70,7 +81,8 @@ void ScanReaderC::Read(std::vector<ScanPointC>& points)
     const SIO::PointDefinitionContainerI& definition = *m_oStrategy.GetPointDefinition();
     const std::size_t nRecordBytes = definition.GetSizeInBytes();
     const std::uint64_t ullPoints = GetNumberOfPoints();
-    const auto uiCount = static_cast<std::uint32_t>(std::min<std::uint64_t>(s_uiBatch, ullPoints - m_ullRead));
+    const auto uiCount =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(s_uiBatch, ullPoints - m_ullRead));
     const std::uint64_t ullReadable = m_oStrategy.GetData()->m_ullDataBytesPresent / nRecordBytes;
     points.clear();
     if (uiCount == 0) return;
@@ -90,8 +102,8 @@ void ScanReaderC::Read(std::vector<ScanPointC>& points)
     }
     m_ullRead += points.size();
     if (points.empty()) {
-        throw ToolErrorC(s_iDamaged, fmt::format("{}: the data is torn, {} of {} points are readable", m_strPath,
-                                                 m_ullRead, ullPoints));
+        throw ToolErrorC(s_iDamaged, fmt::format("{}: the data is torn, {} of {} points are readable",
+                                                 m_strPath, m_ullRead, ullPoints));
     }
 }
 

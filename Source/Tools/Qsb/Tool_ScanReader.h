@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Reads the points of a QSB file as they are stored: untransformed, in full precision, batch by batch in constant
-// memory. Failures are ToolErrorC.
+// Reads the points of a QSB file as they are stored: untransformed, in full precision, batch by batch in
+// constant memory. Failures are ToolErrorC.
 #pragma once
 
 #include "Sio/Sio_Qsb.h"
@@ -20,8 +20,8 @@ class ScanReaderC
 public:
     static constexpr std::uint32_t s_uiBatch = 10000;
 
-    /// Opens the scan: s_iFailed when there is no readable file of that name, s_iDamaged when it is no QSB file or
-    /// has no usable point-cloud block. `path` is narrow text as the command line gives it.
+    /// Opens the scan: s_iFailed when there is no readable file of that name, s_iDamaged when it is no QSB
+    /// file or has no usable point-cloud block. `path` is narrow text as the command line gives it.
     explicit ScanReaderC(const std::string& path);
 
     std::uint64_t GetNumberOfPoints() const noexcept { return m_oStrategy.GetNumberOfPoints(); }
@@ -35,8 +35,8 @@ public:
     /// Whether the header has grid dimensions that make a grid.
     bool HasGridSize() const noexcept;
 
-    /// Reads up to s_uiBatch points into `points`, which then has as many as were read: none at the end. s_iDamaged
-    /// when the file does not hold them; the message says how many points are readable.
+    /// Reads up to s_uiBatch points into `points`, which then has as many as were read: none at the end.
+    /// s_iDamaged when the file does not hold them; the message says how many points are readable.
     void Read(std::vector<ScanPointC>& points);
 
     /// Goes back to the first point.

@@ -42,10 +42,12 @@ std::uint64_t ScanWriterC::GetMaxPoints() const
 
 void ScanWriterC::Write(const std::vector<ScanPointC>& points)
 {
-    for (const ScanPointC& point : points) Grow(point);
+    for (const ScanPointC& point : points)
+        Grow(point);
     if (m_oStrategy.GetNumberOfPoints() + points.size() > GetMaxPoints()) {
-        throw ToolErrorC(s_iFailed, fmt::format("{}: more than {} points of {} bytes do not fit a block of 4 GiB",
-                                                m_strPath, GetMaxPoints(), m_oDefinition.GetSizeInBytes()));
+        throw ToolErrorC(s_iFailed,
+                         fmt::format("{}: more than {} points of {} bytes do not fit a block of 4 GiB",
+                                     m_strPath, GetMaxPoints(), m_oDefinition.GetSizeInBytes()));
     }
     ScanPointSourceC source(points.data());
     if (!m_oContainer.WritePoints(source, static_cast<std::uint32_t>(points.size()), m_oStrategy)) {
@@ -58,7 +60,8 @@ void ScanWriterC::Grow(const ScanPointC& point)
     const double adPosition[3] = {point.x, point.y, point.z};
     for (int i = 0; i < 3; ++i) {
         // The box is that of the positions as stored. NaN compares false and stays out of it.
-        const double d = m_bFloatPositions ? static_cast<double>(static_cast<float>(adPosition[i])) : adPosition[i];
+        const double d =
+            m_bFloatPositions ? static_cast<double>(static_cast<float>(adPosition[i])) : adPosition[i];
         if (d < m_oBox.adMin[i]) m_oBox.adMin[i] = d;
         if (d > m_oBox.adMax[i]) m_oBox.adMax[i] = d;
     }
@@ -67,7 +70,8 @@ void ScanWriterC::Grow(const ScanPointC& point)
 void ScanWriterC::Finish()
 {
     const bool bBox = m_oContainer.SetBoundingBox(m_oStrategy, m_oBox);
-    if (!m_oContainer.Close() || !bBox) throw ToolErrorC(s_iFailed, fmt::format("{}: writing failed", m_strPath));
+    if (!m_oContainer.Close() || !bBox)
+        throw ToolErrorC(s_iFailed, fmt::format("{}: writing failed", m_strPath));
 }
 
 } // namespace Tool

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Writes a QSB file with one point-cloud block, batch by batch in constant memory. The bounding box follows from the
-// points and enters the header at the end. Failures are ToolErrorC with s_iFailed; the file is then not usable, so
-// write beside the target and rename (Tool_OutputFile).
+// Writes a QSB file with one point-cloud block, batch by batch in constant memory. The bounding box follows
+// from the points and enters the header at the end. Failures are ToolErrorC with s_iFailed; the file is then
+// not usable, so write beside the target and rename (Tool_OutputFile).
 #pragma once
 
 #include "Sio/Sio_Qsb.h"
@@ -19,8 +19,8 @@ namespace Tool {
 class ScanWriterC
 {
 public:
-    /// Creates or empties the file at `path`. Of `info` the bounding box is ignored. A format that the file format
-    /// does not have is the caller's error.
+    /// Creates or empties the file at `path`. Of `info` the bounding box is ignored. A format that the file
+    /// format does not have is the caller's error.
     ScanWriterC(const std::string& path, const ScanFormatC& format, const SIO::QsbScanInfoC& info);
 
     /// Most points that one file takes in this format: its block's data size is a 32-bit number.

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// How a verb joins the command: it adds its subcommand with its options and examples, and what to do once the command
-// line has been read. One Add function per verb, one file per verb.
+// How a verb joins the command: it adds its subcommand with its options and examples, and what to do once the
+// command line has been read. One Add function per verb, one file per verb.
 #pragma once
 
 #include <functional>
 
 namespace CLI {
 class App;
-}
+} // namespace CLI
 
 namespace Tool {
 

@@ -2,9 +2,9 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Small square matrices of doubles: Matrix2C, Matrix3C, Matrix4C. Stored row by row, so the elements are
-// contiguous and element (i, j) is the double at index n * i + j. A default matrix is the identity. Positions are
-// column vectors: the translation of a 4 x 4 matrix is its last column, its last row is the projective one.
-// Plain values without locks: distinct matrices are independent. Knows nothing of files or points.
+// contiguous and element (i, j) is the double at index n * i + j. A default matrix is the identity. Positions
+// are column vectors: the translation of a 4 x 4 matrix is its last column, its last row is the projective
+// one. Plain values without locks: distinct matrices are independent. Knows nothing of files or points.
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
@@ -49,12 +49,13 @@ struct SquareMatrixT
     SquareMatrixT()
     {
         for (int i = 0; i < N; ++i) {
-            for (int j = 0; j < N; ++j) v[i].m_tuple[j] = i == j ? 1.0 : 0.0;
+            for (int j = 0; j < N; ++j)
+                v[i].m_tuple[j] = i == j ? 1.0 : 0.0;
         }
     }
 
-    /// Row i. An index outside 0..N-1 is reported as an assertion and answered with the address that the row would
-    /// have; reading through it is the caller's error.
+    /// Row i. An index outside 0..N-1 is reported as an assertion and answered with the address that the row
+    /// would have; reading through it is the caller's error.
     TupleT<N>& operator[](int i)
     {
         CheckRow(i);
@@ -71,8 +72,8 @@ struct SquareMatrixT
     double& At(int i, int j) { return v[i].m_tuple[j]; }
     double At(int i, int j) const { return v[i].m_tuple[j]; }
 
-    /// The inverse by Gauss-Jordan elimination with partial pivoting. Returns false, and leaves `result` as it was,
-    /// when a pivot is zero: the matrix is singular, which is also reported as an assertion.
+    /// The inverse by Gauss-Jordan elimination with partial pivoting. Returns false, and leaves `result` as
+    /// it was, when a pivot is zero: the matrix is singular, which is also reported as an assertion.
     [[nodiscard]] bool Inverse(SquareMatrixT& result) const;
 
 private:
@@ -85,9 +86,9 @@ private:
     const TupleT<N>* RowAddress(int i) const
     {
         // Through the integer: an index outside the array is reported above, not optimised upon.
-        return reinterpret_cast<const TupleT<N>*>(reinterpret_cast<std::uintptr_t>(&v) +
-                                                  static_cast<std::uintptr_t>(static_cast<std::ptrdiff_t>(i)) *
-                                                      sizeof(TupleT<N>));
+        return reinterpret_cast<const TupleT<N>*>(
+            reinterpret_cast<std::uintptr_t>(&v) +
+            static_cast<std::uintptr_t>(static_cast<std::ptrdiff_t>(i)) * sizeof(TupleT<N>));
     }
 };
 
@@ -131,9 +132,9 @@ bool SquareMatrixT<N>::Inverse(SquareMatrixT& result) const
     return true;
 }
 
-/// Maps (x, y, z) by `m` in place, in double precision, with the full projective divide: a matrix whose last row is
-/// (0, 0, 0, 1) divides by exactly 1, and a w of zero gives infinities or NaN as IEEE 754 says. The order of the
-/// operations is fixed, since every decoding path must give the same bits.
+/// Maps (x, y, z) by `m` in place, in double precision, with the full projective divide: a matrix whose last
+/// row is (0, 0, 0, 1) divides by exactly 1, and a w of zero gives infinities or NaN as IEEE 754 says. The
+/// order of the operations is fixed, since every decoding path must give the same bits.
 inline void TransformPosition(const Matrix4C& m, double& x, double& y, double& z)
 {
     const double w = m.At(3, 0) * x + m.At(3, 1) * y + m.At(3, 2) * z + m.At(3, 3);
@@ -145,7 +146,8 @@ inline void TransformPosition(const Matrix4C& m, double& x, double& y, double& z
     z = tz;
 }
 
-/// Maps (x, y, z) back by the inverse of `m`. Returns false, and leaves the position as it was, when `m` is singular.
+/// Maps (x, y, z) back by the inverse of `m`. Returns false, and leaves the position as it was, when `m` is
+/// singular.
 [[nodiscard]] inline bool InverseTransformPosition(const Matrix4C& m, double& x, double& y, double& z)
 {
     Matrix4C inverse;
