@@ -112,6 +112,7 @@ TEST_P(ReadFault, WhileOpeningAndReadingEndsInAStatedAnswerAndRightPoints)
             const Fault fault(GetParam(), n);
             run.opened = tested.Open(path.c_str());
             if (run.opened == 0) ReadAll(tested, iterator, run);
+            tested.Close();
             happened = fault.Happened();
         }
         if (run.opened != 0) {
@@ -129,6 +130,35 @@ TEST_P(ReadFault, WhileOpeningAndReadingEndsInAStatedAnswerAndRightPoints)
     // Opening and reading does use each of these, but for the ones of writing.
     if (GetParam() != Call::Fwrite && GetParam() != Call::Ftello) {
         EXPECT_GT(runs, 1u);
+    }
+}
+
+TEST_P(ReadFault, WhileReadingBatchesOfAnySizeDeliversEveryPointRightAndOnce)
+{
+    constexpr std::uint32_t points = 40000;
+    const std::string large = folder.Write("large.qsb", Support::SmallScan(points));
+    for (const unsigned size : {300u, 7000u}) { // through the window, and past it
+        bool happened = true;
+        for (unsigned n = 1; happened; ++n) {
+            QsbReader tested;
+            ASSERT_EQ(tested.Open(large.c_str()), 0);
+            QsbReadIterator iterator(size);
+            std::uint32_t done = 0, wrong = 0, failed = 0;
+            {
+                const Fault fault(GetParam(), n);
+                while (done < points && failed < 2) {
+                    std::uint64_t count = 4711;
+                    if (tested.Read(iterator, count) != 0) ++failed;
+                    for (std::uint64_t i = 0; i < count; ++i)
+                        wrong += iterator.GetPoint(i)->x != done++;
+                }
+                happened = fault.Happened();
+            }
+            EXPECT_EQ(wrong, 0u);
+            EXPECT_EQ(done, points);
+            EXPECT_LE(failed, happened ? 1u : 0u);
+            ASSERT_LT(n, 1000u);
+        }
     }
 }
 
@@ -229,7 +259,7 @@ TEST_F(ReaderFault, AFileThatVanishesBetweenTheCheckAndTheOpeningDoesNotExist)
 {
     const std::string path = folder.Write("scan.qsb", Support::SmallScan(2));
     {
-        const Fault fault(Call::Fclose, 1, [&path] { std::remove(path.c_str()); });
+        const Fault fault(Call::Fread, 1, [&path] { std::remove(path.c_str()); });
         EXPECT_EQ(reader.Open(path.c_str()), -1);
         EXPECT_TRUE(fault.Happened());
     }
@@ -237,15 +267,19 @@ TEST_F(ReaderFault, AFileThatVanishesBetweenTheCheckAndTheOpeningDoesNotExist)
     EXPECT_EQ(Open(Support::SmallScan(2)), 0);
 }
 
-TEST_F(ReaderFault, AFileThatIsReplacedBetweenTheCheckAndTheOpeningCouldNotBeOpened)
+TEST_F(ReaderFault, AFileThatIsSpoiltWhileItIsOpenedGivesAStatedAnswer)
 {
     const std::string path = folder.Write("scan.qsb", Support::SmallScan(2));
-    {
-        const Fault fault(Call::Fclose, 1, [this] { folder.Write("scan.qsb", Support::BytesT(100)); });
-        EXPECT_EQ(reader.Open(path.c_str()), -1);
+    for (unsigned n = 1; n <= 3; ++n) {
+        {
+            const Fault fault(Call::Fread, n, [this] { folder.Write("scan.qsb", Support::BytesT(100)); });
+            const int opened = reader.Open(path.c_str());
+            EXPECT_TRUE(opened == 0 || Message() == s_szNoQsbFile || Message() == s_szNotOpened);
+        }
+        reader.Close();
+        EXPECT_EQ(Open(Support::SmallScan(2)), 0);
+        reader.Close();
     }
-    EXPECT_EQ(Message(), s_szNotOpened);
-    EXPECT_EQ(Open(Support::SmallScan(2)), 0);
 }
 
 TEST_F(ReaderFault, AReadErrorAtABlockHeadIsAFailureNotTheEndOfTheFile)
@@ -277,19 +311,21 @@ TEST_F(ReaderFault, ABatchAllocatesNothingOnceTheIteratorIsBound)
 
 TEST_F(ReaderFault, AFailedReadLeavesTheFileAtWhichTheReaderGoesOn)
 {
-    ASSERT_EQ(Open(Support::SmallScan(4)), 0);
-    QsbReadIterator iterator(2);
-    EXPECT_EQ(Read(iterator).count, 2u);
+    constexpr std::uint32_t batch = 20000; // larger than any look-ahead
+    ASSERT_EQ(Open(Support::SmallScan(2 * batch)), 0);
+    QsbReadIterator iterator(batch);
+    EXPECT_EQ(Read(iterator).count, batch);
     for (const Call call : {Call::Fread, Call::Fseeko}) {
         std::uint64_t count = 4711;
         const Fault fault(call, 1);
         EXPECT_EQ(reader.Read(iterator, count), -1);
         EXPECT_EQ(count, 0u);
+        EXPECT_TRUE(fault.Happened());
     }
     EXPECT_EQ(Message(), s_szReadFailed);
-    EXPECT_EQ(iterator.GetPoint(0)->intensity, 100);
-    EXPECT_EQ(Read(iterator), (ReadResult{0, 2, ""}));
-    EXPECT_EQ(iterator.GetPoint(0)->intensity, 102);
+    EXPECT_EQ(iterator.GetPoint(0)->x, 0);
+    EXPECT_EQ(Read(iterator), (ReadResult{0, batch, ""}));
+    EXPECT_EQ(iterator.GetPoint(0)->x, batch);
 }
 
 } // namespace
