@@ -10,6 +10,7 @@
 #if defined(__x86_64__)
 
 #include <algorithm>
+#include <cstring>
 #include <immintrin.h>
 
 // On the functions rather than on the file, so that no inline function of a header is compiled for AVX2 and
@@ -36,7 +37,9 @@ SIO_AVX2 inline __m128d LoadXY(const char* pSource)
 
 SIO_AVX2 inline __m128d LoadZ(const char* pSource)
 {
-    return _mm_cvtss_sd(_mm_setzero_pd(), _mm_load_ss(reinterpret_cast<const float*>(pSource) + 2));
+    float fZ; // at any address, which a load through a pointer to float must not be
+    std::memcpy(&fZ, pSource + 2 * sizeof(float), sizeof fZ);
+    return _mm_cvtss_sd(_mm_setzero_pd(), _mm_set_ss(fZ));
 }
 
 template<bool bDouble, bool bRaw>
