@@ -264,6 +264,15 @@ TEST_F(LogFile, TextLongerThanTheLimitIsCutToIt)
     EXPECT_EQ(Bytes("a.txt"), "1234");
 }
 
+TEST_F(LogFile, FullFileThatCannotBecomeTheOlderOneDoesNotGrow)
+{
+    DbgLogFileC file(L"a.txt", 4);
+    EXPECT_TRUE(file.append("123\n"));
+    boost::filesystem::create_directories(m_directory.Path() / "log/a.1.txt/in the way");
+    EXPECT_FALSE(file.append("456\n"));
+    EXPECT_EQ(Bytes("a.txt"), "123\n");
+}
+
 TEST_F(LogFile, DirectoryThatIsTakenAwayIsMadeAnew)
 {
     DbgLogFileC file(L"a.txt", 0);

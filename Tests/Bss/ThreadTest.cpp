@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Thread numbers, names and priorities; the wake event; debugger output.
+// Thread numbers, names and priorities; the wake event; debugger output; the clock.
+#include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_WakeEvent.h"
@@ -161,6 +162,19 @@ TEST(DebugOutput, SinkIsOutOfUseOnceItHasBeenTakenAway)
             });
         }
         writer.join();
+    }
+}
+
+TEST(Clock, FieldsAreWithinTheirRanges)
+{
+    for (const CalendarTime& now : {LocalTimeNow(), UtcTimeNow()}) {
+        EXPECT_GE(now.year, 2024);
+        EXPECT_TRUE(now.month >= 1 && now.month <= 12);
+        EXPECT_TRUE(now.day >= 1 && now.day <= 31);
+        EXPECT_TRUE(now.hour >= 0 && now.hour <= 23);
+        EXPECT_TRUE(now.minute >= 0 && now.minute <= 59);
+        EXPECT_TRUE(now.second >= 0 && now.second <= 60);
+        EXPECT_TRUE(now.millisecond >= 0 && now.millisecond <= 999);
     }
 }
 

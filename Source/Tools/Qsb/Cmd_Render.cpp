@@ -7,12 +7,12 @@
 
 #include "Tools/Qsb/Render_Picture.h"
 #include "Tools/Qsb/Render_Png.h"
+#include "Tools/Qsb/Render_Report.h"
 #include "Tools/Qsb/Render_Survey.h"
 #include "Tools/Qsb/Render_Tone.h"
 #include "Tools/Qsb/Render_View.h"
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
-#include "Tools/Qsb/Tool_Json.h"
 #include "Tools/Qsb/Tool_OutputFile.h"
 #include "Tools/Qsb/Tool_Progress.h"
 #include "Tools/Qsb/Tool_ScanReader.h"
@@ -28,7 +28,7 @@ namespace Tool {
 
 namespace {
 
-constexpr const char* s_pszExamples = R"(Views:
+constexpr char s_szFooter[] = R"(Views:
   grid       a pixel per row and column of the scan, turned so that up is up
   direction  a panorama around the scanner
   top        from above, x to the right and y upwards
@@ -40,7 +40,10 @@ Pixels without a point are transparent.
 Examples:
   qsb render room.qsb room.png
   qsb render room.qsb colors.png --by color --width 1000
-  qsb render strip.qsb heights.png --by range --view top)";
+  qsb render strip.qsb heights.png --by range --view top
+
+Exit code: 0 done, 1 failed, 2 usage, 3 the file is damaged; of a file that ends
+early the picture shows what there is.)";
 
 struct OptionsC
 {
@@ -48,14 +51,6 @@ struct OptionsC
     std::string by = "intensity", view = "auto";
     std::uint32_t uiWidth = 0;
     bool bOverwrite = false, bQuiet = false, bJson = false;
-};
-
-/// What came of the second pass.
-struct DrawnC
-{
-    std::uint64_t ullDrawn = 0;
-    std::uint64_t ullUnplaced = 0; ///< outside the grid or at the origin
-    std::uint64_t ullNoValue = 0;  ///< intensity or noise is NaN or an infinity
 };
 
 struct GridC
@@ -118,11 +113,9 @@ ViewKindT ChooseView(const OptionsC& options, const SurveyC& survey, const GridC
     return survey.OriginIsStation() ? ViewKindT::Direction : ViewKindT::Top;
 }
 
-void CheckSomethingToSee(const OptionsC& options, const SurveyC& survey, ViewKindT eView,
-                         const std::string& damage)
+void CheckSomethingToSee(const OptionsC& options, std::uint64_t ullPoints, const std::string& damage)
 {
-    const std::uint64_t ullSeen = survey.GetPoints() - (eView == ViewKindT::Top ? 0 : survey.GetAtOrigin());
-    if (ullSeen != 0) return;
+    if (ullPoints != 0) return;
     if (!damage.empty()) throw ToolErrorC(s_iDamaged, damage);
     throw ToolErrorC(s_iFailed, fmt::format("{}: there is no point to draw", options.input));
 }
@@ -140,19 +133,19 @@ bool ValueOf(const std::string& by, const ScanPointC& point, const PixelC& pixel
 }
 
 void Draw(const std::string& by, const ViewI& view, const std::vector<ScanPointC>& points, PictureC& picture,
-          DrawnC& drawn)
+          RenderReportC& report)
 {
     PixelC pixel;
     std::uint32_t uiValue = 0;
     for (const ScanPointC& point : points) {
-        if (!HasFinitePosition(point)) continue;
+        if (!IsUsableRange(RangeOf(point))) continue;
         if (!view.Find(point, pixel)) {
-            ++drawn.ullUnplaced;
+            ++report.ullNoPlace;
         } else if (!ValueOf(by, point, pixel, uiValue)) {
-            ++drawn.ullNoValue;
+            ++report.ullNoValue;
         } else {
             picture.Offer(pixel.x, pixel.y, static_cast<float>(pixel.dDistance), uiValue);
-            ++drawn.ullDrawn;
+            ++report.ullPoints;
         }
     }
 }
@@ -180,65 +173,29 @@ ToneKindT ToneOf(const std::string& by)
     return by == "intensity" ? ToneKindT::Grey : ToneKindT::Ramp;
 }
 
-} // namespace
-
-namespace {
-
-/// All that is to be told of a picture.
-struct ReportC
-{
-    std::string view; ///< the view's name
-    PictureSizeC oSize;
-    std::uint64_t ullFilled;
-    DrawnC oDrawn;
-};
-
-void TellPeople(const OptionsC& options, const ViewI& view, const SurveyC& survey, const ToneC& tone,
-                const ReportC& report)
-{
-    fmt::print(stderr, "{}: {} x {} pixels, {} {}\n", options.output, report.oSize.uiWidth,
-               report.oSize.uiHeight, options.by, view.Describe());
-    fmt::print(stderr, "{}: {} points in {} pixels", options.output, report.oDrawn.ullDrawn,
-               report.ullFilled);
-    const std::uint64_t ullSkipped =
-        survey.GetInvalid() + report.oDrawn.ullUnplaced + report.oDrawn.ullNoValue;
-    if (ullSkipped != 0) {
-        fmt::print(stderr,
-                   "; left out: {} with an invalid position, {} outside the grid or at the origin, {} "
-                   "without a value",
-                   survey.GetInvalid(), report.oDrawn.ullUnplaced, report.oDrawn.ullNoValue);
-    }
-    if (options.by != "color")
-        fmt::print(stderr, "; shown from {:.6g} to {:.6g}", tone.GetLow(), tone.GetHigh());
-    fmt::print(stderr, "\n");
-}
-
-JsonT Summary(const OptionsC& options, const ViewI& view, const SurveyC& survey, const ToneC& tone,
-              const ReportC& report, const std::string& damage)
-{
-    JsonT json = NewJsonDocument("render");
-    json["file"] = options.input;
-    json["picture"] = options.output;
-    json["width"] = report.oSize.uiWidth;
-    json["height"] = report.oSize.uiHeight;
-    json["by"] = options.by;
-    json["view"] = report.view;
-    json["orientation"] = view.Describe();
-    json["points"] = report.oDrawn.ullDrawn;
-    json["pixels_filled"] = report.ullFilled;
-    json["left_out"] = {{"invalid_position", survey.GetInvalid()},
-                        {"no_place", report.oDrawn.ullUnplaced},
-                        {"no_value", report.oDrawn.ullNoValue}};
-    const bool bScalar = options.by != "color";
-    json["shown_from"] = bScalar ? JsonT(tone.GetLow()) : JsonT(nullptr);
-    json["shown_to"] = bScalar ? JsonT(tone.GetHigh()) : JsonT(nullptr);
-    json["damage"] = damage.empty() ? JsonT(nullptr) : JsonT(damage);
-    return json;
-}
-
 const char* NameOf(ViewKindT eView)
 {
     return eView == ViewKindT::Grid ? "grid" : eView == ViewKindT::Direction ? "direction" : "top";
+}
+
+/// The second pass, and the picture's file.
+RenderReportC MakePicture(const OptionsC& options, ScanReaderC& reader, ProgressC& progress,
+                          const ViewI& view, const OutputFileC& output)
+{
+    RenderReportC report;
+    PictureC picture(view.GetSize());
+    reader.Rewind();
+    // What damage there is, the first pass has told.
+    (void)ForEachBatch(reader, progress,
+                       [&](const auto& points) { Draw(options.by, view, points, picture, report); });
+    const ToneC tone(ToneOf(options.by), picture);
+    WritePicture(output, picture, tone, view.GetZoom());
+    report.oSize = {view.GetSize().uiWidth * view.GetZoom(), view.GetSize().uiHeight * view.GetZoom()};
+    report.ullPixelsFilled = picture.CountFilled();
+    report.dShownFrom = tone.GetLow();
+    report.dShownTo = tone.GetHigh();
+    report.strOrientation = view.Describe();
+    return report;
 }
 
 int Render(const OptionsC& options)
@@ -251,27 +208,24 @@ int Render(const OptionsC& options)
     SurveyC survey(grid.rows, grid.columns);
     const std::string damage =
         ForEachBatch(reader, progress, [&](const auto& points) { survey.Take(points); });
+    CheckSomethingToSee(options, survey.GetPoints(), damage);
     const ViewKindT eView = ChooseView(options, survey, grid);
-    CheckSomethingToSee(options, survey, eView, damage);
+    if (eView != ViewKindT::Top)
+        CheckSomethingToSee(options, survey.GetPoints() - survey.GetAtOrigin(), damage);
 
     const auto view = MakeView(eView, survey, grid.rows, grid.columns, options.uiWidth);
-    PictureC picture(view->GetSize());
-    DrawnC drawn;
-    reader.Rewind();
-    (void)ForEachBatch(reader, progress,
-                       [&](const auto& points) { Draw(options.by, *view, points, picture, drawn); });
-
-    const ToneC tone(ToneOf(options.by), picture);
-    WritePicture(output, picture, tone, view->GetZoom());
+    RenderReportC report = MakePicture(options, reader, progress, *view, output);
     output.Commit();
-    const PictureSizeC shown{view->GetSize().uiWidth * view->GetZoom(),
-                             view->GetSize().uiHeight * view->GetZoom()};
-    const ReportC report{NameOf(eView), shown, picture.CountFilled(), drawn};
-    if (!options.bQuiet) TellPeople(options, *view, survey, tone, report);
-    if (options.bJson) PrintJson(Summary(options, *view, survey, tone, report, damage));
+    report.strFile = options.input;
+    report.strPicture = options.output;
+    report.strBy = options.by;
+    report.strView = NameOf(eView);
+    report.ullInvalidPosition = survey.GetInvalid();
+    report.strDamage = damage;
+    if (!options.bQuiet) fmt::print(stderr, "{}", TextOf(report));
+    if (options.bJson) PrintJson(JsonOf(report));
     if (damage.empty()) return s_iDone;
-    fmt::print(stderr, "qsb: {}; the picture shows these\n", damage);
-    return s_iDamaged;
+    throw ToolErrorC(s_iDamaged, damage + "; the picture shows these");
 }
 
 } // namespace
@@ -279,21 +233,21 @@ int Render(const OptionsC& options)
 void AddRender(CLI::App& app, VerbActionT& action)
 {
     auto options = std::make_shared<OptionsC>();
-    CLI::App& verb = *app.add_subcommand("render", "Makes a picture of a scan, as a PNG file.");
-    verb.add_option("FILE", options->input, "the scan")->required();
-    verb.add_option("OUT", options->output, "the picture to write")->required();
-    verb.add_option("--by", options->by, "what to show; from above, range is the height")
+    CLI::App& verb = *app.add_subcommand("render", "Make a picture of a scan, as a PNG file");
+    verb.add_option("FILE", options->input, "QSB file")->required();
+    verb.add_option("OUT", options->output, "Picture to write")->required();
+    verb.add_option("--by", options->by, "What to show; from above, range is the height")
         ->check(CLI::IsMember({"intensity", "range", "color", "noise"}))
         ->capture_default_str();
-    verb.add_option("--view", options->view, "how to look at the scan")
+    verb.add_option("--view", options->view, "How to look at the scan")
         ->check(CLI::IsMember({"auto", "grid", "direction", "top"}))
         ->capture_default_str();
-    verb.add_option("--width", options->uiWidth, "pixels across; grids are enlarged in whole steps")
+    verb.add_option("--width", options->uiWidth, "Pixels across; grids are enlarged in whole steps")
         ->check(CLI::Range(1u, s_uiLongestSide));
-    verb.add_flag("--overwrite", options->bOverwrite, "replace OUT if it exists");
-    verb.add_flag("--quiet", options->bQuiet, "say nothing but errors");
-    verb.add_flag("--json", options->bJson, "print what was drawn as JSON");
-    verb.footer(s_pszExamples);
+    verb.add_flag("--overwrite", options->bOverwrite, "Replace OUT if it exists");
+    verb.add_flag("--quiet", options->bQuiet, "Say nothing but errors");
+    verb.add_flag("--json", options->bJson, "Print what was drawn as JSON");
+    verb.footer(s_szFooter);
     verb.callback([options, &action] { action = [options] { return Render(*options); }; });
 }
 

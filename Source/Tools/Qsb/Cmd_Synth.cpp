@@ -25,9 +25,9 @@ namespace {
 
 constexpr std::uint32_t s_uiMostLines = 1000000;
 constexpr std::uint32_t s_uiMostUInt16Lines = 65536;
-constexpr double s_dAnsweringShare = 0.965; ///< of all directions, in this room
+constexpr double s_dAnsweringShare = 0.976; ///< of all directions, in this room
 
-constexpr const char* s_pszExamples = R"(Examples:
+constexpr char s_szFooter[] = R"(Examples:
   qsb synth room.qsb
       1000 x 2000 directions, with noise, grid and colour
   qsb synth big.qsb --points 20000000 --noise none --color none
@@ -191,35 +191,35 @@ void AddElementOption(CLI::App& verb, const std::string& name, std::string& valu
 void AddSynth(CLI::App& app, VerbActionT& action)
 {
     auto options = std::make_shared<OptionsC>();
-    CLI::App& verb = *app.add_subcommand("synth", "Writes a simulated scan of a furnished room.");
-    verb.add_option("OUT", options->output, "the file to write")->required();
+    CLI::App& verb = *app.add_subcommand("synth", "Write a simulated scan of a furnished room");
+    verb.add_option("OUT", options->output, "QSB file to write")->required();
     CLI::Option* rows =
-        verb.add_option("--rows", options->oSettings.uiRows, "directions from below to above");
-    CLI::Option* columns = verb.add_option("--columns", options->oSettings.uiColumns, "directions around");
+        verb.add_option("--rows", options->oSettings.uiRows, "Directions from below to above");
+    CLI::Option* columns = verb.add_option("--columns", options->oSettings.uiColumns, "Directions around");
     for (CLI::Option* lines : {rows, columns})
         lines->check(CLI::Range(1u, s_uiMostLines))->capture_default_str();
-    verb.add_option("--points", options->ullPoints, "about this many points: chooses rows and columns")
+    verb.add_option("--points", options->ullPoints, "About this many points: chooses rows and columns")
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{400000000}))
         ->excludes(rows)
         ->excludes(columns);
-    verb.add_option("--seed", options->oSettings.ullSeed, "another number, another scan")
+    verb.add_option("--seed", options->oSettings.ullSeed, "Another number, another scan")
         ->capture_default_str();
-    verb.add_option("--range-noise", options->dRangeNoiseMm, "deviation of ranges of middling strength, mm")
+    verb.add_option("--range-noise", options->dRangeNoiseMm, "Deviation of ranges of middling strength, mm")
         ->check(CLI::Range(0.0, 1000.0))
         ->capture_default_str();
-    AddElementOption(verb, "--position", options->position, SIO::PD_POSITION, "encoding of positions");
-    AddElementOption(verb, "--intensity", options->intensity, SIO::PD_INTENSITY, "encoding of intensities");
+    AddElementOption(verb, "--position", options->position, SIO::PD_POSITION, "Encoding of positions");
+    AddElementOption(verb, "--intensity", options->intensity, SIO::PD_INTENSITY, "Encoding of intensities");
     AddElementOption(verb, "--noise", options->noise, SIO::PD_LEVEL_OF_NOISE,
-                     "encoding of the level of noise");
-    AddElementOption(verb, "--grid", options->grid, SIO::PD_GRID, "encoding of rows and columns");
-    AddElementOption(verb, "--color", options->color, SIO::PD_COLOR, "encoding of colours");
-    verb.add_option("--block", options->oSettings.oFormat.uiBlockId, "identifier of the block of points")
+                     "Encoding of the level of noise");
+    AddElementOption(verb, "--grid", options->grid, SIO::PD_GRID, "Encoding of rows and columns");
+    AddElementOption(verb, "--color", options->color, SIO::PD_COLOR, "Encoding of colours");
+    verb.add_option("--block", options->oSettings.oFormat.uiBlockId, "Identifier of the block of points")
         ->check(CLI::IsMember({SIO::QsbFormat::s_uiPointCloudId, SIO::QsbFormat::s_uiCountedPointCloudId}))
         ->capture_default_str();
-    verb.add_flag("--overwrite", options->bOverwrite, "replace OUT if it exists");
-    verb.add_flag("--quiet", options->bQuiet, "say nothing but errors");
-    verb.add_flag("--json", options->bJson, "print what was written as JSON");
-    verb.footer(s_pszExamples);
+    verb.add_flag("--overwrite", options->bOverwrite, "Replace OUT if it exists");
+    verb.add_flag("--quiet", options->bQuiet, "Say nothing but errors");
+    verb.add_flag("--json", options->bJson, "Print what was written as JSON");
+    verb.footer(s_szFooter);
     verb.callback([options, &action] { action = [options] { return Synth(*options); }; });
 }
 

@@ -29,13 +29,9 @@ void CovarianceC::Add(double a, double b) noexcept
 
 double RangeOf(const ScanPointC& point) noexcept
 {
-    return std::hypot(point.x, point.y, point.z);
-}
-
-bool HasFinitePosition(const ScanPointC& point) noexcept
-{
-    // The range too: the largest doubles are finite, their distance is not.
-    return std::isfinite(RangeOf(point));
+    // Not hypot, which guards against overflow at ten times the cost: what overflows here is not usable
+    // anyway.
+    return std::sqrt(point.x * point.x + point.y * point.y + point.z * point.z);
 }
 
 SurveyC::SurveyC(std::uint64_t rows, std::uint64_t columns)
@@ -49,7 +45,7 @@ void SurveyC::Take(const std::vector<ScanPointC>& points)
 {
     for (const ScanPointC& point : points) {
         const double range = RangeOf(point);
-        if (!std::isfinite(range)) {
+        if (!IsUsableRange(range)) {
             ++m_ullInvalid;
             continue;
         }
@@ -110,9 +106,10 @@ AzimuthsC SurveyC::GetAzimuths() const noexcept
     }
     nLongest = std::min(nLongest, s_nAzimuthBins - 1);
     if (nLongest <= s_nSmallGap) return {-std::numbers::pi, s_dTurn};
+    // Half a bin on either side keeps rounding from carrying a point across the edge.
     const double bin = s_dTurn / static_cast<double>(s_nAzimuthBins);
-    return {static_cast<double>(nLongestEnd % s_nAzimuthBins) * bin - std::numbers::pi,
-            static_cast<double>(s_nAzimuthBins - nLongest) * bin};
+    return {(static_cast<double>(nLongestEnd % s_nAzimuthBins) - 0.5) * bin - std::numbers::pi,
+            static_cast<double>(s_nAzimuthBins - nLongest + 1) * bin};
 }
 
 bool SurveyC::GridFits() const noexcept

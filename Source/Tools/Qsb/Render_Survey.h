@@ -42,11 +42,14 @@ public:
 
     void Take(const std::vector<ScanPointC>& points);
 
-    std::uint64_t GetPoints() const noexcept { return m_ullPoints; }     ///< with a finite position
-    std::uint64_t GetInvalid() const noexcept { return m_ullInvalid; }   ///< with NaN or an infinity in it
-    std::uint64_t GetAtOrigin() const noexcept { return m_ullAtOrigin; } ///< finite, but in no direction
+    std::uint64_t GetPoints() const noexcept { return m_ullPoints; } ///< with a usable position
+    std::uint64_t GetInvalid() const noexcept
+    {
+        return m_ullInvalid;
+    } ///< with NaN, an infinity or an absurd number in it
+    std::uint64_t GetAtOrigin() const noexcept { return m_ullAtOrigin; } ///< usable, but in no direction
 
-    /// Corners of the box around the finite positions.
+    /// Corners of the box around the usable positions.
     const double* GetMin() const noexcept { return m_adMin; }
     const double* GetMax() const noexcept { return m_adMax; }
 
@@ -91,6 +94,10 @@ private:
 /// Distance from the origin.
 double RangeOf(const ScanPointC& point) noexcept;
 
-bool HasFinitePosition(const ScanPointC& point) noexcept;
+/// Whether a range can be shown: neither NaN nor beyond what any instrument measures in any unit.
+inline bool IsUsableRange(double range) noexcept
+{
+    return range <= 1e30;
+}
 
 } // namespace Tool

@@ -21,7 +21,7 @@ constexpr double s_dNarrowest = 400.0, s_dWidest = 4000.0; ///< of a picture who
 /// The pixel at a share, 0 to 1, of a side.
 std::uint32_t PixelAt(double share, std::uint32_t side) noexcept
 {
-    return std::min(static_cast<std::uint32_t>(std::max(share, 0.0) * side), side - 1);
+    return share > 0.0 ? static_cast<std::uint32_t>(std::min(share * side, side - 1.0)) : 0;
 }
 
 /// A size in the proportions of an area that gives each pixel some points.
@@ -42,8 +42,7 @@ public:
     {
         const double across = uiWidth == 0 ? m_dColumns : std::min(static_cast<double>(uiWidth), m_dColumns);
         m_oSize = FittingSize(across, std::max(m_dRows * (across / m_dColumns), 1.0), survey.GetPoints());
-        const std::uint32_t uiFit = s_uiLongestSide / std::max(m_oSize.uiWidth, m_oSize.uiHeight);
-        m_uiZoom = std::clamp(uiWidth / m_oSize.uiWidth, 1u, std::max(uiFit, 1u));
+        m_uiZoom = ZoomOf(uiWidth);
     }
 
     PictureSizeC GetSize() const noexcept override { return m_oSize; }
@@ -73,6 +72,16 @@ public:
     }
 
 private:
+    /// Whole steps up to the wanted width, within what a picture may be.
+    std::uint32_t ZoomOf(std::uint32_t uiWidth) const noexcept
+    {
+        const double byPixels =
+            std::sqrt(static_cast<double>(s_ullMostPixels) / m_oSize.uiWidth / m_oSize.uiHeight);
+        const std::uint32_t bySide = s_uiLongestSide / m_oSize.uiHeight;
+        return std::max(std::min({uiWidth / m_oSize.uiWidth, static_cast<std::uint32_t>(byPixels), bySide}),
+                        1u);
+    }
+
     double m_dRows, m_dColumns;
     bool m_bRise, m_bRight, m_bStation;
     PictureSizeC m_oSize;
@@ -99,6 +108,7 @@ public:
         constexpr double turn = 2.0 * std::numbers::pi;
         double azimuth = std::atan2(point.y, point.x) - m_oAzimuths.dFrom;
         if (azimuth < 0.0) azimuth += turn;
+        if (azimuth >= turn) azimuth -= turn;
         const double elevation = std::asin(std::clamp(point.z / range, -1.0, 1.0));
         pixel = {PixelAt(1.0 - azimuth / m_oAzimuths.dSpan, m_oSize.uiWidth),
                  PixelAt((m_dHighest - elevation) / m_dHeight, m_oSize.uiHeight), range, range};
