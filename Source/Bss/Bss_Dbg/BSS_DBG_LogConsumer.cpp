@@ -136,8 +136,9 @@ void DbgLogConsumerC::logText(int level, std::string_view text)
     Guarded([&] {
         char prefix[256];
         UTI::FormatOutT<char> out(prefix, sizeof prefix);
-        PutPrefix(out, getPrefixKind(), level);
-        return writeText(level, std::string_view(prefix, out.Length()), text);
+        const HAL::WallTime now = HAL::WallTimeNow();
+        PutPrefix(out, getPrefixKind(), level, now);
+        return writeText({level, now}, std::string_view(prefix, out.Length()), text);
     });
 }
 
@@ -246,11 +247,12 @@ bool DbgLogConsumerC::flushDevice()
     return true;
 }
 
-bool DbgLogConsumerC::writeLines(int level, std::string_view lines)
+bool DbgLogConsumerC::writeLines(const LogMomentT& moment, std::string_view lines)
 {
     const std::lock_guard<TSK::MutexC> guard(m_lock);
+    m_writeTime = moment.time;
     const bool written = write(lines);
-    return (level < getFlushLevel() || handOver()) && written;
+    return (moment.level < m_flushLevel.load(std::memory_order_relaxed) || handOver()) && written;
 }
 
 bool DbgLogConsumerC::flushLines()
@@ -259,9 +261,10 @@ bool DbgLogConsumerC::flushLines()
     return flushDevice();
 }
 
-bool DbgLogConsumerC::WriteLinesTo(DbgLogConsumerC& consumer, int level, std::string_view lines)
+bool DbgLogConsumerC::WriteLinesTo(DbgLogConsumerC& consumer, const LogMomentT& moment,
+                                   std::string_view lines)
 {
-    return consumer.writeLines(level, lines);
+    return consumer.writeLines(moment, lines);
 }
 
 bool DbgLogConsumerC::FlushLinesOf(DbgLogConsumerC& consumer)
@@ -274,12 +277,13 @@ bool DbgLogConsumerC::writeMessage(int level, const char* format, UTI::FormatSou
     char m_pszPrintBuffer[s_iLOG_LINE_BUFFER_SIZE]; // each call's own; the reports below have always named it
                                                     // so
     MessageOutC out(m_pszPrintBuffer, s_iLOG_LINE_BUFFER_SIZE - LINE_END);
-    PutPrefix(out, getPrefixKind(), level);
+    const LogMomentT moment{level, HAL::WallTimeNow()};
+    PutPrefix(out, m_prefix.load(std::memory_order_relaxed), level, moment.time);
     const std::size_t prefixLength = out.Length();
     const bool whole = UTI::FormatTo(out, format, arguments);
     if (!out.FitsTheBuffer()) {
         const std::string text = out.Whole() + (whole ? "" : CutMark());
-        return writeText(level, std::string_view(text).substr(0, prefixLength),
+        return writeText(moment, std::string_view(text).substr(0, prefixLength),
                          std::string_view(text).substr(prefixLength));
     }
     const std::string_view prefix(m_pszPrintBuffer, prefixLength);
@@ -287,24 +291,24 @@ bool DbgLogConsumerC::writeMessage(int level, const char* format, UTI::FormatSou
         WithoutLineEnd({m_pszPrintBuffer + prefixLength, out.Length() - prefixLength});
     std::size_t iEndpos = prefixLength + message.size();
     if (!IsPlainLine(message) || iEndpos + LINE_END > maxLineBytes())
-        return writeText(level, prefix, message);
+        return writeText(moment, prefix, message);
     m_pszPrintBuffer[iEndpos++] = '\n';
     BSS_ASSERT(iEndpos < s_iLOG_LINE_BUFFER_SIZE);
     m_pszPrintBuffer[iEndpos] = '\0';
     BSS_ASSERT(strlen(m_pszPrintBuffer) < s_iLOG_LINE_BUFFER_SIZE);
-    return writeLines(level, std::string_view(m_pszPrintBuffer, iEndpos));
+    return writeLines(moment, std::string_view(m_pszPrintBuffer, iEndpos));
 }
 
-bool DbgLogConsumerC::writeText(int level, std::string_view prefix, std::string_view message)
+bool DbgLogConsumerC::writeText(const LogMomentT& moment, std::string_view prefix, std::string_view message)
 {
     const bool bare = m_bLineSplitting.load(std::memory_order_relaxed);
     const LogLayoutT layout{m_shownName, prefix, bare, maxLineBytes()};
-    return writeLines(level, LinesOfMessage(layout, message));
+    return writeLines(moment, LinesOfMessage(layout, message));
 }
 
 std::size_t DbgLogConsumerC::maxLineBytes() const noexcept
 {
-    const std::uint64_t limit = getLimit();
+    const std::uint64_t limit = m_limitBytes.load(std::memory_order_relaxed);
     const std::size_t most = s_iLOG_LINE_BUFFER_SIZE - 1;
     return limit == 0 || limit > most ? most : static_cast<std::size_t>(limit);
 }

@@ -107,6 +107,13 @@ public:
     static bool isWriting() noexcept;
 
 protected:
+    /// What is known of a message beside its text.
+    struct LogMomentT
+    {
+        int level = 0;
+        HAL::WallTime time;
+    };
+
     /// Writes whole lines, each ended by "\n". One call at a time. May throw what derives from
     /// std::exception; that and false are told on the debugger output.
     virtual bool write(std::string_view lines) = 0;
@@ -118,13 +125,16 @@ protected:
     virtual bool flushDevice();
 
     /// Writes the lines of one message, under the lock.
-    virtual bool writeLines(int level, std::string_view lines);
+    virtual bool writeLines(const LogMomentT& moment, std::string_view lines);
 
     /// Flushes, under the lock.
     virtual bool flushLines();
 
     /// For a consumer that passes on to others.
-    static bool WriteLinesTo(DbgLogConsumerC& consumer, int level, std::string_view lines);
+    static bool WriteLinesTo(DbgLogConsumerC& consumer, const LogMomentT& moment, std::string_view lines);
+
+    /// When the lines that write() is given were logged. For write() and handOver() only.
+    const HAL::WallTime& writeTime() const noexcept { return m_writeTime; }
     static bool FlushLinesOf(DbgLogConsumerC& consumer);
 
 private:
@@ -147,7 +157,7 @@ private:
     template<typename MakeT>
     void Guarded(const MakeT& make) noexcept;
     bool writeMessage(int level, const char* format, UTI::FormatSourceI& arguments);
-    bool writeText(int level, std::string_view prefix, std::string_view message);
+    bool writeText(const LogMomentT& moment, std::string_view prefix, std::string_view message);
     std::size_t maxLineBytes() const noexcept;
     void reportFailure() const noexcept;
 
@@ -160,6 +170,7 @@ private:
     std::atomic<unsigned> m_nOlderFiles{DEFAULT_OLDER_FILES};
     std::atomic<bool> m_bLineSplitting{false};
     TSK::MutexC m_lock;
+    HAL::WallTime m_writeTime; // guarded by the lock
 };
 
 } // namespace BSS::DBG

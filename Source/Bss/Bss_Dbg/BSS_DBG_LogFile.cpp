@@ -45,7 +45,12 @@ std::size_t WholeLines(std::string_view text, std::uint64_t most) noexcept
 
 std::uint64_t Elapsed(std::uint64_t nowMs, std::uint64_t thenMs) noexcept
 {
-    return nowMs > thenMs ? nowMs - thenMs : 0;
+    return nowMs > thenMs ? nowMs - thenMs : thenMs - nowMs;
+}
+
+std::uint64_t Milliseconds(const HAL::WallTime& time) noexcept
+{
+    return static_cast<std::uint64_t>(time.seconds) * 1000 + static_cast<std::uint64_t>(time.millisecond);
 }
 
 class WriteLock
@@ -91,8 +96,9 @@ std::wstring DbgLogFileC::path() const
     return directory.empty() ? directory : HAL::JoinPath(directory, m_name);
 }
 
-bool DbgLogFileC::append(std::string_view lines)
+bool DbgLogFileC::append(std::string_view lines, const HAL::WallTime& now)
 {
+    m_nowMs = Milliseconds(now);
     if (!prepare()) return false;
     while (!lines.empty()) {
         std::size_t part = WholeLines(lines, BUFFER_BYTES);
@@ -101,7 +107,7 @@ bool DbgLogFileC::append(std::string_view lines)
         lines.remove_prefix(part);
     }
     m_nLost += static_cast<std::uint64_t>(std::count(lines.begin(), lines.end(), '\n'));
-    const bool due = Elapsed(HAL::CoarseTickMs(), m_handedOverMs) >= HAND_OVER_EVERY_MS;
+    const bool due = Elapsed(m_nowMs, m_handedOverMs) >= HAND_OVER_EVERY_MS;
     return (!due || handOver()) && lines.empty();
 }
 
@@ -149,7 +155,7 @@ void DbgLogFileC::tellLosses()
 bool DbgLogFileC::handOver()
 {
     if (pending() == 0) return true;
-    m_handedOverMs = HAL::CoarseTickMs();
+    m_handedOverMs = m_nowMs;
     if (!m_file && !open()) return false;
     if (Elapsed(m_handedOverMs, m_verifiedMs) >= VERIFY_EVERY_MS && !verify()) return false;
     return m_sole ? writeAlone() : writeLocked();
@@ -157,6 +163,7 @@ bool DbgLogFileC::handOver()
 
 bool DbgLogFileC::flush()
 {
+    m_nowMs = Milliseconds(HAL::WallTimeNow());
     if (!m_file && pending() == 0) return true;
     // Twice: lines that went to a file which has been taken away are written again.
     const bool there = handOver() && verify() && handOver() && verify();
@@ -169,7 +176,7 @@ bool DbgLogFileC::open()
     // The directory may be missing yet, or have been taken away.
     if (!m_file && HAL::MakePrivateDirectory(OS::LogDirectory())) m_file = HAL::AppendFileC::Open(m_path);
     if (!m_file) return false;
-    const std::uint64_t now = HAL::CoarseTickMs();
+    const std::uint64_t now = m_nowMs;
     m_verifiedMs = m_pathCheckedMs = now;
     if (m_file->OthersPresent()) {
         m_othersSeenMs = now;
@@ -209,7 +216,7 @@ bool DbgLogFileC::verify()
         return open();
     }
     forgetWritten();
-    m_verifiedMs = HAL::CoarseTickMs();
+    m_verifiedMs = m_nowMs;
     if (Elapsed(m_verifiedMs, m_pathCheckedMs) >= CHECK_PATH_EVERY_MS && !reopenIfReplaced()) return false;
     const bool others = m_file->OthersPresent();
     if (others) m_othersSeenMs = m_verifiedMs;
@@ -229,7 +236,7 @@ bool DbgLogFileC::verify()
 
 bool DbgLogFileC::reopenIfReplaced()
 {
-    m_pathCheckedMs = HAL::CoarseTickMs();
+    m_pathCheckedMs = m_nowMs;
     HAL::FileIdentity now;
     if (HAL::IdentityOfPath(m_path, now) && now == m_file->GetIdentity()) return true;
     close();

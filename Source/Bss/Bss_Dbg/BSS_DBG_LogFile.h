@@ -19,6 +19,7 @@
 #pragma once
 
 #include "Bss/Bss_Hal/BSS_HAL_AppendFile.h"
+#include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 
 #include <cstdint>
 #include <memory>
@@ -42,7 +43,7 @@ public:
 
     /// Takes whole lines, each ended by "\n". A line that is longer than the limit itself is cut to it. False
     /// when lines are waiting that could not be handed over, or were lost. Throws std::bad_alloc only.
-    [[nodiscard]] bool append(std::string_view lines);
+    [[nodiscard]] bool append(std::string_view lines, const HAL::WallTime& now = HAL::WallTimeNow());
 
     /// Hands over everything now. False when that fails; the lines are kept.
     [[nodiscard]] bool handOver();
@@ -101,6 +102,8 @@ private:
     std::size_t m_written = 0;
     std::size_t m_used = 0;
     std::uint64_t m_nLost = 0;
+    // Wall-clock milliseconds; a clock that is set back makes everything due.
+    std::uint64_t m_nowMs = 0;
     std::uint64_t m_handedOverMs = 0;
     std::uint64_t m_verifiedMs = 0;
     std::uint64_t m_pathCheckedMs = 0;

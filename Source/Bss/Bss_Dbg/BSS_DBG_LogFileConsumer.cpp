@@ -25,7 +25,7 @@ bool DbgLogFileConsumerC::write(std::string_view lines)
 {
     m_file.setLimit(getLimit());
     m_file.setOlderFiles(getOlderFiles());
-    return m_file.append(lines);
+    return m_file.append(lines, writeTime());
 }
 
 bool DbgLogFileConsumerC::handOver()

@@ -196,13 +196,13 @@ std::vector<DbgLogMgrC::ConsumerPtrT> DbgLogMgrC::consumers() const
 
 bool DbgLogMgrC::write(std::string_view lines)
 {
-    return writeLines(LEVEL_ERROR, lines);
+    return writeLines({LEVEL_ERROR, HAL::WallTimeNow()}, lines);
 }
 
-bool DbgLogMgrC::writeLines(int level, std::string_view lines)
+bool DbgLogMgrC::writeLines(const LogMomentT& moment, std::string_view lines)
 {
     const ConsumerPtrT logger = getSystemErrorLogger();
-    return logger && WriteLinesTo(*logger, level, lines);
+    return logger && WriteLinesTo(*logger, moment, lines);
 }
 
 bool DbgLogMgrC::flushLines()

@@ -80,7 +80,7 @@ public:
 
 protected:
     bool write(std::string_view lines) override;
-    bool writeLines(int level, std::string_view lines) override;
+    bool writeLines(const LogMomentT& moment, std::string_view lines) override;
     bool flushLines() override;
 
 private:

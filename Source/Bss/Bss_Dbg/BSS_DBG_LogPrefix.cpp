@@ -21,11 +21,15 @@ struct KeptPrefixT
     std::uint32_t threadVersion; // 0: nothing kept yet
     std::uint32_t length;
     std::uint32_t millisecondAt;
-    char text[212];
+    std::uint32_t levelAt;
+    int level;
+    char text[204];
 };
 
 constinit thread_local std::array<KeptPrefixT, 3> t_kept = {};
 
+constexpr std::size_t LONGEST_LEVEL = sizeof "FINEST ";
+constexpr int NO_LEVEL_YET = -1;
 constexpr std::size_t UTC_DIGITS_FROM_END = 8; // "000 UTC]"
 
 LogLineContextT ContextOf(std::int64_t second)
@@ -39,7 +43,7 @@ LogLineContextT ContextOf(std::int64_t second)
     return context;
 }
 
-// Without milliseconds and level, which are put in each time.
+// Milliseconds are put in each time, the level when it is another than the last time.
 void Renew(KeptPrefixT& kept, PrefixKind kind, std::int64_t second)
 {
     constexpr std::string_view NO_LEVEL = "    "; // "%3s " without a text
@@ -58,36 +62,39 @@ void Renew(KeptPrefixT& kept, PrefixKind kind, std::int64_t second)
         kept.millisecondAt = static_cast<std::uint32_t>(text.size() - UTC_DIGITS_FROM_END);
         break;
     }
-    kept.length = static_cast<std::uint32_t>(std::min(text.size(), std::size(kept.text)));
+    kept.length = static_cast<std::uint32_t>(std::min(text.size(), std::size(kept.text) - LONGEST_LEVEL));
     std::copy_n(text.begin(), kept.length, kept.text);
+    kept.levelAt = kept.length;
+    kept.level = NO_LEVEL_YET;
     kept.second = second;
     kept.threadVersion = HAL::CurrentThreadVersion();
 }
 
-void PutLevel(UTI::FormatOutT<char>& out, int level)
+void PutLevel(KeptPrefixT& kept, int level)
 {
     static constexpr std::string_view FIELDS[] = {"    ",  "FINEST ", "FINER ", "FINE ",
                                                   "INFO ", "WARN ",   "ERROR ", "FATAL "};
     const bool known = level >= 0 && level < static_cast<int>(std::size(FIELDS));
     const std::string_view field = FIELDS[known ? static_cast<std::size_t>(level) : 0];
-    out.Put(field.data(), field.size());
+    std::copy(field.begin(), field.end(), kept.text + kept.levelAt);
+    kept.length = kept.levelAt + static_cast<std::uint32_t>(field.size());
+    kept.level = level;
 }
 
 } // namespace
 
-void PutPrefix(UTI::FormatOutT<char>& out, PrefixKind kind, int level)
+void PutPrefix(UTI::FormatOutT<char>& out, PrefixKind kind, int level, const HAL::WallTime& now)
 {
     if (kind != PrefixKind::Full && kind != PrefixKind::Time && kind != PrefixKind::UtcTime) return;
     KeptPrefixT& kept = t_kept[static_cast<std::size_t>(kind) - 1];
-    const HAL::WallTime now = HAL::WallTimeNow();
     if (kept.second != now.seconds || kept.threadVersion != HAL::CurrentThreadVersion())
         Renew(kept, kind, now.seconds);
     char* const digits = kept.text + kept.millisecondAt;
     digits[0] = static_cast<char>('0' + now.millisecond / 100);
     digits[1] = static_cast<char>('0' + now.millisecond / 10 % 10);
     digits[2] = static_cast<char>('0' + now.millisecond % 10);
+    if (kind == PrefixKind::Full && (kept.level != level || level < 0)) PutLevel(kept, level);
     out.Put(kept.text, kept.length);
-    if (kind == PrefixKind::Full) PutLevel(out, level);
 }
 
 } // namespace BSS::DBG

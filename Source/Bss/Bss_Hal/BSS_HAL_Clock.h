@@ -38,7 +38,4 @@ WallTime WallTimeNow() noexcept;
 CalendarTime LocalTimeOf(std::int64_t seconds) noexcept;
 CalendarTime UtcTimeOf(std::int64_t seconds) noexcept;
 
-/// Milliseconds since some moment, never going back. Cheap, and right to about 20 milliseconds.
-std::uint64_t CoarseTickMs() noexcept;
-
 } // namespace BSS::HAL

@@ -61,12 +61,4 @@ CalendarTime UtcTimeNow() noexcept
     return WithMillisecond(UtcTimeOf(now.seconds), now.millisecond);
 }
 
-std::uint64_t CoarseTickMs() noexcept
-{
-    std::timespec now = {};
-    static_cast<void>(::clock_gettime(CLOCK_MONOTONIC_COARSE, &now));
-    return static_cast<std::uint64_t>(now.tv_sec) * 1000 +
-           static_cast<std::uint64_t>(now.tv_nsec) / 1'000'000;
-}
-
 } // namespace BSS::HAL

@@ -51,11 +51,6 @@ CalendarTime UtcTimeOf(std::int64_t seconds) noexcept
     return FieldsOf(SystemTimeOf(seconds));
 }
 
-std::uint64_t CoarseTickMs() noexcept
-{
-    return GetTickCount64();
-}
-
 CalendarTime LocalTimeNow() noexcept
 {
     SYSTEMTIME now = {};

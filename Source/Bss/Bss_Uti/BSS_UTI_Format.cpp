@@ -45,33 +45,75 @@ std::string NarrowOf(std::wstring_view text, std::size_t most)
     return narrow;
 }
 
-template<typename CharT>
+// SourceT is FormatSourceI, or a final class whose operations are then called directly.
+template<typename CharT, typename SourceT>
 class FormatterT
 {
 public:
     using OutT = FormatOutT<CharT>;
     using SpecT = FormatSpecT<CharT>;
 
-    FormatterT(OutT& out, FormatSourceI& source) noexcept : m_out(out), m_source(source) {}
+    FormatterT(OutT& out, SourceT& source) noexcept : m_out(out), m_source(source) {}
 
     void Run(const CharT* at)
     {
         for (;;) {
-            const CharT* const begin = at;
-            while (*at != 0 && *at != '%')
-                ++at;
-            m_out.Put(begin, static_cast<std::size_t>(at - begin));
+            at = m_out.PutPlain(at);
             if (*at == 0 || m_out.IsCut()) return;
-            at = Conversion(at);
+            at = IsPlainConversion(at[1]) ? at + 2 : Conversion(at);
         }
     }
 
 private:
+    // The conversions that nearly all formats are made of, when they have neither width nor anything else.
+    // False, with nothing taken or put out, for all others.
+    bool IsPlainConversion(CharT letter)
+    {
+        switch (letter) {
+        case 'd': {
+            std::uint64_t value = 0;
+            if (!m_source.TakeInteger(4, value)) return false;
+            const auto number = static_cast<std::int32_t>(value);
+            const auto pattern = static_cast<std::uint32_t>(number);
+            if (number < 0) m_out.Put('-');
+            PutDecimal(number < 0 ? 0 - pattern : pattern);
+            return true;
+        }
+        case 'u': {
+            std::uint64_t value = 0;
+            if (!m_source.TakeInteger(4, value)) return false;
+            PutDecimal(static_cast<std::uint32_t>(value));
+            return true;
+        }
+        case 's': {
+            const CharT* text = nullptr;
+            if (!TakeOwnText(text)) return false;
+            PutText(SpecT(), text, std::numeric_limits<std::size_t>::max());
+            return true;
+        }
+        default:
+            return false;
+        }
+    }
+
+    bool TakeOwnText(const char*& text) { return m_source.TakeNarrowText(text); }
+    bool TakeOwnText(const wchar_t*& text) { return m_source.TakeWideText(text); }
+
+    void PutDecimal(std::uint32_t value)
+    {
+        if (CharT* const at = m_out.Reserve(MAX_DECIMAL_32)) {
+            m_out.Advance(WriteDecimal(value, at));
+        } else {
+            const IntegerDigitsC digits(value, 10, false);
+            m_out.PutAscii(digits.View().data(), digits.View().size());
+        }
+    }
+
     // Handles what begins at the percent sign; returns where plain text goes on.
     const CharT* Conversion(const CharT* begin)
     {
         SpecT spec;
-        FormatSpecReaderT<CharT> reader(begin + 1, m_source);
+        FormatSpecReaderT<CharT, SourceT> reader(begin + 1, m_source);
         const bool read = reader.Read(spec);
         const CharT* const letter = reader.Position();
         if (read && spec.letter == '%') return m_out.Put('%'), letter + 1;
@@ -298,14 +340,19 @@ private:
     }
 
     OutT& m_out;
-    FormatSourceI& m_source;
+    SourceT& m_source;
 };
 
 template<typename CharT>
 bool FormatEither(FormatOutT<CharT>& out, const CharT* format, FormatSourceI& source)
 {
     static constexpr CharT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
-    FormatterT<CharT>(out, source).Run(format != nullptr ? format : NOTHING);
+    if (format == nullptr) format = NOTHING;
+    if (FormatArgumentsC* const typed = source.AsTypedArguments()) {
+        FormatterT<CharT, FormatArgumentsC>(out, *typed).Run(format);
+    } else {
+        FormatterT<CharT, FormatSourceI>(out, source).Run(format);
+    }
     return !out.IsCut();
 }
 

@@ -31,6 +31,42 @@ private:
     std::size_t m_begin = CAPACITY;
 };
 
+/// Two decimal digits for each number below 100.
+inline constexpr char DECIMAL_PAIRS[] = "0001020304050607080910111213141516171819"
+                                        "2021222324252627282930313233343536373839"
+                                        "4041424344454647484950515253545556575859"
+                                        "6061626364656667686970717273747576777879"
+                                        "8081828384858687888990919293949596979899";
+
+/// The most digits of 32 bits.
+inline constexpr std::size_t MAX_DECIMAL_32 = 10;
+
+/// Writes the digits at `at` and returns where they end. Two at a time, from the last.
+template<typename CharT>
+CharT* WriteDecimal(std::uint32_t value, CharT* at) noexcept
+{
+    static constexpr std::uint32_t POWERS[] = {10,      100,      1000,      10000,     100000,
+                                               1000000, 10000000, 100000000, 1000000000};
+    std::size_t length = 1;
+    while (length < MAX_DECIMAL_32 && value >= POWERS[length - 1])
+        ++length;
+    CharT* const end = at + length;
+    CharT* digit = end;
+    while (value >= 100) {
+        const char* const pair = DECIMAL_PAIRS + 2 * (value % 100);
+        value /= 100;
+        *--digit = static_cast<CharT>(pair[1]);
+        *--digit = static_cast<CharT>(pair[0]);
+    }
+    if (value >= 10) {
+        *--digit = static_cast<CharT>(DECIMAL_PAIRS[2 * value + 1]);
+        *--digit = static_cast<CharT>(DECIMAL_PAIRS[2 * value]);
+    } else {
+        *--digit = static_cast<CharT>('0' + value);
+    }
+    return end;
+}
+
 /// The absolute value of a number as "%f", "%e", "%g" or "%a" write it (`letter`, upper case for upper-case
 /// output). A negative precision stands for the usual one. Digits beyond the 1100th of a precision are not
 /// made. `alternate` keeps the decimal point, and in "%g" the zeros behind it.

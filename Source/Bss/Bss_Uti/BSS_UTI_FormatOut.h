@@ -52,6 +52,24 @@ public:
         m_at = std::fill_n(m_at, count, character);
     }
 
+    /// Puts out what comes before the first percent sign or the end, and says where that is.
+    const CharT* PutPlain(const CharT* text)
+    {
+        for (;;) {
+            CharT* at = m_at; // in registers, as nobody else sees it
+            CharT* const end = m_end;
+            while (at != end && *text != 0 && *text != '%')
+                *at++ = *text++;
+            m_at = at;
+            if (*text == 0 || *text == '%' || !MakeRoom()) return text;
+        }
+    }
+
+    /// Where `count` characters may be written, followed by Advance; null when the buffer has less room than
+    /// that.
+    CharT* Reserve(std::size_t count) noexcept { return count <= Room() ? m_at : nullptr; }
+    void Advance(CharT* end) noexcept { m_at = end; }
+
     /// Characters below 128, one unit each.
     void PutAscii(const char* text, std::size_t count)
     {

@@ -40,27 +40,16 @@ bool FormatSourceI::TakePointer(std::uintptr_t&)
     return false;
 }
 
+FormatArgumentsC* FormatSourceI::AsTypedArguments() noexcept
+{
+    return nullptr;
+}
+
 FormatSourceI::~FormatSourceI() = default;
 
 FormatArgumentC::FormatArgumentC(const StringC& text) noexcept : FormatArgumentC(text.Text()) {}
 
-FormatArgumentsC::FormatArgumentsC(const FormatArgumentC* first, std::size_t count) noexcept
-    : m_next(first), m_end(first + count)
-{}
-
 FormatArgumentsC::~FormatArgumentsC() = default;
-
-const FormatArgumentC* FormatArgumentsC::Next(FormatArgumentC::Kind kind) noexcept
-{
-    return m_next != m_end && m_next->m_kind == kind ? m_next++ : nullptr;
-}
-
-bool FormatArgumentsC::TakeInteger(std::size_t, std::uint64_t& value)
-{
-    const FormatArgumentC* const argument = Next(FormatArgumentC::Kind::Integer);
-    if (argument != nullptr) value = argument->m_integer;
-    return argument != nullptr;
-}
 
 bool FormatArgumentsC::TakeCharacter(std::uint32_t& value)
 {
@@ -73,13 +62,6 @@ bool FormatArgumentsC::TakeDouble(double& value)
 {
     const FormatArgumentC* const argument = Next(FormatArgumentC::Kind::Double);
     if (argument != nullptr) value = argument->m_double;
-    return argument != nullptr;
-}
-
-bool FormatArgumentsC::TakeNarrowText(const char*& value)
-{
-    const FormatArgumentC* const argument = Next(FormatArgumentC::Kind::NarrowText);
-    if (argument != nullptr) value = argument->m_narrow;
     return argument != nullptr;
 }
 

@@ -15,6 +15,7 @@
 
 namespace BSS::UTI {
 
+class FormatArgumentsC;
 class StringC;
 
 class FormatSourceI
@@ -27,6 +28,9 @@ public:
     virtual bool TakeNarrowText(const char*& value);
     virtual bool TakeWideText(const wchar_t*& value);
     virtual bool TakePointer(std::uintptr_t& value);
+
+    /// The source itself if it is a row of typed arguments, which the formatter reads without virtual calls.
+    virtual FormatArgumentsC* AsTypedArguments() noexcept;
     virtual ~FormatSourceI();
 
 protected:
@@ -78,17 +82,33 @@ private:
 class FormatArgumentsC final : public FormatSourceI
 {
 public:
-    FormatArgumentsC(const FormatArgumentC* first, std::size_t count) noexcept;
-    bool TakeInteger(std::size_t bytes, std::uint64_t& value) override;
+    FormatArgumentsC(const FormatArgumentC* first, std::size_t count) noexcept
+        : m_next(first), m_end(first + count)
+    {}
+    bool TakeInteger(std::size_t, std::uint64_t& value) override
+    {
+        const FormatArgumentC* const argument = Next(FormatArgumentC::Kind::Integer);
+        if (argument != nullptr) value = argument->m_integer;
+        return argument != nullptr;
+    }
     bool TakeCharacter(std::uint32_t& value) override;
     bool TakeDouble(double& value) override;
-    bool TakeNarrowText(const char*& value) override;
+    bool TakeNarrowText(const char*& value) override
+    {
+        const FormatArgumentC* const argument = Next(FormatArgumentC::Kind::NarrowText);
+        if (argument != nullptr) value = argument->m_narrow;
+        return argument != nullptr;
+    }
     bool TakeWideText(const wchar_t*& value) override;
     bool TakePointer(std::uintptr_t& value) override;
+    FormatArgumentsC* AsTypedArguments() noexcept override { return this; }
     ~FormatArgumentsC() override;
 
 private:
-    const FormatArgumentC* Next(FormatArgumentC::Kind kind) noexcept;
+    const FormatArgumentC* Next(FormatArgumentC::Kind kind) noexcept
+    {
+        return m_next != m_end && m_next->m_kind == kind ? m_next++ : nullptr;
+    }
 
     const FormatArgumentC* m_next;
     const FormatArgumentC* m_end;

@@ -39,11 +39,11 @@ struct FormatSpecT
 };
 
 /// Reads the conversion behind a percent sign, letter by letter.
-template<typename CharT>
+template<typename CharT, typename SourceT>
 class FormatSpecReaderT
 {
 public:
-    FormatSpecReaderT(const CharT* at, FormatSourceI& source) noexcept : m_at(at), m_source(source) {}
+    FormatSpecReaderT(const CharT* at, SourceT& source) noexcept : m_at(at), m_source(source) {}
 
     /// Reads up to and with the letter, whatever it is. False at a star that has no argument.
     bool Read(FormatSpecT<CharT>& spec)
@@ -123,7 +123,7 @@ private:
     }
 
     const CharT* m_at;
-    FormatSourceI& m_source;
+    SourceT& m_source;
 };
 
 } // namespace BSS::UTI
