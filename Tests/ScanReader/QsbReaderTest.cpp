@@ -545,4 +545,36 @@ TEST_F(Reader, TheGettersLeaveTheMessage)
     EXPECT_EQ(Message(), s_szNoQsbFile);
 }
 
+TEST_F(Reader, AnIteratorUsedBeforeFindsTheEndInAClosedReader)
+{
+    ASSERT_EQ(Open(Support::SmallScan(5)), 0);
+    QsbReadIterator iterator(2);
+    ASSERT_EQ(Read(iterator), (ReadResult{0, 2, ""}));
+    reader.Close();
+    EXPECT_EQ(Read(iterator), s_end);
+}
+
+TEST_F(Reader, AnIteratorAtTheEndOfOneReaderFindsTheEndInTheNextOneToo)
+{
+    ASSERT_EQ(Open(Support::SmallScan(5)), 0);
+    QsbReadIterator iterator(5);
+    ASSERT_EQ(Read(iterator), (ReadResult{0, 5, ""}));
+    QsbReader other;
+    ASSERT_EQ(other.Open(folder.Write("other.qsb", Support::SmallScan(50)).c_str()), 0);
+    EXPECT_EQ(ReadWith(other, iterator), s_end);
+}
+
+TEST_F(Reader, AnIteratorBeyondTheLastPointOfItsNextReaderGetsNoPoints)
+{
+    ASSERT_EQ(Open(Support::SmallScan(50)), 0);
+    QsbReadIterator iterator(20);
+    ASSERT_EQ(Read(iterator), (ReadResult{0, 20, ""}));
+    QsbReader other;
+    ASSERT_EQ(other.Open(folder.Write("other.qsb", Support::SmallScan(5)).c_str()), 0);
+    EXPECT_EQ(ReadWith(other, iterator), (ReadResult{0, 0, ""}));
+    EXPECT_EQ(iterator.GetPoint(0)->x, 0.0);
+    EXPECT_EQ(iterator.GetPoint(19)->x, 19.0);
+    EXPECT_EQ(ReadWith(other, iterator), s_end);
+}
+
 } // namespace
