@@ -197,6 +197,11 @@ struct GridRow
     std::uint64_t second;
 };
 
+void PrintTo(const GridRow& row, std::ostream* out)
+{
+    *out << row.stored0 << " and " << row.stored1;
+}
+
 class Grid : public Reader, public testing::WithParamInterface<GridRow>
 {};
 
