@@ -180,7 +180,7 @@ struct BadPlyT
 
 void PrintTo(const BadPlyT& row, std::ostream* stream)
 {
-    Support::PrintAsName(row.strMessage, stream);
+    Support::PrintAsName(std::to_string(row.strFile.size()) + " " + row.strMessage, stream);
 }
 
 class BadPly : public testing::TestWithParam<BadPlyT>

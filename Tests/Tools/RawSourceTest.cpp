@@ -87,7 +87,7 @@ struct BadHeaderT
 
 void PrintTo(const BadHeaderT& row, std::ostream* stream)
 {
-    Support::PrintAsName(row.strMessage, stream);
+    Support::PrintAsName(std::to_string(row.strHeader.size()) + " " + row.strMessage, stream);
 }
 
 class BadRawHeader : public testing::TestWithParam<BadHeaderT>
