@@ -152,7 +152,7 @@ TEST(Format, GeneralDoubles)
 {
     EXPECT_EQ(Format("%g %g %g %g", 0.0001, 0.00001, 123456.0, 1234567.0), "0.0001 1e-05 123456 1.23457e+06");
     EXPECT_EQ(Format("%G %.3g", 1e-10, 1234.0), "1E-10 1.23e+03");
-    EXPECT_EQ(Format("%#g %#.3g", 1.0, 1e10), "1.00000 1.00e+10");
+    EXPECT_EQ(Format("%#g %#.3g %#g", 1.0, 1e10, 1e-5), "1.00000 1.00e+10 1.00000e-05");
 }
 
 TEST(Format, HexadecimalDoubles)

@@ -17,7 +17,8 @@ QsbRunT RunQsb(const std::vector<std::string>& arguments)
 {
     const TemporaryDirectory directory;
     std::string command = ShellQuoted(QSB_COMMAND);
-    for (const std::string& argument : arguments) command.append(" ").append(ShellQuoted(argument));
+    for (const std::string& argument : arguments)
+        command.append(" ").append(ShellQuoted(argument));
     command.append(" <").append(ShellQuoted(directory.Narrow("in")));
     command.append(" >").append(ShellQuoted(directory.Narrow("out")));
     command.append(" 2>").append(ShellQuoted(directory.Narrow("err")));

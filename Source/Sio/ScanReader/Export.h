@@ -1,9 +1,8 @@
-/* SPDX-License-Identifier: MIT
- * Copyright (c) 2026 The ScanReader developers
- *
- * Marks what the shared library exports. A host needs to define nothing; the library's own build defines
- * SCANREADER_BUILD, a static link of its parts SCANREADER_STATIC.
- */
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Marks what the shared library exports. A host needs to define nothing; the library's own build defines
+// SCANREADER_BUILD, a static link of its parts SCANREADER_STATIC.
 #ifndef SCANREADER_EXPORT_H
 #define SCANREADER_EXPORT_H
 

@@ -4,6 +4,7 @@
 // The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout
 // carries a verb's result alone; messages go to stderr.
 #include "Tools/Qsb/Cmd_Check.h"
+#include "Tools/Qsb/Cmd_Export.h"
 #include "Tools/Qsb/Cmd_Import.h"
 #include "Tools/Qsb/Cmd_Info.h"
 #include "Tools/Qsb/Cmd_Render.h"
@@ -45,6 +46,7 @@ int main(int argc, char** argv)
     Tool::AddInfo(app, action);
     Tool::AddCheck(app, action);
     Tool::AddImport(app, action);
+    Tool::AddExport(app, action);
     Tool::AddRender(app, action);
     Tool::AddSynth(app, action);
 
