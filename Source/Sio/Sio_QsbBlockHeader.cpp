@@ -29,12 +29,6 @@ using namespace QsbFormat;
 /// Elements of one block that are reported one by one when they cannot be made.
 constexpr unsigned s_nReportedElements = 4;
 
-/// Tags 101 to 104 name the kinds from intensity to colour, each the double of the one before.
-std::uint32_t KindOfTag(std::uint32_t tag)
-{
-    return std::uint32_t{PD_POSITION} << (tag - s_uiTagPosition);
-}
-
 bool TagOfKind(std::uint32_t kind, std::uint32_t& tag)
 {
     if (!std::has_single_bit(kind) || kind > PD_COLOR) return false;
@@ -74,8 +68,26 @@ private:
     std::vector<std::unique_ptr<PointDefinitionI>> m_vecElements;
 };
 
-/// Takes the value of a tag from 2 to 26.
-void TakeInfo(const QsbHeaderEntryC& entry, QsbScanInfoC& info)
+/// The number of points of a block whose data area has room for `ullRoom`. False when it claims more.
+bool CountPoints(const QsbBlockC& block, std::uint64_t ullRoom, std::uint64_t& ullPoints)
+{
+    ullPoints = ullRoom;
+    if (block.GetId() != s_uiCountedPointCloudId) return true;
+    const QsbHeaderEntryC* entry = block.FindEntry(s_uiTagPointCount);
+    if (entry == nullptr) return true;
+    ullPoints = PointCountOf(*entry);
+    return ullPoints <= ullRoom;
+}
+
+} // namespace
+
+std::uint32_t KindOfTag(std::uint32_t tag)
+{
+    // Each kind is the double of the one before.
+    return std::uint32_t{PD_POSITION} << (tag - s_uiTagPosition);
+}
+
+void TakeHeaderValue(const QsbHeaderEntryC& entry, QsbScanInfoC& info)
 {
     const std::uint32_t tag = entry.GetTag();
     if (tag >= s_uiTagBoxMinX && tag < s_uiTagBoxMaxX) {
@@ -92,7 +104,6 @@ void TakeInfo(const QsbHeaderEntryC& entry, QsbScanInfoC& info)
     }
 }
 
-/// The point count of an entry, by its type code; other type codes count as none.
 std::uint64_t PointCountOf(const QsbHeaderEntryC& entry)
 {
     switch (entry.GetType()) {
@@ -107,19 +118,6 @@ std::uint64_t PointCountOf(const QsbHeaderEntryC& entry)
         return 0;
     }
 }
-
-/// The number of points of a block whose data area has room for `ullRoom`. False when it claims more.
-bool CountPoints(const QsbBlockC& block, std::uint64_t ullRoom, std::uint64_t& ullPoints)
-{
-    ullPoints = ullRoom;
-    if (block.GetId() != s_uiCountedPointCloudId) return true;
-    const QsbHeaderEntryC* entry = block.FindEntry(s_uiTagPointCount);
-    if (entry == nullptr) return true;
-    ullPoints = PointCountOf(*entry);
-    return ullPoints <= ullRoom;
-}
-
-} // namespace
 
 bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, QsbStrategyDataC& data)
 {
@@ -139,7 +137,7 @@ bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, Qsb
         if (tag > s_uiTagPosition) {
             collector.Add(KindOfTag(tag), entry.GetType());
         } else {
-            TakeInfo(entry, data.m_oInfo);
+            TakeHeaderValue(entry, data.m_oInfo);
         }
     }
     collector.MoveTo(data.m_oPointDefinition);

@@ -11,9 +11,19 @@ namespace SIO {
 
 class PointDefinitionContainerI;
 class QsbBlockC;
+class QsbHeaderEntryC;
 class QsbStrategyDataC;
 struct QsbBoundingBoxC;
 struct QsbScanInfoC;
+
+/// The kind of element (PointDataKindT) that one of the tags 100 to 104 stands for.
+std::uint32_t KindOfTag(std::uint32_t tag);
+
+/// Takes the value of an entry with a tag from 2 to 26 into `info`; other entries change nothing.
+void TakeHeaderValue(const QsbHeaderEntryC& entry, QsbScanInfoC& info);
+
+/// The number of points that an entry states, by its type code; other type codes state none.
+std::uint64_t PointCountOf(const QsbHeaderEntryC& entry);
 
 /// Fills `data` from the header of `block`. `bApplyTransformation` chooses between position elements that map
 /// positions and raw ones. False when a tag is above the largest there is, the position has an unknown

@@ -51,8 +51,9 @@ bool DbgLogFileC::append(std::string_view text)
     if (directory.empty()) return false;
     const std::wstring path = HAL::JoinPath(directory, m_name);
     if (m_limitBytes != 0 && text.size() > m_limitBytes) text = text.substr(0, m_limitBytes);
-    // A directory that is missing, or was taken away, is made when a file cannot be opened in it.
-    StreamPtr stream(makeRoom(path, text.size()) ? HAL::OpenStream(path, "ab") : nullptr);
+    if (!makeRoom(path, text.size())) return false;
+    StreamPtr stream(HAL::OpenStream(path, "ab"));
+    // The directory may be missing yet, or have been taken away.
     if (!stream && HAL::MakePrivateDirectory(directory)) stream.reset(HAL::OpenStream(path, "ab"));
     return stream && WriteAndClose(std::move(stream), text);
 }
@@ -67,7 +68,7 @@ bool DbgLogFileC::flush()
     return stream && HAL::SyncStream(stream.get());
 }
 
-// True when `bytes` more fit; otherwise the file becomes the older one first.
+// True when `bytes` more fit, if need be after the file has become the older one.
 bool DbgLogFileC::makeRoom(const std::wstring& path, std::uint64_t bytes) const
 {
     if (m_limitBytes == 0) return true;

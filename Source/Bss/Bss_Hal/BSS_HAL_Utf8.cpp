@@ -72,6 +72,17 @@ std::size_t DecodeUtf8(const char* begin, const char* end, char32_t& character) 
     return lead.length;
 }
 
+std::size_t DecodeWide(const wchar_t* begin, const wchar_t* end, char32_t& character) noexcept
+{
+    if (begin == end) return 0;
+    character = static_cast<char32_t>(begin[0]);
+    if (sizeof(wchar_t) != 2 || !IsHighSurrogate(character) || end - begin < 2) return 1;
+    const auto low = static_cast<char32_t>(begin[1]);
+    if (!IsLowSurrogate(low)) return 1;
+    character = 0x10000 + ((character - 0xD800) << 10) + (low - 0xDC00);
+    return 2;
+}
+
 bool IsUtf8(std::string_view text) noexcept
 {
     const char* at = text.data();
@@ -109,14 +120,12 @@ void AppendUtf8(std::string& text, char32_t character)
 
 void AppendWide(std::wstring& text, char32_t character)
 {
-    if constexpr (sizeof(wchar_t) == 2) {
-        if (character >= 0x10000) {
-            text.push_back(static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10)));
-            text.push_back(static_cast<wchar_t>(0xDC00 + ((character - 0x10000) & 0x3FF)));
-            return;
-        }
+    if (sizeof(wchar_t) == 2 && character >= 0x10000) {
+        text.push_back(static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10)));
+        text.push_back(static_cast<wchar_t>(0xDC00 + ((character - 0x10000) & 0x3FF)));
+    } else {
+        text.push_back(static_cast<wchar_t>(character));
     }
-    text.push_back(static_cast<wchar_t>(character));
 }
 
 std::wstring WideFromUtf8(std::string_view text)
@@ -142,15 +151,11 @@ std::string Utf8FromWide(std::wstring_view text)
 {
     std::string narrow;
     narrow.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        auto character = static_cast<char32_t>(text[i]);
-        if constexpr (sizeof(wchar_t) == 2) {
-            if (IsHighSurrogate(character) && i + 1 < text.size() &&
-                IsLowSurrogate(static_cast<char32_t>(text[i + 1]))) {
-                const auto low = static_cast<char32_t>(text[++i]);
-                character = 0x10000 + ((character - 0xD800) << 10) + (low - 0xDC00);
-            }
-        }
+    const wchar_t* at = text.data();
+    const wchar_t* const end = at + text.size();
+    while (at != end) {
+        char32_t character = 0;
+        at += DecodeWide(at, end, character);
         AppendUtf8(narrow, character);
     }
     return narrow;

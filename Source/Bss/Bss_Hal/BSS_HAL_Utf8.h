@@ -18,6 +18,10 @@ namespace BSS::HAL {
 /// there.
 std::size_t DecodeUtf8(const char* begin, const char* end, char32_t& character) noexcept;
 
+/// Reads the character at `begin`, a lone surrogate as itself. Returns its length in wide units, 0 at the
+/// end.
+std::size_t DecodeWide(const wchar_t* begin, const wchar_t* end, char32_t& character) noexcept;
+
 /// True when all of `text` is valid UTF-8.
 bool IsUtf8(std::string_view text) noexcept;
 

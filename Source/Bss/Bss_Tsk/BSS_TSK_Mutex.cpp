@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The lock word: bit 31 is set while the mutex is held; bits 0 to 19 count the threads that wait; bits 20 to
-// 30 count the threads that have released it and have yet to signal the event. The last count is what lets
-// the destructor wait for those: a woken thread may take, release and destroy the mutex before they are done
-// with it.
+// The lock word: bit 31 is set while the mutex is held; bits 0 to 19 count the threads that wait. Bit 30 says
+// that one of those has been woken and not yet looked: whoever unlocks meanwhile need not wake another. Bits
+// 20 to 29 count the threads that have released the mutex and have yet to signal the event; the destructor
+// waits for those, as a woken thread may take, release and destroy the mutex before they are done with it.
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
@@ -24,7 +24,8 @@ constexpr std::uint32_t LOCKED = 0x80000000u;
 constexpr std::uint32_t WAITER = 0x00000001u;
 constexpr std::uint32_t WAITERS = 0x000FFFFFu;
 constexpr std::uint32_t SIGNALLER = 0x00100000u;
-constexpr std::uint32_t SIGNALLERS = 0x7FF00000u;
+constexpr std::uint32_t SIGNALLERS = 0x3FF00000u;
+constexpr std::uint32_t WOKEN = 0x40000000u;
 
 constexpr int SPIN_ROUNDS =
     64; // about as long as a short critical section; longer only burns the owner's time
@@ -73,13 +74,14 @@ void MutexC::unlock()
     }
 }
 
-// Takes the mutex if it is free at this moment, and `giveBack` off the word with it.
-bool MutexC::TryAcquire(std::uint32_t giveBack) noexcept
+// Takes the mutex if it is free at this moment. A thread that is counted as waiting is so no longer then, and
+// the woken one, if there is one, is taken to be this one: at worst one more is woken than need be.
+bool MutexC::TryAcquire(Caller caller) noexcept
 {
     std::uint32_t word = m_lockWord.load(std::memory_order_relaxed);
     while ((word & LOCKED) == 0) {
-        const std::uint32_t wanted = (word - giveBack) | LOCKED;
-        if (m_lockWord.compare_exchange_weak(word, wanted, std::memory_order_acquire,
+        const std::uint32_t left = caller == Caller::Waiting ? (word - WAITER) & ~WOKEN : word;
+        if (m_lockWord.compare_exchange_weak(word, left | LOCKED, std::memory_order_acquire,
                                              std::memory_order_relaxed)) {
             return true;
         }
@@ -87,10 +89,10 @@ bool MutexC::TryAcquire(std::uint32_t giveBack) noexcept
     return false;
 }
 
-bool MutexC::SpinToAcquire() noexcept
+bool MutexC::SpinToAcquire(Caller caller) noexcept
 {
     for (int round = 0; round < SPIN_ROUNDS; ++round) {
-        if (TryAcquire(0)) return true;
+        if (TryAcquire(caller)) return true;
         HAL::SpinPause();
     }
     return false;
@@ -98,25 +100,31 @@ bool MutexC::SpinToAcquire() noexcept
 
 void MutexC::AcquireSlowly()
 {
-    if (SpinToAcquire()) return;
+    if (SpinToAcquire(Caller::New)) return;
     // The event comes first: whoever sees the waiter in the word finds the event. Release pairs with the
     // acquire load in Release.
     HAL::WakeEvent* const event = Event();
     m_lockWord.fetch_add(WAITER, std::memory_order_release);
-    while (!TryAcquire(WAITER))
-        HAL::AwaitWakeEvent(event);
+    while (!SpinToAcquire(Caller::Waiting)) {
+        // Nobody counts as woken from here on. If the mutex is held at this moment, its owner will see that
+        // and wake a thread; if it is not, nobody might, and going to sleep would be for ever.
+        if ((m_lockWord.fetch_and(~WOKEN, std::memory_order_relaxed) & LOCKED) != 0)
+            HAL::AwaitWakeEvent(event);
+    }
 }
 
 // Frees a word that holds more than the locked bit.
 void MutexC::Release() noexcept
 {
     std::uint32_t word = m_lockWord.load(std::memory_order_relaxed);
+    bool wake = false;
     std::uint32_t released = 0;
     do {
-        released = (word & ~LOCKED) + ((word & WAITERS) != 0 ? SIGNALLER : 0);
+        wake = (word & WAITERS) != 0 && (word & WOKEN) == 0;
+        released = (word & ~LOCKED) + (wake ? WOKEN + SIGNALLER : 0);
     } while (!m_lockWord.compare_exchange_weak(word, released, std::memory_order_acq_rel,
                                                std::memory_order_relaxed));
-    if ((word & WAITERS) == 0) return;
+    if (!wake) return;
     HAL::SignalWakeEvent(m_event.load(std::memory_order_acquire));
     m_lockWord.fetch_sub(SIGNALLER, std::memory_order_release);
 }

@@ -35,8 +35,14 @@ public:
     ~MutexC() override;
 
 private:
-    bool TryAcquire(std::uint32_t giveBack) noexcept;
-    bool SpinToAcquire() noexcept;
+    enum class Caller
+    {
+        New,
+        Waiting
+    };
+
+    bool TryAcquire(Caller caller) noexcept;
+    bool SpinToAcquire(Caller caller) noexcept;
     void AcquireSlowly();
     void Release() noexcept;
     HAL::WakeEvent* Event();

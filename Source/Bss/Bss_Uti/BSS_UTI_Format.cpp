@@ -32,13 +32,13 @@ std::size_t BoundedLength(const TextT* text, std::size_t most) noexcept
 std::string NarrowOf(std::wstring_view text, std::size_t most)
 {
     std::string narrow;
-    for (const wchar_t& unit : text) {
-        const std::size_t left = text.size() - static_cast<std::size_t>(&unit - text.data());
-        const bool pair = sizeof(wchar_t) == 2 && (unit & 0xFC00) == 0xD800 && left > 1;
-        const bool second = sizeof(wchar_t) == 2 && (unit & 0xFC00) == 0xDC00 && left < text.size() &&
-                            ((&unit)[-1] & 0xFC00) == 0xD800;
-        if (second) continue;
-        const std::string character = HAL::Utf8FromWide(std::wstring_view(&unit, pair ? 2 : 1));
+    const wchar_t* at = text.data();
+    const wchar_t* const end = at + text.size();
+    while (at != end) {
+        char32_t value = 0;
+        at += HAL::DecodeWide(at, end, value);
+        std::string character;
+        HAL::AppendUtf8(character, value);
         if (narrow.size() + character.size() > most) break;
         narrow += character;
     }

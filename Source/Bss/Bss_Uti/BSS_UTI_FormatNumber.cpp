@@ -8,7 +8,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 
 namespace BSS::UTI {
 
@@ -41,12 +40,23 @@ void KeepPoint(std::string& digits)
         digits.insert(std::min(digits.find_first_of("ep"), digits.size()), 1, '.');
 }
 
+// The power of ten in "1.5e+04".
+int ExponentOf(const std::string& scientific)
+{
+    std::size_t at = scientific.find('e') + 1;
+    if (scientific[at] == '+') ++at;
+    int exponent = 0;
+    static_cast<void>(
+        std::from_chars(scientific.data() + at, scientific.data() + scientific.size(), exponent));
+    return exponent;
+}
+
 // "%#g" keeps its zeros, which the general style does not; the exponent decides between the other two styles.
 std::string GeneralWithZeros(double value, int precision)
 {
     const int digits = std::max(precision, 1);
     const std::string scientific = Digits(value, std::chars_format::scientific, digits - 1);
-    const int exponent = std::atoi(scientific.c_str() + scientific.find('e') + 1);
+    const int exponent = ExponentOf(scientific);
     const bool fixed = exponent >= -4 && exponent < digits;
     return fixed ? Digits(value, std::chars_format::fixed, digits - 1 - exponent) : scientific;
 }

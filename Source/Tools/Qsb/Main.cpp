@@ -3,7 +3,13 @@
 //
 // The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout
 // carries a verb's result alone; messages go to stderr.
+#include "Tools/Qsb/Cmd_Check.h"
+#include "Tools/Qsb/Cmd_Import.h"
+#include "Tools/Qsb/Cmd_Info.h"
+#include "Tools/Qsb/Cmd_Render.h"
+#include "Tools/Qsb/Cmd_Synth.h"
 #include "Tools/Qsb/Tool_Error.h"
+#include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/Qsb/Tool_Verb.h"
 
 #include <CLI/CLI.hpp>
@@ -36,11 +42,17 @@ int main(int argc, char** argv)
     CLI::App app{"Looks at, checks, makes and converts QSB scan files.", "qsb"};
     app.require_subcommand(1);
     Tool::VerbActionT action;
+    Tool::AddInfo(app, action);
+    Tool::AddCheck(app, action);
+    Tool::AddImport(app, action);
+    Tool::AddRender(app, action);
+    Tool::AddSynth(app, action);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? Tool::s_iDone : Tool::s_iUsage;
     }
+    Tool::CatchInterrupts();
     return Run(action);
 }

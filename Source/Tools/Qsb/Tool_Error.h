@@ -16,6 +16,7 @@ enum ExitCodeT : int
     s_iFailed = 1,  ///< a file could not be read or written, or loss was refused
     s_iUsage = 2,   ///< the command line makes no sense
     s_iDamaged = 3, ///< an input file is damaged
+    s_iInterrupted = 130, ///< Ctrl-C or a termination signal, as shells report it
 };
 
 class ToolErrorC : public std::runtime_error

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Header entries, block records and the list of blocks, in memory.
+#include "Sio/Sio_QsbBlock.h"
+
+#include "Support/QsbBytes.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using SIO::QsbBlockC;
+using SIO::QsbBlockListC;
+using SIO::QsbHeaderEntryC;
+
+Support::BytesT BytesOf(const QsbHeaderEntryC& entry)
+{
+    return {entry.GetBytes(), entry.GetBytes() + 16};
+}
+
+TEST(QsbHeaderEntry, AThirtyTwoBitValueIsFollowedByFourZeroBytes)
+{
+    const auto entry = QsbHeaderEntryC::FromUInt32(7, 24, 0xA1B2C3D4);
+    EXPECT_EQ(BytesOf(entry), Support::Bytes(7, 24, std::uint64_t{0xA1B2C3D4}));
+    EXPECT_EQ(entry.GetType(), 7u);
+    EXPECT_EQ(entry.GetTag(), 24u);
+    EXPECT_EQ(entry.AsByte(), 0xD4);
+    EXPECT_EQ(entry.AsUInt32(), 0xA1B2C3D4u);
+    EXPECT_EQ(entry.AsUInt64(), 0xA1B2C3D4u);
+}
+
+TEST(QsbHeaderEntry, ADoubleHasTypeCodeNine)
+{
+    const auto entry = QsbHeaderEntryC::FromDouble(26, -1.5);
+    EXPECT_EQ(BytesOf(entry), Support::Bytes(9, 26, -1.5));
+    EXPECT_EQ(entry.AsDouble(), -1.5);
+}
+
+TEST(QsbHeaderEntry, ReplacingAValueKeepsTypeAndTag)
+{
+    auto entry = QsbHeaderEntryC::FromUInt32(1, 1, 0xFFFFFFFF);
+    entry.SetByte(5);
+    EXPECT_EQ(BytesOf(entry), Support::Bytes(1, 1, std::uint64_t{0xFFFFFF05}));
+    entry.SetUInt64(0x0102030405060708);
+    EXPECT_EQ(BytesOf(entry), Support::Bytes(1, 1, std::uint64_t{0x0102030405060708}));
+    entry.SetUInt32(9);
+    EXPECT_EQ(BytesOf(entry), Support::Bytes(1, 1, std::uint64_t{0x0102030400000009}));
+    entry.SetDouble(2.0);
+    EXPECT_EQ(BytesOf(entry), Support::Bytes(1, 1, 2.0));
+}
+
+TEST(QsbBlock, ANewBlockIsNeitherSealedNorDirtyAndEmpty)
+{
+    QsbBlockListC blocks;
+    const QsbBlockC& block = blocks.AppendNew(100, 7);
+    EXPECT_FALSE(block.IsSealed());
+    EXPECT_FALSE(block.IsHeaderDirty());
+    EXPECT_EQ(block.GetOffset(), 100u);
+    EXPECT_EQ(block.GetHeaderBytes(), 0u);
+    EXPECT_EQ(block.GetDataBytes(), 0u);
+    EXPECT_EQ(block.GetEndOffset(), 112u);
+}
+
+TEST(QsbBlock, AddingAnEntryAddsSixteenToTheHeaderAndMarksItDirty)
+{
+    QsbBlockC block(100, 7, 0);
+    EXPECT_TRUE(block.AddEntry(QsbHeaderEntryC::FromUInt32(7, 24, 5)));
+    EXPECT_TRUE(block.AddEntry(QsbHeaderEntryC::FromUInt32(7, 24, 6)));
+    EXPECT_EQ(block.GetHeaderBytes(), 32u);
+    EXPECT_TRUE(block.IsHeaderDirty());
+    EXPECT_EQ(block.FindEntry(24)->AsUInt32(), 5u);
+    EXPECT_EQ(block.FindEntry(25), nullptr);
+}
+
+TEST(QsbBlock, ASealedBlockTakesNoEntry)
+{
+    QsbBlockC block(100, 7, 0);
+    block.SetSealed(true);
+    EXPECT_FALSE(block.AddEntry(QsbHeaderEntryC::FromUInt32(7, 24, 5)));
+    EXPECT_EQ(block.GetHeaderBytes(), 0u);
+    EXPECT_FALSE(block.IsHeaderDirty());
+}
+
+TEST(QsbBlock, ChangingAnEntryMarksTheHeaderDirtyAlsoWhenSealed)
+{
+    QsbBlockC block(100, 7, 0);
+    ASSERT_TRUE(block.AddEntry(QsbHeaderEntryC::FromUInt32(7, 24, 5)));
+    block.SetSealed(true);
+    block.SetHeaderDirty(false);
+    EXPECT_EQ(block.ChangeEntry(99), nullptr);
+    EXPECT_FALSE(block.IsHeaderDirty());
+    block.ChangeEntry(24)->SetUInt32(6);
+    EXPECT_TRUE(block.IsHeaderDirty());
+    EXPECT_EQ(block.FindEntry(24)->AsUInt32(), 6u);
+}
+
+TEST(QsbBlockList, EndOffsetsBeyond4GiBDoNotWrap)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendRead(0xFFFFFFFF0, 1, 0xFFFFFFFF, {}));
+    EXPECT_EQ(blocks.Last().GetEndOffset(), 0xFFFFFFFF0 + 12 + std::uint64_t{0xFFFFFFFF});
+}
+
+TEST(QsbBlockList, ARunOfEmptyBlocksIsOneRecordWithManyIndices)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendReadEmpty(0, 5, 1000000000000));
+    ASSERT_TRUE(blocks.AppendRead(12000000000000, 6, 3, {}));
+    EXPECT_EQ(blocks.GetCount(), 1000000000001u);
+    EXPECT_EQ(blocks.GetRecords().size(), 2u);
+    EXPECT_EQ(blocks.Get(999999999999)->GetId(), 5u);
+    EXPECT_EQ(blocks.Get(1000000000000)->GetId(), 6u);
+    EXPECT_EQ(blocks.Get(1000000000001), nullptr);
+    EXPECT_EQ(blocks.Find(6), 1000000000000);
+}
+
+TEST(QsbBlockList, BlocksWithHeaderOrDataOrAnotherIdentifierJoinNoRun)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendRead(0, 5, 0, {}));
+    ASSERT_TRUE(blocks.AppendRead(12, 5, 0, {}));
+    ASSERT_TRUE(blocks.AppendRead(24, 5, 7, {}));
+    ASSERT_TRUE(blocks.AppendRead(43, 5, 0, {}));
+    ASSERT_TRUE(blocks.AppendRead(55, 5, 0, {QsbHeaderEntryC()}));
+    ASSERT_TRUE(blocks.AppendRead(83, 5, 0, {}));
+    ASSERT_TRUE(blocks.AppendRead(95, 4, 0, {}));
+    EXPECT_EQ(blocks.GetRecords().size(), 6u);
+    EXPECT_EQ(blocks.GetCount(), 7u);
+}
+
+TEST(QsbBlockList, TheLastBlockOfARunCanGetARecordOfItsOwn)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendReadEmpty(100, 5, 10));
+    QsbBlockC& last = blocks.IsolateLast();
+    EXPECT_EQ(last.GetOffset(), 100u + 9 * 12);
+    EXPECT_TRUE(last.IsSealed());
+    EXPECT_EQ(blocks.GetCount(), 10u);
+    EXPECT_EQ(blocks.GetRecords().size(), 2u);
+    EXPECT_EQ(&blocks.IsolateLast(), &last);
+    EXPECT_EQ(blocks.Get(9), &last);
+    EXPECT_NE(blocks.Get(8), &last);
+}
+
+TEST(QsbBlockList, RemovingTheLastBlockShortensARunByOne)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendReadEmpty(100, 5, 3));
+    blocks.RemoveLast();
+    EXPECT_EQ(blocks.GetCount(), 2u);
+    EXPECT_EQ(blocks.Last().GetEndOffset(), 124u);
+    blocks.RemoveLast();
+    blocks.RemoveLast();
+    EXPECT_TRUE(blocks.IsEmpty());
+    EXPECT_EQ(blocks.Find(5), -1);
+}
+
+TEST(QsbBlockList, RefusesWhatWouldPassItsMemoryLimit)
+{
+    QsbBlockListC blocks;
+    constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16;
+    EXPECT_TRUE(blocks.HasRoomFor(entries - 3));
+    EXPECT_FALSE(blocks.HasRoomFor(entries - 2));
+    EXPECT_FALSE(blocks.HasRoomFor(entries));
+}
+
+TEST(QsbBlockList, WhatItHoldsCountsAgainstTheLimitUntilItIsRemovedOrCleared)
+{
+    QsbBlockListC blocks;
+    constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16 - 6;
+    EXPECT_TRUE(blocks.HasRoomFor(entries));
+    ASSERT_TRUE(blocks.AppendRead(0, 1, 0, SIO::QsbHeaderEntriesT(1000)));
+    EXPECT_FALSE(blocks.HasRoomFor(entries));
+    blocks.RemoveLast();
+    EXPECT_TRUE(blocks.HasRoomFor(entries));
+    ASSERT_TRUE(blocks.AppendRead(0, 1, 0, SIO::QsbHeaderEntriesT(1000)));
+    blocks.Clear();
+    EXPECT_TRUE(blocks.HasRoomFor(entries));
+}
+
+} // namespace
