@@ -7,8 +7,6 @@
 #include "Bss/Bss_Hal/BSS_HAL_Windows.h"
 
 #include <atomic>
-#include <cstdio>
-#include <io.h>
 
 namespace BSS::HAL {
 
@@ -26,7 +24,9 @@ BOOL WINAPI OnInterrupt(DWORD)
 
 bool StderrIsTerminal() noexcept
 {
-    return _isatty(_fileno(stderr)) != 0;
+    // The runtime's own question takes the null device for a terminal.
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
 }
 
 void InstallInterruptFlag() noexcept
