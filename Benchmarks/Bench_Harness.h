@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// How everything here is measured: the candidates of one comparison run in turn, again and again, so that a machine
-// whose speed drifts treats them alike; what is told is the median, the spread, and the ratio of medians.
+// How everything here is measured: the candidates of one comparison run in turn, again and again, so that a
+// machine whose speed drifts treats them alike. What is told is the median, the spread, and ratios of
+// medians. Next to the time on the clock stands the processor time of the thread, which other work on the
+// machine disturbs less; for what one thread does with files in memory the two are the same on a machine that
+// has nothing else to do.
 #pragma once
 
-#include <algorithm>
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -15,32 +16,39 @@ namespace Bench {
 
 struct CandidateT
 {
-    std::string name;
+    std::string strName;
     std::function<void()> run;
-    std::vector<double> seconds = {};
-
-    double Median() const
-    {
-        std::vector<double> sorted = seconds;
-        std::sort(sorted.begin(), sorted.end());
-        return sorted[sorted.size() / 2];
-    }
-    double Min() const { return *std::min_element(seconds.begin(), seconds.end()); }
-    double Max() const { return *std::max_element(seconds.begin(), seconds.end()); }
+    /// What must happen after each run and is not measured.
+    std::function<void()> after = {};
+    std::vector<double> vecClockSeconds = {};
+    std::vector<double> vecThreadSeconds = {};
 };
 
+double MedianOf(std::vector<double> values);
+double ClockSeconds();
+double ThreadSeconds();
+
 /// Runs every candidate once to warm up and then `nRounds` times, interleaved.
-inline void RunInterleaved(std::vector<CandidateT>& candidates, int nRounds)
+void RunInterleaved(std::vector<CandidateT>& candidates, int nRounds);
+
+/// Prints a table of the candidates: how much of `unit` each does in a second (amount / seconds / scale), and
+/// how it compares with the candidates named by `references`.
+void PrintRates(const std::vector<CandidateT>& candidates, double dAmount, const char* pszUnit,
+                const std::vector<std::size_t>& references);
+
+/// Prints a table of the candidates' times in milliseconds, and how many times as long as the first one each
+/// takes.
+void PrintTimes(const std::vector<CandidateT>& candidates);
+
+/// Keeps a result from being optimised away.
+void Use(double dValue);
+
+/// What a case is given.
+struct OptionsT
 {
-    for (CandidateT& candidate : candidates) candidate.run();
-    for (int i = 0; i < nRounds; ++i) {
-        for (CandidateT& candidate : candidates) {
-            const auto begin = std::chrono::steady_clock::now();
-            candidate.run();
-            const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
-            candidate.seconds.push_back(elapsed.count());
-        }
-    }
-}
+    int nRounds = 9;
+    std::string strDirectory = "/tmp"; ///< for the files that are read and written
+    std::string strProgram;            ///< this program, for children
+};
 
 } // namespace Bench

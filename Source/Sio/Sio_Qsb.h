@@ -11,6 +11,7 @@
 #include "Sio/Sio_QsbBlock.h"
 #include "Sio/Sio_StreamWindow.h"
 
+#include <boost/filesystem/path.hpp>
 #include <cstdio>
 
 namespace SIO {
@@ -97,6 +98,8 @@ private:
     std::int64_t ChooseBlock(std::int64_t llBlockIndex) const noexcept;
     bool WriteHead(const QsbBlockC& block, std::uint32_t uiHeaderBytes, std::uint32_t uiDataBytes);
     bool CreateBlockToWrite(QsbStrategyC& strategy);
+    QsbBlockC* IsolateLastBlock() noexcept;
+    bool DropLastBlockAndReopen(const boost::filesystem::path& path);
     bool EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& definition,
                     QsbPointSourceI& source, std::uint32_t uiPoints);
     QsbBlockC* BlockOf(const QsbStrategyDataC& data) noexcept;

@@ -41,9 +41,9 @@ public:
         __m128d zw = _mm_add_pd(_mm_mul_pd(m_aZW[0], x), _mm_mul_pd(m_aZW[1], y));
         xy = _mm_add_pd(_mm_add_pd(xy, _mm_mul_pd(m_aXY[2], z)), m_aXY[3]);
         zw = _mm_add_pd(_mm_add_pd(zw, _mm_mul_pd(m_aZW[2], z)), m_aZW[3]);
-        const __m128d w = _mm_unpackhi_pd(zw, zw);
         // Dividing by exactly 1 changes nothing, so it is left out; it is the rule for rigid matrices.
-        if (!_mm_ucomieq_sd(w, _mm_set_sd(1.0))) {
+        if ((_mm_movemask_pd(_mm_cmpeq_pd(zw, _mm_set1_pd(1.0))) & 2) == 0) {
+            const __m128d w = _mm_unpackhi_pd(zw, zw);
             xy = _mm_div_pd(xy, w);
             zw = _mm_div_pd(zw, w);
         }

@@ -93,10 +93,15 @@ bool QsbC::IsLastBlock(std::int64_t llBlockIndex) const noexcept
 std::int64_t QsbC::AppendBlock(std::uint32_t uiId)
 {
     if (m_pStream == nullptr || m_oBlocks.IsEmpty()) return -1;
-    const std::uint64_t ullOffset = m_oBlocks.Last().GetEndOffset();
+    QsbBlockC& previous = m_oBlocks.Last();
+    const std::uint64_t ullOffset = previous.GetEndOffset();
     if (!WriteHead(QsbBlockC(ullOffset, uiId, 0), 0, 0)) return -1;
-    m_oBlocks.Last().SetSealed(true);
-    m_oBlocks.AppendNew(ullOffset, uiId);
+    try {
+        m_oBlocks.AppendNew(ullOffset, uiId);
+    } catch (const std::bad_alloc&) {
+        return -1;
+    }
+    previous.SetSealed(true);
     return static_cast<std::int64_t>(m_oBlocks.GetCount()) - 1;
 }
 
@@ -107,7 +112,8 @@ bool QsbC::WriteBytesIntoBlock(std::int64_t llBlockIndex, std::uint64_t ullPosit
     QsbBlockC* block = m_oBlocks.Get(static_cast<std::uint64_t>(llBlockIndex));
     if (block == nullptr) return false;
     const bool bLast = IsLastBlock(llBlockIndex);
-    if (bLast) block = &m_oBlocks.IsolateLast();
+    if (bLast) block = IsolateLastBlock();
+    if (block == nullptr) return false;
     block->SetSealed(true);
     const std::uint64_t ullLimit = bLast ? QsbFormat::s_ullMaxDataBytes : block->GetDataBytes();
     if (ullPosition > ullLimit || ullBytes > ullLimit - ullPosition) return false;
@@ -119,6 +125,15 @@ bool QsbC::WriteBytesIntoBlock(std::int64_t llBlockIndex, std::uint64_t ullPosit
         block->SetHeaderDirty(true); // The size on disk is now too small, also for a block that was read.
     }
     return true;
+}
+
+QsbBlockC* QsbC::IsolateLastBlock() noexcept
+{
+    try {
+        return &m_oBlocks.IsolateLast();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 bool QsbC::RewriteBlockHeader(std::int64_t llBlockIndex)
@@ -147,6 +162,15 @@ bool QsbC::SetBoundingBox(StrategyI& strategy, const QsbBoundingBoxC& box)
 bool QsbC::DropLastBlock()
 {
     if (!m_bWrite || m_oBlocks.GetCount() < 2 || m_pStream == nullptr) return false;
+    try {
+        return DropLastBlockAndReopen(Hal::FilesystemPath(m_strPath));
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+bool QsbC::DropLastBlockAndReopen(const boost::filesystem::path& path)
+{
     m_oBlocks.RemoveLast();
     QsbBlockC& last = m_oBlocks.IsolateLast();
     last.SetSealed(false);
@@ -156,7 +180,7 @@ bool QsbC::DropLastBlock()
     // This length and the mode below are the operation's contract, destructive as they are.
     const std::uint64_t ullLength = last.GetOffset() + last.GetHeaderBytes() + last.GetDataBytes();
     boost::system::error_code error;
-    boost::filesystem::resize_file(Hal::FilesystemPath(m_strPath), ullLength, error);
+    boost::filesystem::resize_file(path, ullLength, error);
     m_pStream = Hal::OpenStream(m_strPath, "w+b");
     m_oWindow.Attach(m_pStream);
     return m_pStream != nullptr;
@@ -204,9 +228,20 @@ bool QsbC::CreateBlockToWrite(QsbStrategyC& strategy)
     PointDefinitionContainerI* definition = strategy.GetPointDefinition();
     const std::int64_t llIndex = AppendBlock(strategy.GetWriteBlockId());
     if (llIndex < 0) return false;
-    if (!AddBlockHeader(m_oBlocks.Last(), strategy.WriteInfo(), definition)) return false;
-    auto data = std::make_unique<QsbStrategyDataC>(m_ullSession, llIndex);
-    if (!InterpretBlockHeader(m_oBlocks.Last(), true, *data)) return false;
+    std::unique_ptr<QsbStrategyDataC> data;
+    try {
+        if (AddBlockHeader(m_oBlocks.Last(), strategy.WriteInfo(), definition)) {
+            data = std::make_unique<QsbStrategyDataC>(m_ullSession, llIndex);
+            if (!InterpretBlockHeader(m_oBlocks.Last(), true, *data)) data.reset();
+        }
+    } catch (const std::bad_alloc&) {
+        data.reset();
+    }
+    if (data == nullptr) {
+        // A block left half made would be found before the one that a second try makes.
+        m_oBlocks.RemoveLast();
+        return false;
+    }
     // From here on the strategy uses the block's own definition, so the caller's may go.
     strategy.SetData(std::move(data));
     return true;

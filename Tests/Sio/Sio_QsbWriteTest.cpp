@@ -67,7 +67,7 @@ TEST_F(QsbWrite, UntilCloseTheFileHeaderOnDiskIsAHeadWithSizesOfZero)
 {
     Create();
     EXPECT_EQ(scan.container.AppendBlock(1), 1); // moves the stream, so what came before is on disk
-    EXPECT_EQ(File(), Bytes(0x12879054, 0, 0));
+    EXPECT_EQ(Support::Slice(File(), 0, 12), Bytes(0x12879054, 0, 0));
 }
 
 TEST_F(QsbWrite, OpeningForWritingOnlyEmptiesTheFileThatIsThere)
@@ -411,7 +411,7 @@ TEST_F(QsbWrite, RewritingAHeaderClearsItsDirtyMark)
     EXPECT_TRUE(scan.container.RewriteBlockHeader(0));
     EXPECT_FALSE(Block(0).IsHeaderDirty());
     EXPECT_EQ(scan.container.AppendBlock(1), 1);
-    EXPECT_EQ(File(), QsbBytes().Get());
+    EXPECT_EQ(Support::Slice(File(), 0, 28), QsbBytes().Get());
 }
 
 TEST_F(QsbWrite, RewritingTheHeaderOfNoBlockOrNoFileFails)

@@ -22,8 +22,8 @@ int main(int argc, char** argv)
         directory = std::make_unique<const Support::TemporaryDirectory>();
         Support::SetEnvironment("SCANREADER_TEST_RUN", directory->Narrow(""));
         Support::SetEnvironment("SCANREADER_LOG_DIR", directory->Narrow("log"));
-        Support::SetEnvironment("SCANREADER_CONFIG_DIR", directory->Narrow("config"));
     }
+    const Support::PrivateConfiguration configuration(*Support::GetEnvironment("SCANREADER_TEST_RUN") + "config");
     if (const auto seconds = Support::GetEnvironment("SCANREADER_TEST_SECONDS")) {
         // The list of listeners owns it.
         testing::UnitTest::GetInstance()->listeners().Append(

@@ -1,19 +1,18 @@
-/* SPDX-License-Identifier: MIT
- * Copyright (c) 2026 The ScanReader developers
- *
- * The public interface of ScanReader: open a QSB file, ask what the scan holds, pull its points in batches.
- *
- *     Kry::ScanReader::QsbReader reader;
- *     if (reader.Open("scan.qsb") != 0) return Fail(reader.RetMsg());
- *     Kry::ScanReader::QsbReadIterator batch;
- *     std::uint64_t count = 0;
- *     while (reader.Read(batch, count) == 0 && count > 0)
- *         Use(batch.GetPoints(), count);
- *
- * Failures are told by return values, with a text in RetMsg(); nothing is thrown across this interface, and no type
- * of the standard library passes it. A reader and the iterators used with it belong to one thread at a time; distinct
- * readers with their own iterators are independent. Works with C++11 and later.
- */
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The public interface of ScanReader: open a QSB file, ask what the scan holds, pull its points in batches.
+//
+//     Kry::ScanReader::QsbReader reader;
+//     if (reader.Open("scan.qsb") != 0) return Fail(reader.RetMsg());
+//     Kry::ScanReader::QsbReadIterator batch;
+//     std::uint64_t count = 0;
+//     while (reader.Read(batch, count) == 0 && count > 0)
+//         Use(batch.GetPoints(), count);
+//
+// Failures are told by return values, with a text in RetMsg(); nothing is thrown across this interface, and no type
+// of the standard library passes it. A reader and the iterators used with it belong to one thread at a time; distinct
+// readers with their own iterators are independent. Works with C++11 and later.
 #ifndef SCANREADER_QSBREADER_H
 #define SCANREADER_QSBREADER_H
 

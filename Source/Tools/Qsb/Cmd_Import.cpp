@@ -9,6 +9,7 @@
 #include "Tools/Qsb/Tool_Encodings.h"
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
+#include "Tools/Qsb/Tool_Numerals.h"
 #include "Tools/Qsb/Tool_OpenSource.h"
 #include "Tools/Qsb/Tool_OutputFile.h"
 #include "Tools/Qsb/Tool_Progress.h"
@@ -16,6 +17,7 @@
 #include "Tools/Qsb/Tool_ScanWriter.h"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <fmt/format.h>
 #include <memory>
 
@@ -62,7 +64,8 @@ ImportChoicesC ChoicesOf(const ImportOptionsC& options)
     return choices;
 }
 
-ConversionReportC ReportOf(const ImportOptionsC& options, const PointSourceI& source, const ScanImportC& import)
+ConversionReportC ReportOf(const ImportOptionsC& options, const PointSourceI& source,
+                           const ScanImportC& import)
 {
     ConversionReportC report("import", options.oCommon.strInput, options.oCommon.strOutput);
     report.SetPoints(source.GetNumberOfPoints(), source.GetNumberOfPoints());
@@ -73,15 +76,17 @@ ConversionReportC ReportOf(const ImportOptionsC& options, const PointSourceI& so
 void CheckRoom(const ImportOptionsC& options, std::uint64_t ullPoints, std::uint64_t ullMost)
 {
     if (ullPoints <= ullMost) return;
-    throw ToolErrorC(s_iFailed,
-                     fmt::format("{}: {} points do not fit a scan file, which holds {} of this kind; smaller encodings "
-                                 "or fewer elements make room for more",
-                                 options.oCommon.strInput, ullPoints, ullMost));
+    throw ToolErrorC(
+        s_iFailed,
+        fmt::format("{}: {} points do not fit a scan file, which holds {} of this kind; smaller encodings "
+                    "or fewer elements make room for more",
+                    options.oCommon.strInput, ullPoints, ullMost));
 }
 
 int Import(const ImportOptionsC& options)
 {
-    OutputFileC output(options.oCommon.strOutput, options.oCommon.bOverwrite, SourceFiles(options.oCommon.strInput));
+    OutputFileC output(options.oCommon.strOutput, options.oCommon.bOverwrite,
+                       SourceFiles(options.oCommon.strInput));
     const std::unique_ptr<PointSourceI> poSource = OpenSource(options.oCommon.strInput);
     // The work is counted twice, since the source may be read once more for a first look.
     ProgressC progress("importing", 2 * poSource->GetNumberOfPoints(), options.oCommon.bQuiet);
@@ -107,6 +112,14 @@ int Import(const ImportOptionsC& options)
     return s_iDone;
 }
 
+/// A check of an option's text; the library's own lets NaN pass.
+std::string CheckPositive(const std::string& text)
+{
+    const auto oNumber = ParseNumber(text, NumberTypeT::Double);
+    const bool bPositive = oNumber && *oNumber > 0.0 && std::isfinite(*oNumber);
+    return bPositive ? "" : fmt::format("{} is not a number above 0", text);
+}
+
 void AddEncodingOption(CLI::App& verb, const std::string& name, std::string& value, SIO::PointDataKindT eKind,
                        const std::string& what)
 {
@@ -121,18 +134,22 @@ void AddImport(CLI::App& app, VerbActionT& action)
 {
     auto options = std::make_shared<ImportOptionsC>();
     CLI::App& verb = *app.add_subcommand("import", "Make a scan file from a PLY file or the raw form");
-    verb.add_option("IN", options->oCommon.strInput, "PLY file, or .json or .bin of the raw form")->required();
+    verb.add_option("IN", options->oCommon.strInput, "PLY file, or .json or .bin of the raw form")
+        ->required();
     verb.add_option("OUT", options->oCommon.strOutput, "Scan file to write")->required();
     AddEncodingOption(verb, "--position", options->strPosition, SIO::PD_POSITION, "Encoding of positions");
-    AddEncodingOption(verb, "--intensity", options->strIntensity, SIO::PD_INTENSITY, "Encoding of intensities");
-    AddEncodingOption(verb, "--noise", options->strNoise, SIO::PD_LEVEL_OF_NOISE, "Encoding of levels of noise");
+    AddEncodingOption(verb, "--intensity", options->strIntensity, SIO::PD_INTENSITY,
+                      "Encoding of intensities");
+    AddEncodingOption(verb, "--noise", options->strNoise, SIO::PD_LEVEL_OF_NOISE,
+                      "Encoding of levels of noise");
     AddEncodingOption(verb, "--grid", options->strGrid, SIO::PD_GRID, "Encoding of grid indices");
     AddEncodingOption(verb, "--color", options->strColor, SIO::PD_COLOR, "Encoding of colours");
     verb.add_option("--intensity-scale", options->dIntensityScale, "Multiply intensities by this")
-        ->check(CLI::Range(1e-300, 1e300))
+        ->check(CheckPositive)
         ->capture_default_str();
-    verb.add_option("--color-max", options->dColorMax, "Value of full colour in the source; told by its values if not given")
-        ->check(CLI::Range(1e-300, 1e300));
+    verb.add_option("--color-max", options->dColorMax,
+                    "Value of full colour in the source; told by its values if not given")
+        ->check(CheckPositive);
     AddConversionFlags(verb, options->oCommon);
     verb.footer(s_szFooter);
     verb.callback([options, &action] { action = [options] { return Import(*options); }; });

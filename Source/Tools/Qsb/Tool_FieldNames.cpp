@@ -35,7 +35,8 @@ std::string Normalised(std::string_view name)
     for (char& c : text) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
-    if (text.size() > prefix.size() && text.compare(0, prefix.size(), prefix) == 0) text.erase(0, prefix.size());
+    if (text.size() > prefix.size() && text.compare(0, prefix.size(), prefix) == 0)
+        text.erase(0, prefix.size());
     return text;
 }
 
@@ -53,9 +54,11 @@ std::optional<std::size_t> Find(const std::vector<std::string>& fields, const Na
 FieldMapT MapFields(const std::vector<SourceFieldC>& fields)
 {
     std::vector<std::string> names;
-    for (const SourceFieldC& field : fields) names.push_back(Normalised(field.strName));
+    for (const SourceFieldC& field : fields)
+        names.push_back(Normalised(field.strName));
     FieldMapT map;
-    for (std::size_t i = 0; i < s_nScanValues; ++i) map[i] = Find(names, s_aNames[i]);
+    for (std::size_t i = 0; i < s_nScanValues; ++i)
+        map[i] = Find(names, s_aNames[i]);
     return map;
 }
 

@@ -11,7 +11,9 @@ namespace Tool {
 
 FileKindT FileKindOf(const std::string& path)
 {
-    const auto endsWith = [&](const char* end) { return boost::algorithm::iends_with(path, end, std::locale::classic()); };
+    const auto endsWith = [&](const char* end) {
+        return boost::algorithm::iends_with(path, end, std::locale::classic());
+    };
     if (endsWith(".ply")) return FileKindT::Ply;
     if (endsWith(".csv")) return FileKindT::Csv;
     return endsWith(".json") || endsWith(".bin") ? FileKindT::Raw : FileKindT::Unknown;

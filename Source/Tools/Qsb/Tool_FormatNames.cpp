@@ -6,6 +6,7 @@
 
 #include "Sio/SIO_QsbPointDefinition.h"
 #include "Sio/Sio_QsbFileFormat.h"
+#include "Tools/Qsb/Tool_Encodings.h"
 
 #include <fmt/format.h>
 
@@ -44,27 +45,18 @@ const char* NameOfKind(std::uint32_t uiKind)
     }
 }
 
-const char* NameOfEncoding(std::uint32_t uiTypeCode)
+std::string NameOfElement(std::uint32_t uiKind, std::uint32_t uiTypeCode)
 {
-    switch (uiTypeCode) {
-    case Format::s_uiTypeUInt8:
-        return "uint8";
-    case Format::s_uiTypeInt16:
-        return "int16";
-    case Format::s_uiTypeUInt16:
-        return "uint16";
-    case Format::s_uiTypeColor:
-        return "4 x uint8";
-    case Format::s_uiTypeFloat:
-        return "float";
-    case Format::s_uiTypeUInt16Pair:
-        return "2 x uint16";
-    case Format::s_uiTypeUInt32Pair:
-        return "2 x uint32";
-    case Format::s_uiTypeFloatTriple:
-        return "3 x float";
+    const std::string encoding = EncodingName(uiKind, uiTypeCode);
+    switch (uiKind) {
+    case SIO::PD_POSITION:
+        return "3 x " + encoding;
+    case SIO::PD_GRID:
+        return "2 x " + encoding;
+    case SIO::PD_COLOR:
+        return "4 x " + encoding;
     default:
-        return "3 x double";
+        return encoding;
     }
 }
 

@@ -16,8 +16,8 @@ const char* NameOfBlock(std::uint32_t uiId);
 /// "position", "intensity", "noise", "grid" or "color", for a kind of element.
 const char* NameOfKind(std::uint32_t uiKind);
 
-/// The encoding of an element, for example "3 x float".
-const char* NameOfEncoding(std::uint32_t uiTypeCode);
+/// The encoding of an element with how many numbers it has, for example "3 x float".
+std::string NameOfElement(std::uint32_t uiKind, std::uint32_t uiTypeCode);
 
 /// A format version as people write it: "2.0" for 0x00020000.
 std::string NameOfVersion(std::uint32_t uiVersion);

@@ -19,7 +19,10 @@ namespace {
 
 constexpr double s_dGreatestIndex = 4294967295.0;
 
-std::size_t IndexOf(ScanValueT eValue) { return static_cast<std::size_t>(eValue); }
+std::size_t IndexOf(ScanValueT eValue)
+{
+    return static_cast<std::size_t>(eValue);
+}
 
 std::uint32_t TypeCodeOf(SIO::PointDataKindT eKind, NumberTypeT eType)
 {
@@ -33,13 +36,15 @@ bool Within(const FieldSurveyC& survey, NumberTypeT eType)
 
 } // namespace
 
-ImportEncodingsC::ImportEncodingsC(PointSourceI& source, const ImportChoicesC& choices, const BatchDoneT& batchDone)
+ImportEncodingsC::ImportEncodingsC(PointSourceI& source, const ImportChoicesC& choices,
+                                   const BatchDoneT& batchDone)
     : m_oSource(source), m_oChoices(choices), m_aFields(MapFields(source.GetFields())),
       m_vecReasons(source.GetFields().size())
 {
     if (!Has(ScanValueT::X) || !Has(ScanValueT::Y) || !Has(ScanValueT::Z)) {
-        throw ToolErrorC(s_iDamaged,
-                         fmt::format("{}: the points have no positions; fields x, y and z are needed", source.GetName()));
+        throw ToolErrorC(
+            s_iDamaged,
+            fmt::format("{}: the points have no positions; fields x, y and z are needed", source.GetName()));
     }
     DropIncomplete({ScanValueT::Noise}, choices.bNoNoise, "");
     DropIncomplete({ScanValueT::Red, ScanValueT::Green, ScanValueT::Blue}, choices.bNoColor,
@@ -58,7 +63,8 @@ ImportEncodingsC::ImportEncodingsC(PointSourceI& source, const ImportChoicesC& c
 void ImportEncodingsC::DropIncomplete(std::initializer_list<ScanValueT> values, bool bUnwanted,
                                       const std::string& reason)
 {
-    const bool bAll = std::all_of(values.begin(), values.end(), [&](ScanValueT eValue) { return Has(eValue); });
+    const bool bAll =
+        std::all_of(values.begin(), values.end(), [&](ScanValueT eValue) { return Has(eValue); });
     if (bAll && !bUnwanted) return;
     for (const ScanValueT eValue : values) {
         auto& oField = m_aFields[IndexOf(eValue)];
@@ -77,16 +83,20 @@ bool ImportEncodingsC::NeedsSurvey(ScanValueT eValue) const
     if (!Has(eValue)) return false;
     const NumberTypeT eType = TypeOf(eValue);
     switch (eValue) {
-    case ScanValueT::Intensity: return !m_oChoices.oIntensity && !IsFloating(eType) && SizeOf(eType) > 2;
+    case ScanValueT::Intensity:
+        return !m_oChoices.oIntensity && !IsFloating(eType) && SizeOf(eType) > 2;
     case ScanValueT::Noise:
-        return !m_oChoices.oNoise && !IsFloating(eType) && eType != NumberTypeT::UInt8 && eType != NumberTypeT::UInt16;
+        return !m_oChoices.oNoise && !IsFloating(eType) && eType != NumberTypeT::UInt8 &&
+               eType != NumberTypeT::UInt16;
     case ScanValueT::Red:
     case ScanValueT::Green:
-    case ScanValueT::Blue: return !m_oChoices.oColorMax && eType != NumberTypeT::UInt8;
+    case ScanValueT::Blue:
+        return !m_oChoices.oColorMax && eType != NumberTypeT::UInt8;
     case ScanValueT::Row:
     case ScanValueT::Column:
         return !m_oSource.GetHeader().oGrid || (!m_oChoices.oGrid && !HoldsAllOf(NumberTypeT::UInt32, eType));
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -101,7 +111,8 @@ void ImportEncodingsC::Survey(const BatchDoneT& batchDone)
     }
     if (fields.empty()) return;
     const std::vector<FieldSurveyC> surveys = SurveyFields(m_oSource, fields, batchDone);
-    for (std::size_t i = 0; i < values.size(); ++i) m_aSurveys[IndexOf(values[i])] = surveys[i];
+    for (std::size_t i = 0; i < values.size(); ++i)
+        m_aSurveys[IndexOf(values[i])] = surveys[i];
     m_bGridSurveyed = NeedsSurvey(ScanValueT::Row) && NeedsSurvey(ScanValueT::Column);
 }
 
@@ -120,8 +131,9 @@ NumberTypeT ImportEncodingsC::ChooseIntensity() const
     const NumberTypeT eType = TypeOf(ScanValueT::Intensity);
     if (IsFloating(eType)) return NumberTypeT::Float;
     for (const NumberTypeT eCandidate : {NumberTypeT::UInt16, NumberTypeT::Int16}) {
-        const bool bFits = NeedsSurvey(ScanValueT::Intensity) ? Within(SurveyOf(ScanValueT::Intensity), eCandidate)
-                                                              : HoldsAllOf(eCandidate, eType);
+        const bool bFits = NeedsSurvey(ScanValueT::Intensity)
+                               ? Within(SurveyOf(ScanValueT::Intensity), eCandidate)
+                               : HoldsAllOf(eCandidate, eType);
         if (bFits) return eCandidate;
     }
     return NumberTypeT::Float;
@@ -143,7 +155,8 @@ NumberTypeT ImportEncodingsC::ChooseGrid() const
     if (m_oChoices.oGrid) return *m_oChoices.oGrid;
     const auto fits = [&](ScanValueT eValue) {
         // By type where the type tells, so that 32-bit indices stay what they are.
-        if (HoldsAllOf(NumberTypeT::UInt32, TypeOf(eValue))) return HoldsAllOf(NumberTypeT::UInt16, TypeOf(eValue));
+        if (HoldsAllOf(NumberTypeT::UInt32, TypeOf(eValue)))
+            return HoldsAllOf(NumberTypeT::UInt16, TypeOf(eValue));
         return SurveyOf(eValue).dGreatest <= GreatestOf(NumberTypeT::UInt16);
     };
     return fits(ScanValueT::Row) && fits(ScanValueT::Column) ? NumberTypeT::UInt16 : NumberTypeT::UInt32;
@@ -158,7 +171,8 @@ double ImportEncodingsC::ChooseColorMax() const
         bFloating = bFloating || IsFloating(TypeOf(eValue));
         if (NeedsSurvey(eValue)) dGreatest = std::max(dGreatest, SurveyOf(eValue).dGreatest);
     }
-    // Colours are 0 to 1 as floating numbers, 0 to 65535 as wide integers; but 0 to 255 is found in either type.
+    // Colours are 0 to 1 as floating numbers, 0 to 65535 as wide integers; but 0 to 255 is found in either
+    // type.
     if (bFloating && dGreatest <= 1.0) return 1.0;
     return dGreatest <= 255.0 ? 255.0 : 65535.0;
 }
@@ -171,8 +185,10 @@ ValueConversionC ImportEncodingsC::MakeConversion(ScanValueT eValue) const
         return {eSource, StoredTypeOf(m_oFormat, eValue), m_oChoices.dIntensityScale, 1.0};
     case ScanValueT::Red:
     case ScanValueT::Green:
-    case ScanValueT::Blue: return {eSource, NumberTypeT::UInt8, 255.0, m_dColorMax};
-    default: return {eSource, StoredTypeOf(m_oFormat, eValue)};
+    case ScanValueT::Blue:
+        return {eSource, NumberTypeT::UInt8, 255.0, m_dColorMax};
+    default:
+        return {eSource, StoredTypeOf(m_oFormat, eValue)};
     }
 }
 
@@ -182,7 +198,8 @@ std::string ImportEncodingsC::GetReasonForDropping(std::size_t nField) const
     const auto oValue = ValueNamed(m_oSource.GetFields()[nField].strName);
     const auto oWinner = oValue ? m_aFields[IndexOf(*oValue)] : std::nullopt;
     if (!oWinner) return "a scan file has no place for it";
-    return fmt::format("{} is taken from {}", NameOf(*oValue), Printable(m_oSource.GetFields()[*oWinner].strName));
+    return fmt::format("{} is taken from {}", NameOf(*oValue),
+                       Printable(m_oSource.GetFields()[*oWinner].strName));
 }
 
 std::optional<std::array<std::uint64_t, 2>> ImportEncodingsC::GetGridOfIndices() const

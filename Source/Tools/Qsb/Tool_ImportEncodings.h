@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Which encoding each value of a source gets in the scan file: the smallest that loses nothing, judged by the types of
-// the source and, where they do not tell, by a first look at the values; or the one that the user asks for.
+// Which encoding each value of a source gets in the scan file: the smallest that loses nothing, judged by the
+// types of the source and, where they do not tell, by a first look at the values; or the one that the user
+// asks for.
 #pragma once
 
 #include "Tools/Qsb/Tool_FieldNames.h"
@@ -24,14 +25,15 @@ struct ImportChoicesC
     bool bNoNoise = false; ///< leave out
     bool bNoGrid = false;
     bool bNoColor = false;
-    double dIntensityScale = 1.0;      ///< positive
-    std::optional<double> oColorMax;   ///< the source's value of full colour, positive
+    double dIntensityScale = 1.0;    ///< positive
+    std::optional<double> oColorMax; ///< the source's value of full colour, positive
 };
 
 class ImportEncodingsC
 {
 public:
-    /// Decides, reading the values once when that is needed. ToolErrorC with s_iDamaged when there are no positions.
+    /// Decides, reading the values once when that is needed. ToolErrorC with s_iDamaged when there are no
+    /// positions.
     ImportEncodingsC(PointSourceI& source, const ImportChoicesC& choices, const BatchDoneT& batchDone);
 
     const ScanFormatC& GetFormat() const noexcept { return m_oFormat; }
@@ -59,7 +61,10 @@ private:
     double ChooseColorMax() const;
     bool Has(ScanValueT eValue) const { return m_aFields[static_cast<std::size_t>(eValue)].has_value(); }
     NumberTypeT TypeOf(ScanValueT eValue) const;
-    const FieldSurveyC& SurveyOf(ScanValueT eValue) const { return m_aSurveys[static_cast<std::size_t>(eValue)]; }
+    const FieldSurveyC& SurveyOf(ScanValueT eValue) const
+    {
+        return m_aSurveys[static_cast<std::size_t>(eValue)];
+    }
 
     PointSourceI& m_oSource;
     ImportChoicesC m_oChoices;

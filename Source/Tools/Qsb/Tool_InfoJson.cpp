@@ -3,6 +3,7 @@
 //
 // The JSON, key by key.
 #include "Tools/Qsb/Tool_CheckReport.h"
+#include "Tools/Qsb/Tool_Encodings.h"
 #include "Tools/Qsb/Tool_FormatNames.h"
 #include "Tools/Qsb/Tool_InfoReport.h"
 #include "Tools/Qsb/Tool_ScanCheck.h"
@@ -50,7 +51,7 @@ JsonT ElementsJson(const ScanHeaderC& header)
         if (elements.size() == s_nMaxElements) break;
         JsonT json;
         json["kind"] = NameOfKind(element.uiKind);
-        json["encoding"] = NameOfEncoding(element.uiTypeCode);
+        json["encoding"] = EncodingName(element.uiKind, element.uiTypeCode);
         json["type_code"] = element.uiTypeCode;
         json["bytes"] = element.nBytes;
         elements.push_back(std::move(json));

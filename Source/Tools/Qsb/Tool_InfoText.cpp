@@ -78,7 +78,7 @@ std::string ElementsText(const ScanHeaderC& header)
     std::size_t n = 0;
     for (const ScanElementC& element : header.vecElements) {
         if (n++ == s_nMaxElements) break;
-        table.AddRow({NameOfKind(element.uiKind), NameOfEncoding(element.uiTypeCode),
+        table.AddRow({NameOfKind(element.uiKind), NameOfElement(element.uiKind, element.uiTypeCode),
                       fmt::format("{} byte{}", element.nBytes, element.nBytes == 1 ? " " : "s")});
     }
     std::string text = table.ToText("");

@@ -50,7 +50,10 @@ constexpr std::array<TypeRowT, 8> s_aRows = {{
     Row<double>("double", "f64", "double", "float64"),
 }};
 
-constexpr const TypeRowT& RowOf(NumberTypeT eType) noexcept { return s_aRows[static_cast<std::size_t>(eType)]; }
+constexpr const TypeRowT& RowOf(NumberTypeT eType) noexcept
+{
+    return s_aRows[static_cast<std::size_t>(eType)];
+}
 
 template<typename PredicateT>
 std::optional<NumberTypeT> Find(PredicateT predicate) noexcept
@@ -65,14 +68,30 @@ template<typename FunctionT>
 void WithType(NumberTypeT eType, FunctionT function)
 {
     switch (eType) {
-    case NumberTypeT::Int8: function(std::int8_t{}); break;
-    case NumberTypeT::UInt8: function(std::uint8_t{}); break;
-    case NumberTypeT::Int16: function(std::int16_t{}); break;
-    case NumberTypeT::UInt16: function(std::uint16_t{}); break;
-    case NumberTypeT::Int32: function(std::int32_t{}); break;
-    case NumberTypeT::UInt32: function(std::uint32_t{}); break;
-    case NumberTypeT::Float: function(float{}); break;
-    case NumberTypeT::Double: function(double{}); break;
+    case NumberTypeT::Int8:
+        function(std::int8_t{});
+        break;
+    case NumberTypeT::UInt8:
+        function(std::uint8_t{});
+        break;
+    case NumberTypeT::Int16:
+        function(std::int16_t{});
+        break;
+    case NumberTypeT::UInt16:
+        function(std::uint16_t{});
+        break;
+    case NumberTypeT::Int32:
+        function(std::int32_t{});
+        break;
+    case NumberTypeT::UInt32:
+        function(std::uint32_t{});
+        break;
+    case NumberTypeT::Float:
+        function(float{});
+        break;
+    case NumberTypeT::Double:
+        function(double{});
+        break;
     }
 }
 
@@ -86,12 +105,30 @@ T LoadBigEndian(const char* pSource) noexcept
 
 } // namespace
 
-std::size_t SizeOf(NumberTypeT eType) noexcept { return RowOf(eType).nBytes; }
-double LeastOf(NumberTypeT eType) noexcept { return RowOf(eType).dLeast; }
-double GreatestOf(NumberTypeT eType) noexcept { return RowOf(eType).dGreatest; }
-std::string_view NameOf(NumberTypeT eType) noexcept { return RowOf(eType).name; }
-std::string_view ShortName(NumberTypeT eType) noexcept { return RowOf(eType).shortName; }
-std::string_view PlyName(NumberTypeT eType) noexcept { return RowOf(eType).plyName; }
+std::size_t SizeOf(NumberTypeT eType) noexcept
+{
+    return RowOf(eType).nBytes;
+}
+double LeastOf(NumberTypeT eType) noexcept
+{
+    return RowOf(eType).dLeast;
+}
+double GreatestOf(NumberTypeT eType) noexcept
+{
+    return RowOf(eType).dGreatest;
+}
+std::string_view NameOf(NumberTypeT eType) noexcept
+{
+    return RowOf(eType).name;
+}
+std::string_view ShortName(NumberTypeT eType) noexcept
+{
+    return RowOf(eType).shortName;
+}
+std::string_view PlyName(NumberTypeT eType) noexcept
+{
+    return RowOf(eType).plyName;
+}
 
 std::optional<NumberTypeT> TypeNamed(std::string_view name) noexcept
 {
@@ -111,12 +148,14 @@ std::optional<NumberTypeT> TypeOfPlyName(std::string_view name) noexcept
 bool HoldsAllOf(NumberTypeT eType, NumberTypeT eOther) noexcept
 {
     if (eType == eOther || eType == NumberTypeT::Double) return true;
-    if (eType == NumberTypeT::Float) return !IsFloating(eOther) && SizeOf(eOther) <= 2; // 24 bits of precision
-    return !IsFloating(eOther) && LeastOf(eType) <= LeastOf(eOther) && GreatestOf(eType) >= GreatestOf(eOther);
+    if (eType == NumberTypeT::Float)
+        return !IsFloating(eOther) && SizeOf(eOther) <= 2; // 24 bits of precision
+    return !IsFloating(eOther) && LeastOf(eType) <= LeastOf(eOther) &&
+           GreatestOf(eType) >= GreatestOf(eOther);
 }
 
-void LoadNumbers(NumberTypeT eType, bool bBigEndian, const char* pFirst, std::size_t nStride, std::size_t nCount,
-                 double* pdValues) noexcept
+void LoadNumbers(NumberTypeT eType, bool bBigEndian, const char* pFirst, std::size_t nStride,
+                 std::size_t nCount, double* pdValues) noexcept
 {
     WithType(eType, [=](auto zero) {
         using T = decltype(zero);
@@ -132,9 +171,14 @@ void LoadNumbers(NumberTypeT eType, bool bBigEndian, const char* pFirst, std::si
     });
 }
 
-void StoreNumber(NumberTypeT eType, double dValue, char* pDestination) noexcept
+void StoreNumbers(NumberTypeT eType, const double* pdValues, std::size_t nCount, char* pFirst,
+                  std::size_t nStride) noexcept
 {
-    WithType(eType, [=](auto zero) { SIO::StoreLittleEndian(pDestination, static_cast<decltype(zero)>(dValue)); });
+    WithType(eType, [=](auto zero) {
+        for (std::size_t i = 0; i < nCount; ++i) {
+            SIO::StoreLittleEndian(pFirst + i * nStride, static_cast<decltype(zero)>(pdValues[i]));
+        }
+    });
 }
 
 } // namespace Tool

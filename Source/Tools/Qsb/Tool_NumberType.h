@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The number types that points of interchange files are made of, their names, and their bytes. Every value of every
-// type is exactly a double, so values travel as doubles. A NaN stays a NaN; its payload may change.
+// The number types that points of interchange files are made of, their names, and their bytes. Every value of
+// every type is exactly a double, so values travel as doubles. A NaN stays a NaN; its payload may change.
 #pragma once
 
 #include <cstddef>
@@ -53,10 +53,12 @@ std::optional<NumberTypeT> TypeOfPlyName(std::string_view name) noexcept;
 bool HoldsAllOf(NumberTypeT eType, NumberTypeT eOther) noexcept;
 
 /// Reads `nCount` numbers that lie `nStride` bytes apart, the first one at `pFirst`.
-void LoadNumbers(NumberTypeT eType, bool bBigEndian, const char* pFirst, std::size_t nStride, std::size_t nCount,
-                 double* pdValues) noexcept;
+void LoadNumbers(NumberTypeT eType, bool bBigEndian, const char* pFirst, std::size_t nStride,
+                 std::size_t nCount, double* pdValues) noexcept;
 
-/// Writes one number, which the type must be able to hold, as little-endian bytes.
-void StoreNumber(NumberTypeT eType, double dValue, char* pDestination) noexcept;
+/// Writes `nCount` numbers, which the type must be able to hold, as little-endian bytes `nStride` bytes
+/// apart.
+void StoreNumbers(NumberTypeT eType, const double* pdValues, std::size_t nCount, char* pFirst,
+                  std::size_t nStride) noexcept;
 
 } // namespace Tool

@@ -41,7 +41,10 @@ std::optional<double> ParseNumber(std::string_view text, NumberTypeT eType) noex
     return oValue ? std::optional<double>(*oValue) : std::nullopt;
 }
 
-std::optional<std::uint64_t> ParseCount(std::string_view text) noexcept { return Parse<std::uint64_t>(text); }
+std::optional<std::uint64_t> ParseCount(std::string_view text) noexcept
+{
+    return Parse<std::uint64_t>(text);
+}
 
 void AppendNumber(std::string& text, double dValue, NumberTypeT eType)
 {

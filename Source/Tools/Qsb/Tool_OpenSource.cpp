@@ -38,8 +38,10 @@ std::unique_ptr<PointSourceI> OpenSource(const std::string& path)
     NamedInputC first{files[0], std::make_unique<FileInputC>(files[0])};
     if (files.size() == 2) return ReadRaw(first, {files[1], std::make_unique<FileInputC>(files[1])});
     if (FileKindOf(path) == FileKindT::Ply || BeginsLikePly(*first.poInput)) return ReadPly(std::move(first));
-    throw ToolErrorC(s_iUsage,
-                     fmt::format("{}: neither a PLY file nor one of the raw form, whose names end in .json and .bin", path));
+    throw ToolErrorC(
+        s_iUsage,
+        fmt::format("{}: neither a PLY file nor one of the raw form, whose names end in .json and .bin",
+                    path));
 }
 
 } // namespace Tool

@@ -98,7 +98,8 @@ private:
         } else if (words[1] == "binary_big_endian") {
             m_oHeader.eFormat = PlyFormatT::BigEndian;
         } else {
-            Fail(fmt::format("\"{}\" is none of ascii, binary_little_endian, binary_big_endian", Printable(words[1])));
+            Fail(fmt::format("\"{}\" is none of ascii, binary_little_endian, binary_big_endian",
+                             Printable(words[1])));
         }
     }
 
@@ -109,9 +110,11 @@ private:
             Fail(fmt::format("must be \"element\", a name, a number up to {}", s_ullMaxCount));
         }
         for (const PlyElementC& element : m_oHeader.vecElements) {
-            if (element.strName == words[1]) Fail(fmt::format("a second element \"{}\"", Printable(words[1])));
+            if (element.strName == words[1])
+                Fail(fmt::format("a second element \"{}\"", Printable(words[1])));
         }
-        if (m_oHeader.vecElements.size() == s_nMaxElements) Fail(fmt::format("more than {} elements", s_nMaxElements));
+        if (m_oHeader.vecElements.size() == s_nMaxElements)
+            Fail(fmt::format("more than {} elements", s_nMaxElements));
         m_oHeader.vecElements.push_back({std::string(words[1]), *oCount, {}});
     }
 
@@ -119,8 +122,9 @@ private:
     {
         const auto oType = TypeOfPlyName(name);
         if (!oType) {
-            Fail(fmt::format("\"{}\" is no type; types are char, uchar, short, ushort, int, uint, float, double",
-                             Printable(name)));
+            Fail(fmt::format(
+                "\"{}\" is no type; types are char, uchar, short, ushort, int, uint, float, double",
+                Printable(name)));
         }
         return *oType;
     }
@@ -129,7 +133,8 @@ private:
     {
         if (m_oHeader.vecElements.empty()) Fail("a property before the first element");
         auto& properties = m_oHeader.vecElements.back().vecProperties;
-        if (properties.size() == s_nMaxProperties) Fail(fmt::format("more than {} properties", s_nMaxProperties));
+        if (properties.size() == s_nMaxProperties)
+            Fail(fmt::format("more than {} properties", s_nMaxProperties));
         PlyPropertyC property;
         if (words.size() == 5 && words[1] == "list") {
             property = {std::string(words[4]), Type(words[3]), Type(words[2])};
@@ -170,7 +175,8 @@ private:
     std::array<double, nCount> Numbers(const WordsT& words) const
     {
         std::array<double, nCount> numbers{};
-        const std::string expected = fmt::format("\"{}\" must be followed by {} finite numbers", words[2], nCount);
+        const std::string expected =
+            fmt::format("\"{}\" must be followed by {} finite numbers", words[2], nCount);
         if (words.size() != 3 + nCount) Fail(expected);
         for (std::size_t i = 0; i < nCount; ++i) {
             const auto oNumber = ParseNumber(words[3 + i], NumberTypeT::Double);
@@ -225,17 +231,21 @@ bool PlyElementC::HasLists() const noexcept
 std::uint64_t PlyElementC::GetLeastBytes() const noexcept
 {
     std::uint64_t ullBytes = 0;
-    for (const PlyPropertyC& property : vecProperties) ullBytes += SizeOf(property.oListCount.value_or(property.eType));
+    for (const PlyPropertyC& property : vecProperties)
+        ullBytes += SizeOf(property.oListCount.value_or(property.eType));
     return ullBytes;
 }
 
-PlyHeaderC ReadPlyHeader(TextInputC& input) { return HeaderReaderC(input).Read(); }
+PlyHeaderC ReadPlyHeader(TextInputC& input)
+{
+    return HeaderReaderC(input).Read();
+}
 
-std::string PlyScanComments(const ScanHeaderC& scan, const std::array<double, 16>* poAppliedPose)
+std::string PlyScanComments(const ScanHeaderC& scan)
 {
     std::string text;
     if (scan.oPose) AppendComment(text, "pose", scan.oPose->data(), 16);
-    if (poAppliedPose != nullptr) AppendComment(text, "applied_pose", poAppliedPose->data(), 16);
+    if (scan.oAppliedPose) AppendComment(text, "applied_pose", scan.oAppliedPose->data(), 16);
     if (scan.oGrid) text += fmt::format("comment qsb grid {} {}\n", (*scan.oGrid)[0], (*scan.oGrid)[1]);
     if (scan.oInstrumentHeight) AppendComment(text, "instrument_height", &*scan.oInstrumentHeight, 1);
     return text;

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The header of a PLY file: its elements with their properties in file order, and what the command's own comments say
-// of the scan (Docs/tool.md). Read from bytes that are not trusted: numbers of elements and properties are bounded, and
-// counts are what the file claims, to be compared with its size by whoever reads on.
+// The header of a PLY file: its elements with their properties in file order, and what the command's own
+// comments say of the scan (Docs/tool.md). Read from bytes that are not trusted: numbers of elements and
+// properties are bounded, and counts are what the file claims, to be compared with its size by whoever reads
+// on.
 #pragma once
 
 #include "Tools/Qsb/Tool_PointSource.h"
@@ -51,11 +52,11 @@ struct PlyHeaderC
     std::uint64_t ullRemarks = 0; ///< comments that are not the command's own
 };
 
-/// Reads the header and leaves `input` at the first byte of the data. ToolErrorC with s_iDamaged and the line.
+/// Reads the header and leaves `input` at the first byte of the data. ToolErrorC with s_iDamaged and the
+/// line.
 PlyHeaderC ReadPlyHeader(TextInputC& input);
 
-/// The comment lines for what is known of a scan. A pose that positions have been mapped by is named as such, so that no
-/// reader applies it once more.
-std::string PlyScanComments(const ScanHeaderC& scan, const std::array<double, 16>* poAppliedPose);
+/// The comment lines for what is known of a scan.
+std::string PlyScanComments(const ScanHeaderC& scan);
 
 } // namespace Tool

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The vertices of a PLY file. In a binary file whose vertices have no lists they are records of fixed size; otherwise
-// values are read one by one. Elements before the vertices are passed over, those behind them are not looked at.
+// The vertices of a PLY file. In a binary file whose vertices have no lists they are records of fixed size;
+// otherwise values are read one by one. Elements before the vertices are passed over, those behind them are
+// not looked at.
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/Qsb/Tool_Numerals.h"
@@ -19,8 +20,8 @@ namespace Tool {
 
 namespace {
 
-/// The values of a PLY file one after another. In ascii a record is a line; one with a value too few or too many would
-/// shift all that follow, so it is refused.
+/// The values of a PLY file one after another. In ascii a record is a line; one with a value too few or too
+/// many would shift all that follow, so it is refused.
 class ValueReaderC
 {
 public:
@@ -31,7 +32,8 @@ public:
     void EndRecord()
     {
         if (m_eFormat != PlyFormatT::Ascii || m_bFirstWord) return;
-        if (!m_oInput.ReadWordInLine().empty()) m_oInput.FailAtLine("more values than the element has properties");
+        if (!m_oInput.ReadWordInLine().empty())
+            m_oInput.FailAtLine("more values than the element has properties");
     }
 
     double Next(NumberTypeT eType)
@@ -50,7 +52,8 @@ public:
             m_oInput.SkipBytes(ullCount * SizeOf(eType));
             return;
         }
-        for (; ullCount != 0; --ullCount) (void)Word();
+        for (; ullCount != 0; --ullCount)
+            (void)Word();
     }
 
     void SkipList(const PlyPropertyC& property)
@@ -64,7 +67,8 @@ private:
     std::string_view Word()
     {
         const std::string_view word = m_bFirstWord ? m_oInput.ReadWord() : m_oInput.ReadWordInLine();
-        if (word.empty() && m_oInput.GetBytesLeft() == 0) m_oInput.FailAtLine("the file ends in the middle of the data");
+        if (word.empty() && m_oInput.GetBytesLeft() == 0)
+            m_oInput.FailAtLine("the file ends in the middle of the data");
         if (word.empty()) m_oInput.FailAtLine("fewer values than the element has properties");
         m_bFirstWord = false;
         return word;
@@ -105,7 +109,8 @@ public:
     {
         if (m_poRecords != nullptr) return m_poRecords->Select(fields);
         m_vecColumnOfField.assign(m_vecFields.size(), s_nNoColumn);
-        for (std::size_t i = 0; i < fields.size(); ++i) m_vecColumnOfField[fields[i]] = i;
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            m_vecColumnOfField[fields[i]] = i;
         m_nColumns = fields.size();
         m_ullRead = 0;
         m_oText.GoTo(m_oFirstVertex);
@@ -114,10 +119,13 @@ public:
     std::size_t Read(std::vector<std::vector<double>>& columns) override
     {
         if (m_poRecords != nullptr) return m_poRecords->Read(columns);
-        const auto nCount = static_cast<std::size_t>(std::min<std::uint64_t>(s_nBatch, m_poVertex->ullCount - m_ullRead));
+        const auto nCount =
+            static_cast<std::size_t>(std::min<std::uint64_t>(s_nBatch, m_poVertex->ullCount - m_ullRead));
         columns.resize(m_nColumns);
-        for (auto& column : columns) column.resize(nCount);
-        for (std::size_t i = 0; i < nCount; ++i) ReadVertex(columns, i);
+        for (auto& column : columns)
+            column.resize(nCount);
+        for (std::size_t i = 0; i < nCount; ++i)
+            ReadVertex(columns, i);
         m_ullRead += nCount;
         return nCount;
     }
@@ -143,11 +151,13 @@ private:
                 continue;
             }
             if (m_poVertex == nullptr) SkipElement(element);
-            m_vecExtras.push_back({fmt::format("element {} ({})", Printable(element.strName), element.ullCount),
-                                   element.ullCount != 0});
+            m_vecExtras.push_back(
+                {fmt::format("element {} ({})", Printable(element.strName), element.ullCount),
+                 element.ullCount != 0});
         }
         if (m_poVertex == nullptr) Fail("has no element \"vertex\", so it has no points");
-        if (m_oHeader.ullRemarks != 0) m_vecExtras.push_back({fmt::format("{} comments", m_oHeader.ullRemarks), false});
+        if (m_oHeader.ullRemarks != 0)
+            m_vecExtras.push_back({fmt::format("{} comments", m_oHeader.ullRemarks), false});
     }
 
     void SkipElement(const PlyElementC& element)
@@ -155,11 +165,13 @@ private:
         CheckRoom(element);
         // Records without a single property take no bytes, however many there are said to be.
         if (element.vecProperties.empty()) return;
-        if (!IsAscii() && !element.HasLists()) return m_oText.SkipBytes(element.ullCount * element.GetLeastBytes());
+        if (!IsAscii() && !element.HasLists())
+            return m_oText.SkipBytes(element.ullCount * element.GetLeastBytes());
         for (std::uint64_t i = 0; i < element.ullCount; ++i) {
             if (i % s_nBatch == 0) StopIfInterrupted();
             m_oValues.BeginRecord();
-            for (const PlyPropertyC& property : element.vecProperties) SkipValue(property);
+            for (const PlyPropertyC& property : element.vecProperties)
+                SkipValue(property);
             m_oValues.EndRecord();
         }
     }
@@ -168,10 +180,12 @@ private:
     void CheckRoom(const PlyElementC& element) const
     {
         // A word and what ends it take two bytes; only the last word of a file can do without an end.
-        const std::uint64_t ullRecord = IsAscii() ? 2 * element.vecProperties.size() : element.GetLeastBytes();
+        const std::uint64_t ullRecord =
+            IsAscii() ? 2 * element.vecProperties.size() : element.GetLeastBytes();
         const std::uint64_t ullLeft = m_oText.GetBytesLeft();
         if (ullRecord == 0 || element.ullCount <= (ullLeft + (IsAscii() ? 1 : 0)) / ullRecord) return;
-        Fail(fmt::format("says that {} records of element {} begin at byte {}, but the {} bytes left there hold {} at most",
+        Fail(fmt::format("says that {} records of element {} begin at byte {}, but the {} bytes left there "
+                         "hold {} at most",
                          element.ullCount, Printable(element.strName), m_oText.GetPlace().ullOffset, ullLeft,
                          ullLeft / ullRecord));
     }
@@ -186,14 +200,16 @@ private:
     {
         for (const PlyPropertyC& property : m_poVertex->vecProperties) {
             if (property.oListCount) {
-                m_vecExtras.push_back({fmt::format("list {}", Printable(property.strName)), m_poVertex->ullCount != 0});
+                m_vecExtras.push_back(
+                    {fmt::format("list {}", Printable(property.strName)), m_poVertex->ullCount != 0});
             } else {
                 m_vecFields.push_back({property.strName, property.eType});
             }
         }
         if (IsAscii() || m_poVertex->HasLists() || m_vecFields.empty()) return;
-        m_poRecords = std::make_unique<RecordReaderC>(m_oFile, m_vecFields, m_oHeader.eFormat == PlyFormatT::BigEndian,
-                                                      m_oFirstVertex.ullOffset, m_poVertex->ullCount);
+        m_poRecords =
+            std::make_unique<RecordReaderC>(m_oFile, m_vecFields, m_oHeader.eFormat == PlyFormatT::BigEndian,
+                                            m_oFirstVertex.ullOffset, m_poVertex->ullCount);
     }
 
     void ReadVertex(std::vector<std::vector<double>>& columns, std::size_t nPoint)

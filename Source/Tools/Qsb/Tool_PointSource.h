@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// A file of points in some interchange form, as import sees it: fields with names and types, what is said of the scan
-// as a whole, and the values of chosen fields batch by batch. What the fields mean is not known here.
+// A file of points in some interchange form, as import sees it: fields with names and types, what is said of
+// the scan as a whole, and the values of chosen fields batch by batch. What the fields mean is not known
+// here.
 #pragma once
 
 #include "Tools/Qsb/Tool_NumberType.h"
@@ -27,9 +28,10 @@ struct SourceFieldC
 /// What stands beside the points.
 struct ScanHeaderC
 {
-    std::optional<std::array<double, 16>> oPose;           ///< row-major, maps column vectors; finite
-    std::optional<std::array<std::uint64_t, 2>> oGrid;     ///< rows and columns, 1 to 2^32 each
-    std::optional<double> oInstrumentHeight;               ///< finite
+    std::optional<std::array<double, 16>> oPose;        ///< row-major, maps column vectors; finite
+    std::optional<std::array<std::uint64_t, 2>> oGrid;  ///< rows and columns, 1 to 2^32 each
+    std::optional<double> oInstrumentHeight;            ///< finite
+    std::optional<std::array<double, 16>> oAppliedPose; ///< has been applied to the positions; never read
 };
 
 /// A part of the source that is not a field of numbers, so that no scan file can carry it.
@@ -58,8 +60,9 @@ public:
     /// Chooses the fields whose values are read, by their index, and goes back to the first point.
     virtual void Select(const std::vector<std::size_t>& fields) = 0;
 
-    /// Reads the next points: columns[i][j] is the value of the i-th chosen field of point j. Returns how many, 0 at
-    /// the end. ToolErrorC with s_iDamaged, and the line or byte, when the file does not hold what its header says.
+    /// Reads the next points: columns[i][j] is the value of the i-th chosen field of point j. Returns how
+    /// many, 0 at the end. ToolErrorC with s_iDamaged, and the line or byte, when the file does not hold what
+    /// its header says.
     virtual std::size_t Read(std::vector<std::vector<double>>& columns) = 0;
 };
 

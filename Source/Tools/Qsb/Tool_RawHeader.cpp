@@ -24,7 +24,8 @@ using nlohmann::json;
 constexpr std::uint64_t s_ullMaxHeaderBytes = 1 << 20;
 constexpr int s_iMaxDepth = 16;
 constexpr std::size_t s_nMaxFields = 1000;
-constexpr std::uint64_t s_ullMaxCount = std::uint64_t{1} << 53; ///< whole numbers beyond are not exact in JSON
+constexpr std::uint64_t s_ullMaxCount = std::uint64_t{1}
+                                        << 53; ///< whole numbers beyond are not exact in JSON
 constexpr std::uint64_t s_ullMaxGrid = std::uint64_t{1} << 32;
 
 /// The keys that mean something; every other one is a remark.
@@ -34,7 +35,9 @@ constexpr std::array<std::string_view, 8> s_astrKeys = {"name", "points", "recor
 class HeaderReaderC
 {
 public:
-    explicit HeaderReaderC(const NamedInputC& input) : m_strName(input.strName), m_oRoot(Parse(*input.poInput)) {}
+    explicit HeaderReaderC(const NamedInputC& input)
+        : m_strName(input.strName), m_oRoot(Parse(*input.poInput))
+    {}
 
     RawHeaderC Read() const
     {
@@ -71,7 +74,8 @@ private:
         std::set<std::string> keys;
         const auto check = [&](int iDepth, json::parse_event_t eEvent, json& value) {
             if (iDepth > s_iMaxDepth) Fail(fmt::format("nested more than {} deep", s_iMaxDepth));
-            if (eEvent == json::parse_event_t::key && iDepth == 1 && !keys.insert(value.get<std::string>()).second) {
+            if (eEvent == json::parse_event_t::key && iDepth == 1 &&
+                !keys.insert(value.get<std::string>()).second) {
                 Fail(fmt::format("\"{}\" stands twice", Printable(value.get<std::string>())));
             }
             return true;
@@ -109,7 +113,8 @@ private:
 
     double Number(const json& value, const std::string& what) const
     {
-        if (!value.is_number() || !std::isfinite(value.get<double>())) Fail(fmt::format("{} must be a number", what));
+        if (!value.is_number() || !std::isfinite(value.get<double>()))
+            Fail(fmt::format("{} must be a number", what));
         return value.get<double>();
     }
 
@@ -140,8 +145,9 @@ private:
         const std::string type = text("type");
         const auto oType = TypeOfShortName(type);
         if (!oType) {
-            Fail(fmt::format("field \"{}\" has the type \"{}\"; types are i8, u8, i16, u16, i32, u32, f32, f64",
-                             Printable(name), Printable(type)));
+            Fail(fmt::format(
+                "field \"{}\" has the type \"{}\"; types are i8, u8, i16, u16, i32, u32, f32, f64",
+                Printable(name), Printable(type)));
         }
         return {name, *oType};
     }
@@ -150,8 +156,8 @@ private:
     {
         const json* size = Find("record_size");
         if (size != nullptr && Count(*size, "\"record_size\"", s_ullMaxCount) != header.GetRecordBytes()) {
-            Fail(fmt::format("\"record_size\" is {}, but the fields take {} bytes", size->get<std::uint64_t>(),
-                             header.GetRecordBytes()));
+            Fail(fmt::format("\"record_size\" is {}, but the fields take {} bytes",
+                             size->get<std::uint64_t>(), header.GetRecordBytes()));
         }
     }
 
@@ -161,7 +167,8 @@ private:
         if (pose == nullptr) return;
         if (!pose->is_array() || pose->size() != 16) Fail("\"pose\" must be null or 16 numbers, row by row");
         scan.oPose.emplace();
-        for (std::size_t i = 0; i < 16; ++i) (*scan.oPose)[i] = Number((*pose)[i], fmt::format("\"pose\"[{}]", i));
+        for (std::size_t i = 0; i < 16; ++i)
+            (*scan.oPose)[i] = Number((*pose)[i], fmt::format("\"pose\"[{}]", i));
     }
 
     void ReadGrid(ScanHeaderC& scan) const
@@ -180,7 +187,8 @@ private:
     {
         for (const auto& [key, value] : m_oRoot.items()) {
             const bool bKnown = std::find(s_astrKeys.begin(), s_astrKeys.end(), key) != s_astrKeys.end();
-            if (!bKnown && !value.is_null()) header.vecExtras.push_back({fmt::format("key {}", Printable(key)), false});
+            if (!bKnown && !value.is_null())
+                header.vecExtras.push_back({fmt::format("key {}", Printable(key)), false});
         }
     }
 
@@ -188,29 +196,23 @@ private:
     json m_oRoot;
 };
 
-} // namespace
-
-std::size_t RawHeaderC::GetRecordBytes() const noexcept
+template<typename T>
+JsonT OrNull(const std::optional<T>& oValue)
 {
-    std::size_t nBytes = 0;
-    for (const SourceFieldC& field : vecFields) nBytes += SizeOf(field.eType);
-    return nBytes;
+    return oValue ? JsonT(*oValue) : JsonT();
 }
 
-RawHeaderC ReadRawHeader(const NamedInputC& input) { return HeaderReaderC(input).Read(); }
-
-std::string RawHeaderText(const RawHeaderC& header, const std::string& name,
-                          const std::array<double, 16>* poAppliedPose)
+std::string Text(const RawHeaderC& header, const std::string& name, bool bRecords)
 {
     JsonT root;
     root["name"] = name;
     root["points"] = header.ullPoints;
-    root["record_size"] = header.GetRecordBytes();
-    root["byte_order"] = "little";
-    root["pose"] = header.oScan.oPose ? JsonT(*header.oScan.oPose) : JsonT();
-    if (poAppliedPose != nullptr) root["applied_pose"] = *poAppliedPose;
-    root["grid"] = header.oScan.oGrid ? JsonT(*header.oScan.oGrid) : JsonT();
-    root["instrument_height"] = header.oScan.oInstrumentHeight ? JsonT(*header.oScan.oInstrumentHeight) : JsonT();
+    if (bRecords) root["record_size"] = header.GetRecordBytes();
+    if (bRecords) root["byte_order"] = "little";
+    root["pose"] = OrNull(header.oScan.oPose);
+    if (header.oScan.oAppliedPose) root["applied_pose"] = *header.oScan.oAppliedPose;
+    root["grid"] = OrNull(header.oScan.oGrid);
+    root["instrument_height"] = OrNull(header.oScan.oInstrumentHeight);
     root["fields"] = JsonT::array();
     for (const SourceFieldC& field : header.vecFields) {
         JsonT row;
@@ -219,6 +221,31 @@ std::string RawHeaderText(const RawHeaderC& header, const std::string& name,
         root["fields"].push_back(row);
     }
     return root.dump(1, ' ', false, JsonT::error_handler_t::replace) + "\n";
+}
+
+} // namespace
+
+std::size_t RawHeaderC::GetRecordBytes() const noexcept
+{
+    std::size_t nBytes = 0;
+    for (const SourceFieldC& field : vecFields)
+        nBytes += SizeOf(field.eType);
+    return nBytes;
+}
+
+RawHeaderC ReadRawHeader(const NamedInputC& input)
+{
+    return HeaderReaderC(input).Read();
+}
+
+std::string RawHeaderText(const RawHeaderC& header, const std::string& name)
+{
+    return Text(header, name, true);
+}
+
+std::string SidecarText(const RawHeaderC& header, const std::string& name)
+{
+    return Text(header, name, false);
 }
 
 std::pair<std::string, std::string> RawPaths(const std::string& path)

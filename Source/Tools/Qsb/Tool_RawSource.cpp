@@ -38,10 +38,11 @@ private:
         const std::uint64_t ullSize = m_oData.poInput->GetSize();
         const std::uint64_t ullRecord = m_oHeader.GetRecordBytes();
         if (ullSize % ullRecord == 0 && ullSize / ullRecord == m_oHeader.ullPoints) return;
-        throw ToolErrorC(s_iDamaged,
-                         fmt::format("{}: its {} bytes are {} records of {} bytes and {} more, but {} says {} points",
-                                     m_oData.strName, ullSize, ullSize / ullRecord, ullRecord, ullSize % ullRecord,
-                                     header, m_oHeader.ullPoints));
+        throw ToolErrorC(
+            s_iDamaged,
+            fmt::format("{}: its {} bytes are {} records of {} bytes and {} more, but {} says {} points",
+                        m_oData.strName, ullSize, ullSize / ullRecord, ullRecord, ullSize % ullRecord, header,
+                        m_oHeader.ullPoints));
     }
 
     RawHeaderC m_oHeader;

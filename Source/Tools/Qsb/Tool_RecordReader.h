@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Reads chosen fields of records of fixed size, batch by batch: the data of the raw form and of most binary PLY files.
-// One thread at a time.
+// Reads chosen fields of records of fixed size, batch by batch: the data of the raw form and of most binary
+// PLY files. One thread at a time.
 #pragma once
 
 #include "Tools/Qsb/Tool_PointSource.h"
@@ -13,8 +13,8 @@ class RecordReaderC
 {
 public:
     /// The records of `fields` begin at `ullOffset` of `input`, which must outlive the reader.
-    RecordReaderC(const NamedInputC& input, const std::vector<SourceFieldC>& fields, bool bBigEndian, std::uint64_t ullOffset,
-                  std::uint64_t ullRecords);
+    RecordReaderC(const NamedInputC& input, const std::vector<SourceFieldC>& fields, bool bBigEndian,
+                  std::uint64_t ullOffset, std::uint64_t ullRecords);
 
     std::size_t GetRecordBytes() const noexcept { return m_nRecordBytes; }
 

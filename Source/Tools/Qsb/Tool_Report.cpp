@@ -15,9 +15,13 @@ namespace Tool {
 
 namespace {
 
-constexpr std::array<const char*, 5> s_apszOutcomes = {"kept", "scaled", "changed", "dropped", "added"};
+constexpr std::array<const char*, 6> s_apszOutcomes = {"kept",    "scaled", "changed",
+                                                       "dropped", "added",  "absent"};
 
-const char* NameOf(OutcomeT eOutcome) { return s_apszOutcomes[static_cast<std::size_t>(eOutcome)]; }
+const char* NameOf(OutcomeT eOutcome)
+{
+    return s_apszOutcomes[static_cast<std::size_t>(eOutcome)];
+}
 
 std::string NumberText(double dValue)
 {
@@ -29,7 +33,8 @@ std::string NumberText(double dValue)
 std::string Types(const ReportRowC& row)
 {
     if (row.strStoredType.empty() || row.strSourceType.empty()) return row.strSourceType + row.strStoredType;
-    return row.strSourceType == row.strStoredType ? row.strSourceType : row.strSourceType + " -> " + row.strStoredType;
+    return row.strSourceType == row.strStoredType ? row.strSourceType
+                                                  : row.strSourceType + " -> " + row.strStoredType;
 }
 
 std::string Result(const ReportRowC& row)
@@ -37,12 +42,22 @@ std::string Result(const ReportRowC& row)
     std::string text = NameOf(row.eOutcome);
     if (row.eOutcome == OutcomeT::Scaled) text += fmt::format(" by {}", NumberText(row.dFactor));
     if (row.ullChanged != 0) {
-        text += fmt::format(", {} values differ, by {} at most", row.ullChanged, NumberText(row.dLargestChange));
+        text += fmt::format(", {} values differ, by {:.3g} at most", row.ullChanged, row.dLargestChange);
     }
     return row.strNote.empty() ? text : text + ": " + row.strNote;
 }
 
 } // namespace
+
+ReportRowC PartRow(const std::string& what, OutcomeT eOutcome, const std::string& note, bool bLoss)
+{
+    ReportRowC row;
+    row.strWhat = what;
+    row.eOutcome = eOutcome;
+    row.strNote = note;
+    row.bLoss = bLoss;
+    return row;
+}
 
 bool ConversionReportC::IsLossless() const noexcept
 {
@@ -55,7 +70,8 @@ std::string ConversionReportC::GetText() const
     if (m_ullPoints != m_ullPointsInSource) text += fmt::format(" of {}", m_ullPointsInSource);
     text += '\n';
     TextTableC table("lll");
-    for (const ReportRowC& row : m_vecRows) table.AddRow({row.strWhat, Types(row), Result(row)});
+    for (const ReportRowC& row : m_vecRows)
+        table.AddRow({row.strWhat, Types(row), Result(row)});
     return text + table.ToText("  ");
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// What became of each part of a scan when it was converted: kept, scaled, changed, dropped or added, with counts.
-// Conversions fill it, verbs print it. Nothing that a conversion loses is missing from it.
+// What became of each part of a scan when it was converted: kept, scaled, changed, dropped or added, with
+// counts. Conversions fill it, verbs print it. Nothing that a conversion loses is missing from it.
 #pragma once
 
 #include "Tools/Qsb/Tool_Json.h"
@@ -20,28 +20,31 @@ enum class OutcomeT
     Changed,
     Dropped,
     Added,
+    Absent, ///< neither in the source nor in the result
 };
 
 struct ReportRowC
 {
-    std::string strWhat;             ///< a field, or a part such as the pose
-    std::string strSourceType;       ///< empty where there is none
-    std::string strStoredType;       ///< likewise
+    std::string strWhat;       ///< a field, or a part such as the pose
+    std::string strSourceType; ///< empty where there is none
+    std::string strStoredType; ///< likewise
     OutcomeT eOutcome = OutcomeT::Kept;
-    double dFactor = 1.0;            ///< of scaled values
-    std::uint64_t ullChanged = 0;    ///< values that cannot be had back as they were
-    double dLargestChange = 0.0;     ///< of those, in the unit of the source
+    double dFactor = 1.0;         ///< of scaled values
+    std::uint64_t ullChanged = 0; ///< values that cannot be had back as they were
+    double dLargestChange = 0.0;  ///< of those, in the unit of the source
     std::string strNote;
-    bool bLoss = false;              ///< measured data that cannot be had back as it was
+    bool bLoss = false; ///< measured data that cannot be had back as it was
 };
+
+/// A row for a part that is not a field of the points.
+ReportRowC PartRow(const std::string& what, OutcomeT eOutcome, const std::string& note, bool bLoss = false);
 
 class ConversionReportC
 {
 public:
     ConversionReportC(const std::string& verb, const std::string& input, const std::string& output)
         : m_strVerb(verb), m_strInput(input), m_strOutput(output)
-    {
-    }
+    {}
 
     void SetPoints(std::uint64_t ullPoints, std::uint64_t ullPointsInSource)
     {

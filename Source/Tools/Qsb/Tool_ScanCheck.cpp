@@ -84,7 +84,9 @@ private:
     {
         const SIO::QsbBlockC* block = m_rCheck.oChain.oBlocks.Get(0);
         if (block == nullptr || block->GetId() != Format::s_uiFileHeaderId) return;
-        CheckFileHeader(PlaceOf(*block, 0), m_rCheck.oFindings);
+        BlockPlaceC place = PlaceOf(*block, 0);
+        place.bRead = true;
+        CheckFileHeader(place, m_rCheck.oFindings);
         const SIO::QsbHeaderEntryC* version = block->FindEntry(Format::s_uiTagVersion);
         if (version != nullptr) m_rCheck.oVersion = version->AsUInt32();
         CheckData(PlaceOf(*block, 0), nullptr);

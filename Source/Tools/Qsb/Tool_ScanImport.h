@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Turns the points of a source into points of a scan file, batch by batch in constant memory, and keeps account of
-// what each field went through. Knows neither the source's form nor where the scan goes. One thread at a time.
+// Turns the points of a source into points of a scan file, batch by batch in constant memory, and keeps
+// account of what each field went through. Knows neither the source's form nor where the scan goes. One
+// thread at a time.
 #pragma once
 
 #include "Sio/Sio_QsbStrategy.h"
@@ -17,8 +18,8 @@ namespace Tool {
 class ScanImportC
 {
 public:
-    /// Decides on encodings, for which the source may be read once. `source` must outlive this. ToolErrorC as the
-    /// source throws it, and with s_iDamaged when it has no positions.
+    /// Decides on encodings, for which the source may be read once. `source` must outlive this. ToolErrorC as
+    /// the source throws it, and with s_iDamaged when it has no positions.
     ScanImportC(PointSourceI& source, const ImportChoicesC& choices, const BatchDoneT& batchDone);
 
     const ScanFormatC& GetFormat() const noexcept { return m_oEncodings.GetFormat(); }

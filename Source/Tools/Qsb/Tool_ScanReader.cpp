@@ -9,6 +9,7 @@
 #include "Tools/Qsb/Tool_Error.h"
 
 #include <algorithm>
+#include <bit>
 #include <fmt/format.h>
 
 namespace Tool {
@@ -70,6 +71,30 @@ std::uint32_t ScanReaderC::GetContentFlags() const
     return m_oStrategy.GetPointDefinition()->GetAvailablePointData();
 }
 
+std::uint64_t ScanReaderC::GetNumberOfReadablePoints() const
+{
+    const std::uint64_t ullHeld =
+        m_oStrategy.GetData()->m_ullDataBytesPresent / m_oStrategy.GetPointDefinition()->GetSizeInBytes();
+    return std::min(ullHeld, GetNumberOfPoints());
+}
+
+std::size_t ScanReaderC::GetNumberOfHiddenElements() const
+{
+    return m_oStrategy.GetPointDefinition()->GetCount() -
+           static_cast<std::size_t>(std::popcount(GetContentFlags()));
+}
+
+std::uint64_t ScanReaderC::GetNumberOfPointClouds() const
+{
+    std::uint64_t ullCount = 0;
+    for (const SIO::QsbBlockC& block : m_oContainer.GetBlocks().GetRecords()) {
+        const bool bPointCloud = block.GetId() == SIO::QsbFormat::s_uiPointCloudId ||
+                                 block.GetId() == SIO::QsbFormat::s_uiCountedPointCloudId;
+        if (bPointCloud) ullCount += block.GetRunLength();
+    }
+    return ullCount;
+}
+
 bool ScanReaderC::HasGridSize() const noexcept
 {
     const auto& grid = GetInfo().auiGridSize;
@@ -80,31 +105,23 @@ void ScanReaderC::Read(std::vector<ScanPointC>& points)
 {
     const SIO::PointDefinitionContainerI& definition = *m_oStrategy.GetPointDefinition();
     const std::size_t nRecordBytes = definition.GetSizeInBytes();
-    const std::uint64_t ullPoints = GetNumberOfPoints();
-    const auto uiCount =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(s_uiBatch, ullPoints - m_ullRead));
-    const std::uint64_t ullReadable = m_oStrategy.GetData()->m_ullDataBytesPresent / nRecordBytes;
-    points.clear();
-    if (uiCount == 0) return;
     // What the file does not hold is not allocated for, and what it holds of a torn batch is still delivered.
-    const std::uint64_t ullHeld = ullReadable - std::min(m_ullRead, ullReadable);
-    const auto uiWanted = static_cast<std::uint32_t>(std::min<std::uint64_t>(uiCount, ullHeld));
-    if (uiWanted != 0) {
-        m_vecRaw.resize(uiWanted * nRecordBytes);
-        if (m_oContainer.ReadPoints(m_oStrategy, m_vecRaw.data(), uiWanted) == uiWanted) {
-            points.resize(uiWanted);
-            ScanPointIteratorC iterator(points.data());
-            const GMAT::Matrix4C unused;
-            for (std::uint32_t i = 0; i < uiWanted; ++i, iterator.Advance()) {
-                definition.Decode(iterator.Current(), m_vecRaw.data() + i * nRecordBytes, unused);
-            }
-        }
-    }
-    m_ullRead += points.size();
-    if (points.empty()) {
+    const auto uiWanted = static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(s_uiBatch, GetNumberOfReadablePoints() - m_ullRead));
+    points.clear();
+    if (m_ullRead == GetNumberOfPoints()) return;
+    m_vecRaw.resize(uiWanted * nRecordBytes);
+    if (uiWanted == 0 || m_oContainer.ReadPoints(m_oStrategy, m_vecRaw.data(), uiWanted) != uiWanted) {
         throw ToolErrorC(s_iDamaged, fmt::format("{}: the data is torn, {} of {} points are readable",
-                                                 m_strPath, m_ullRead, ullPoints));
+                                                 m_strPath, m_ullRead, GetNumberOfPoints()));
     }
+    points.resize(uiWanted);
+    ScanPointIteratorC iterator(points.data());
+    const GMAT::Matrix4C unused;
+    for (std::uint32_t i = 0; i < uiWanted; ++i, iterator.Advance()) {
+        definition.Decode(iterator.Current(), m_vecRaw.data() + i * nRecordBytes, unused);
+    }
+    m_ullRead += uiWanted;
 }
 
 void ScanReaderC::Rewind()

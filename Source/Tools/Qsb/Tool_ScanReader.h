@@ -32,6 +32,15 @@ public:
     const ScanFormatC& GetFormat() const noexcept { return m_oFormat; }
     const SIO::QsbScanInfoC& GetInfo() const noexcept { return m_oStrategy.GetInfo(); }
 
+    /// Points that the file holds whole; fewer than there should be when it is torn.
+    std::uint64_t GetNumberOfReadablePoints() const;
+
+    /// Elements that stand beside another one of their kind, whose values count instead.
+    std::size_t GetNumberOfHiddenElements() const;
+
+    /// Point-cloud blocks of the file, of which one is read.
+    std::uint64_t GetNumberOfPointClouds() const;
+
     /// Whether the header has grid dimensions that make a grid.
     bool HasGridSize() const noexcept;
 

@@ -19,18 +19,26 @@ std::pair<SIO::PointDataKindT, std::uint32_t> ElementOf(const ScanFormatC& forma
     switch (eValue) {
     case ScanValueT::X:
     case ScanValueT::Y:
-    case ScanValueT::Z: return {SIO::PD_POSITION, format.uiPosition};
-    case ScanValueT::Intensity: return {SIO::PD_INTENSITY, format.uiIntensity};
-    case ScanValueT::Noise: return {SIO::PD_LEVEL_OF_NOISE, format.uiNoise};
+    case ScanValueT::Z:
+        return {SIO::PD_POSITION, format.uiPosition};
+    case ScanValueT::Intensity:
+        return {SIO::PD_INTENSITY, format.uiIntensity};
+    case ScanValueT::Noise:
+        return {SIO::PD_LEVEL_OF_NOISE, format.uiNoise};
     case ScanValueT::Row:
-    case ScanValueT::Column: return {SIO::PD_GRID, format.uiGrid};
-    default: return {SIO::PD_COLOR, format.uiColor};
+    case ScanValueT::Column:
+        return {SIO::PD_GRID, format.uiGrid};
+    default:
+        return {SIO::PD_COLOR, format.uiColor};
     }
 }
 
 } // namespace
 
-bool IsStored(const ScanFormatC& format, ScanValueT eValue) { return ElementOf(format, eValue).second != 0; }
+bool IsStored(const ScanFormatC& format, ScanValueT eValue)
+{
+    return ElementOf(format, eValue).second != 0;
+}
 
 NumberTypeT StoredTypeOf(const ScanFormatC& format, ScanValueT eValue)
 {

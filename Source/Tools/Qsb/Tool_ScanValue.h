@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The numbers of a point one by one, as interchange files know them: each is a column with a name, where the scan file
-// knows elements of several numbers. Their order is the order in which columns are written.
+// The numbers of a point one by one, as interchange files know them: each is a column with a name, where the
+// scan file knows elements of several numbers. Their order is the order in which columns are written.
 #pragma once
 
 #include "Tools/Qsb/Tool_NumberType.h"
@@ -35,7 +35,10 @@ inline constexpr std::size_t s_nScanValues = 10;
 inline constexpr std::array<std::string_view, s_nScanValues> s_astrScanValueNames = {
     "x", "y", "z", "intensity", "noise", "red", "green", "blue", "row", "col"};
 
-constexpr std::string_view NameOf(ScanValueT eValue) { return s_astrScanValueNames[static_cast<std::size_t>(eValue)]; }
+constexpr std::string_view NameOf(ScanValueT eValue)
+{
+    return s_astrScanValueNames[static_cast<std::size_t>(eValue)];
+}
 
 /// Whether points of this format have the value.
 bool IsStored(const ScanFormatC& format, ScanValueT eValue);
@@ -47,16 +50,26 @@ NumberTypeT StoredTypeOf(const ScanFormatC& format, ScanValueT eValue);
 inline double& ValueIn(ScanPointC& point, ScanValueT eValue) noexcept
 {
     switch (eValue) {
-    case ScanValueT::X: return point.x;
-    case ScanValueT::Y: return point.y;
-    case ScanValueT::Z: return point.z;
-    case ScanValueT::Intensity: return point.dIntensity;
-    case ScanValueT::Noise: return point.dNoise;
-    case ScanValueT::Red: return point.adColor[0];
-    case ScanValueT::Green: return point.adColor[1];
-    case ScanValueT::Blue: return point.adColor[2];
-    case ScanValueT::Row: return point.adGrid[0];
-    default: return point.adGrid[1];
+    case ScanValueT::X:
+        return point.x;
+    case ScanValueT::Y:
+        return point.y;
+    case ScanValueT::Z:
+        return point.z;
+    case ScanValueT::Intensity:
+        return point.dIntensity;
+    case ScanValueT::Noise:
+        return point.dNoise;
+    case ScanValueT::Red:
+        return point.adColor[0];
+    case ScanValueT::Green:
+        return point.adColor[1];
+    case ScanValueT::Blue:
+        return point.adColor[2];
+    case ScanValueT::Row:
+        return point.adGrid[0];
+    default:
+        return point.adGrid[1];
     }
 }
 

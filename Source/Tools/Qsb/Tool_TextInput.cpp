@@ -18,7 +18,10 @@ namespace {
 
 constexpr std::size_t s_nBufferBytes = 65536;
 
-bool IsSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r' || c == '\v' || c == '\f'; }
+bool IsSpace(char c)
+{
+    return c == ' ' || c == '\n' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
+}
 
 } // namespace
 
@@ -44,8 +47,8 @@ bool TextInputC::Refill()
     m_ullBufferOffset += m_nPosition;
     m_nEnd -= m_nPosition;
     m_nPosition = 0;
-    const std::size_t nRead = m_rInput.poInput->ReadAt(m_ullBufferOffset + m_nEnd, m_vecBuffer.data() + m_nEnd,
-                                                       m_vecBuffer.size() - m_nEnd);
+    const std::size_t nRead = m_rInput.poInput->ReadAt(
+        m_ullBufferOffset + m_nEnd, m_vecBuffer.data() + m_nEnd, m_vecBuffer.size() - m_nEnd);
     m_nEnd += nRead;
     return nRead != 0;
 }
@@ -98,7 +101,8 @@ std::string_view TextInputC::TakeWord()
     std::size_t nLength = 0;
     while (true) {
         const char* pWord = m_vecBuffer.data() + m_nPosition;
-        while (m_nPosition + nLength < m_nEnd && !IsSpace(pWord[nLength])) ++nLength;
+        while (m_nPosition + nLength < m_nEnd && !IsSpace(pWord[nLength]))
+            ++nLength;
         if (nLength > s_nLongestWord) FailAtLine(fmt::format("a word longer than {} bytes", s_nLongestWord));
         if (m_nPosition + nLength < m_nEnd || !Refill()) break;
     }

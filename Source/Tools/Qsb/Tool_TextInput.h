@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Buffered reading of an input of which some is text: lines, words between white space, and bytes, with the line number
-// for messages. Lines end with LF or CRLF. Lengths are bounded, whatever the input holds. One thread at a time.
+// Buffered reading of an input of which some is text: lines, words between white space, and bytes, with the
+// line number for messages. Lines end with LF or CRLF. Lengths are bounded, whatever the input holds. One
+// thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -33,12 +34,12 @@ public:
     /// Bytes from the place to the end of the input.
     std::uint64_t GetBytesLeft() const noexcept;
 
-    /// The next line without its end. False at the end of the input. ToolErrorC with s_iDamaged when it is longer than
-    /// s_nLongestLine.
+    /// The next line without its end. False at the end of the input. ToolErrorC with s_iDamaged when it is
+    /// longer than s_nLongestLine.
     bool ReadLine(std::string& line);
 
-    /// The next word, valid until the next call of any operation; empty at the end of the input. ToolErrorC with
-    /// s_iDamaged when it is longer than s_nLongestWord.
+    /// The next word, valid until the next call of any operation; empty at the end of the input. ToolErrorC
+    /// with s_iDamaged when it is longer than s_nLongestWord.
     std::string_view ReadWord();
 
     /// The same, but does not pass the end of the line: empty there.

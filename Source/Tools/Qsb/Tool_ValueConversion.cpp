@@ -10,16 +10,17 @@
 
 namespace Tool {
 
-ValueConversionC::ValueConversionC(NumberTypeT eSource, NumberTypeT eStored, double dMultiplier, double dDivisor)
+ValueConversionC::ValueConversionC(NumberTypeT eSource, NumberTypeT eStored, double dMultiplier,
+                                   double dDivisor)
     : m_eSource(eSource), m_eStored(eStored), m_dMultiplier(dMultiplier), m_dDivisor(dDivisor),
       m_bExact(dMultiplier == dDivisor && HoldsAllOf(eStored, eSource))
-{
-}
+{}
 
 void ValueConversionC::Convert(std::vector<double>& values)
 {
     if (IsFloating(m_eSource)) {
-        for (const double dValue : values) m_ullNotFinite += std::isfinite(dValue) ? 0 : 1;
+        for (const double dValue : values)
+            m_ullNotFinite += std::isfinite(dValue) ? 0 : 1;
     }
     if (m_bExact) return;
     for (double& dValue : values) {
@@ -44,7 +45,8 @@ void ValueConversionC::Compare(double dValue, double dStored) noexcept
     if (dBack == dValue || (std::isnan(dBack) && std::isnan(dValue))) return;
     ++m_ullChanged;
     const double dChange = std::abs(dBack - dValue);
-    if (dChange > m_dLargestChange) m_dLargestChange = dChange; // A NaN that became 0 has no distance from it.
+    if (dChange > m_dLargestChange)
+        m_dLargestChange = dChange; // A NaN that became 0 has no distance from it.
 }
 
 ReportRowC ValueConversionC::GetReportRow(const std::string& what) const

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Values of one number type on their way into another: scaled where that is wanted, rounded to the nearest value that
-// the new type has, clamped to its range, NaN as 0 where it has none. Counts the values that cannot be had back as they
-// were. One thread at a time.
+// Values of one number type on their way into another: scaled where that is wanted, rounded to the nearest
+// value that the new type has, clamped to its range, NaN as 0 where it has none. Counts the values that
+// cannot be had back as they were. One thread at a time.
 #pragma once
 
 #include "Tools/Qsb/Tool_NumberType.h"
@@ -18,7 +18,8 @@ class ValueConversionC
 {
 public:
     /// Values are multiplied by `dMultiplier` and divided by `dDivisor`, both positive.
-    ValueConversionC(NumberTypeT eSource, NumberTypeT eStored, double dMultiplier = 1.0, double dDivisor = 1.0);
+    ValueConversionC(NumberTypeT eSource, NumberTypeT eStored, double dMultiplier = 1.0,
+                     double dDivisor = 1.0);
 
     /// Replaces values by what is to be stored.
     void Convert(std::vector<double>& values);

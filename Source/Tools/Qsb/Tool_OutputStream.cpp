@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The buffer takes the place of the C library's own.
+#include "Tools/Qsb/Tool_OutputStream.h"
+
+#include "Bss/Bss_Hal/BSS_HAL_Path.h"
+#include "Bss/Bss_Hal/BSS_HAL_Stream.h"
+#include "Tools/Qsb/Tool_Error.h"
+#include "Tools/Qsb/Tool_OutputFile.h"
+
+#include <fmt/format.h>
+
+namespace Tool {
+
+namespace {
+
+constexpr std::size_t s_nLargeBuffer = std::size_t{1} << 20;
+
+} // namespace
+
+OutputStreamC::OutputStreamC(const OutputFileC& file)
+    : m_strTarget(file.GetTarget()),
+      m_pStream(BSS::HAL::OpenStream(BSS::HAL::WidePath(file.GetTemporaryPath()), "wb"), &std::fclose)
+{
+    if (!m_pStream) {
+        throw ToolErrorC(s_iFailed, fmt::format("{}: cannot be written; may you write to its folder?", m_strTarget));
+    }
+    std::setbuf(m_pStream.get(), nullptr);
+}
+
+void OutputStreamC::Written()
+{
+    if (m_strBuffer.size() >= s_nLargeBuffer) Flush();
+}
+
+void OutputStreamC::Flush()
+{
+    const std::size_t nBytes = m_strBuffer.size();
+    if (std::fwrite(m_strBuffer.data(), 1, nBytes, m_pStream.get()) != nBytes) Fail();
+    m_strBuffer.clear();
+}
+
+void OutputStreamC::Close()
+{
+    Flush();
+    if (std::fclose(m_pStream.release()) != 0) Fail();
+}
+
+void OutputStreamC::Fail() const
+{
+    throw ToolErrorC(s_iFailed, fmt::format("{}: writing failed; is there room left?", m_strTarget));
+}
+
+} // namespace Tool

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Writes a file in large pieces. ToolErrorC with s_iFailed when the system does not take them. One thread at a time.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace Tool {
+
+class OutputFileC;
+
+class OutputStreamC
+{
+public:
+    /// Makes the temporary file of `file`.
+    explicit OutputStreamC(const OutputFileC& file);
+
+    /// Text or bytes to be written: append to it, then call Written.
+    std::string& Buffer() noexcept { return m_strBuffer; }
+
+    /// Writes the buffer when it has become large.
+    void Written();
+
+    /// Writes what is left and closes the file, which must be done before it is committed.
+    void Close();
+
+private:
+    void Flush();
+    [[noreturn]] void Fail() const;
+
+    std::string m_strTarget;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> m_pStream;
+    std::string m_strBuffer;
+};
+
+} // namespace Tool

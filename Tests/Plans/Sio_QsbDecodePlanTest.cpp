@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Decoding a batch gives what the virtual calls give, whatever the elements, the numbers, the matrix, the
+// count and where the bytes lie.
+#include "Sio/Sio_QsbDecodePlan.h"
+#include "Plans/PlanCases.h"
+#include "Sio/Sio_QsbFileFormat.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+using namespace PlanTest;
+using namespace SIO;
+namespace F = QsbFormat;
+
+constexpr std::size_t s_nMostPoints = 70;
+
+/// Bytes at the end of a heap block of their own and at an address of their own: nothing may be read behind
+/// them.
+class ExactBytesC
+{
+public:
+    ExactBytesC(const char* pBytes, std::size_t nBytes, std::size_t nShift)
+        : m_pBlock(new char[nShift + nBytes]), m_nShift(nShift)
+    {
+        if (nBytes != 0) std::memcpy(Get(), pBytes, nBytes);
+    }
+
+    char* Get() const { return m_pBlock.get() + m_nShift; }
+
+private:
+    std::unique_ptr<char[]> m_pBlock;
+    std::size_t m_nShift;
+};
+
+/// The same for records, which lie at multiples of 8 and not always of 16 or 32.
+QsbPointC* RecordsIn(const ExactBytesC& bytes)
+{
+    return reinterpret_cast<QsbPointC*>(bytes.Get());
+}
+
+void ExpectPlanEqualsVirtualCalls(const LayoutT& layout, const GMAT::Matrix4C& matrix, std::mt19937& random)
+{
+    PointDefinitionC definition;
+    layout.Define(definition);
+    const QsbDecodePlanC plan(definition);
+    ASSERT_TRUE(plan.IsUsable()) << layout.Name();
+    const std::size_t nRecordBytes = definition.GetSizeInBytes();
+    const std::vector<char> stored = RandomStoredPoints(definition, s_nMostPoints, random);
+    const std::vector<QsbPointC> before = RandomRecords(s_nMostPoints, random);
+    std::vector<QsbPointC> expected = before;
+    DecodeVirtually(definition, stored.data(), s_nMostPoints, matrix, expected.data());
+
+    for (const QsbInstructionSetT eSet : PlanSets()) {
+        for (std::size_t nPoints = 0; nPoints <= s_nMostPoints; ++nPoints) {
+            const ExactBytesC source(stored.data(), nPoints * nRecordBytes, nPoints % 17);
+            const ExactBytesC target(reinterpret_cast<const char*>(before.data()),
+                                     nPoints * sizeof(QsbPointC), nPoints % 4 * 8);
+            plan.Decode(source.Get(), nPoints, matrix, RecordsIn(target), eSet);
+            ASSERT_TRUE(SameBytes(expected.data(), RecordsIn(target), nPoints))
+                << layout.Name() << ", set " << static_cast<int>(eSet);
+        }
+    }
+}
+
+void ExpectAllCombinationsEqual(std::uint32_t uiPositionType, bool bRaw, unsigned int uiSeed)
+{
+    std::mt19937 random(uiSeed);
+    for (const LayoutT& layout : AllCombinations(uiPositionType, bRaw)) {
+        for (const GMAT::Matrix4C& matrix : Matrices()) {
+            ExpectPlanEqualsVirtualCalls(layout, matrix, random);
+            if (testing::Test::HasFatalFailure()) return;
+        }
+    }
+}
+
+TEST(QsbDecodePlan, DecodesFloatPositionsAsTheVirtualCallsDo)
+{
+    ExpectAllCombinationsEqual(F::s_uiTypeFloatTriple, false, 1);
+}
+
+TEST(QsbDecodePlan, DecodesDoublePositionsAsTheVirtualCallsDo)
+{
+    ExpectAllCombinationsEqual(F::s_uiTypeDoubleTriple, false, 2);
+}
+
+TEST(QsbDecodePlan, DecodesRawFloatPositionsAsTheVirtualCallsDo)
+{
+    ExpectAllCombinationsEqual(F::s_uiTypeFloatTriple, true, 3);
+}
+
+TEST(QsbDecodePlan, DecodesRawDoublePositionsAsTheVirtualCallsDo)
+{
+    ExpectAllCombinationsEqual(F::s_uiTypeDoubleTriple, true, 4);
+}
+
+TEST(QsbDecodePlan, OfSeveralElementsOfAKindTheLastOneWins)
+{
+    std::mt19937 random(6);
+    for (const LayoutT& layout : LayoutsWithDuplicates()) {
+        for (const GMAT::Matrix4C& matrix : Matrices()) {
+            ExpectPlanEqualsVirtualCalls(layout, matrix, random);
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
+TEST(QsbDecodePlan, DecodesLongBatchesTileByTile)
+{
+    constexpr std::size_t nPoints = 1000; // more than a tile, and no multiple of one
+    std::mt19937 random(7);
+    const LayoutT layout{{{PD_POSITION, F::s_uiTypeFloatTriple},
+                          {PD_INTENSITY, F::s_uiTypeFloat},
+                          {PD_INTENSITY, F::s_uiTypeUInt16},
+                          {PD_LEVEL_OF_NOISE, F::s_uiTypeFloat},
+                          {PD_COLOR, F::s_uiTypeColor}}};
+    PointDefinitionC definition;
+    layout.Define(definition);
+    const std::vector<char> stored = RandomStoredPoints(definition, nPoints, random);
+    const std::vector<QsbPointC> before = RandomRecords(nPoints, random);
+    std::vector<QsbPointC> expected = before;
+    DecodeVirtually(definition, stored.data(), nPoints, Matrices()[1], expected.data());
+    for (const QsbInstructionSetT eSet : PlanSets()) {
+        std::vector<QsbPointC> actual = before;
+        QsbDecodePlanC(definition).Decode(stored.data(), nPoints, Matrices()[1], actual.data(), eSet);
+        EXPECT_TRUE(SameBytes(expected.data(), actual.data(), nPoints)) << static_cast<int>(eSet);
+    }
+}
+
+} // namespace
