@@ -27,6 +27,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # No build time inside, so that the same sources give the same bytes.
 foreach(kind EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
+  set(CMAKE_${kind}_LINKER_FLAGS_RELEASE_INIT -s) # the compiler's own libraries bring symbols for a debugger
 endforeach()
 
 # What runs the programs that are built. Wine itself stands in for a missing Windows.
