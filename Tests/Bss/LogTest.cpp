@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Log lines, consumers, the log file and the manager.
+// Log lines and consumers.
 #include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
-#include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
-#include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
-#include "Bss/Bss_Hal/BSS_HAL_ConfigValue.h"
-#include "Bss/Bss_Hal/BSS_HAL_Path.h"
-#include "Bss/Bss_Os/BSS_OS_PathMap.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogPrefix.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Uti/BSS_UTI_Format.h"
+#include "Support/AllocationCount.h"
 #include "Support/DebugOutputCapture.h"
-#include "Support/Environment.h"
-#include "Support/Files.h"
-#include "Support/LogCapture.h"
-#include "Support/ReportCapture.h"
-#include "Support/TemporaryDirectory.h"
 
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 #include <new>
@@ -147,13 +142,6 @@ TEST(LogConsumer, LevelsBelowTheThresholdAreNotLogged)
     EXPECT_EQ(consumer.text, "yes\n");
 }
 
-TEST(LogConsumer, LongMessageIsCutToTheLineBuffer)
-{
-    TextConsumer consumer;
-    consumer.Log(LEVEL_INFO, "%s", std::string(100000, 'x'));
-    EXPECT_EQ(consumer.text, std::string(DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE - 1, 'x') + "\n");
-}
-
 TEST(LogConsumer, FailedWriteIsToldOnTheDebugOutputAndLoggingGoesOn)
 {
     const Support::DebugOutputCapture debug;
@@ -205,182 +193,234 @@ TEST(LogConsumer, LinesOfOneMessageStayTogether)
     EXPECT_EQ(consumer.text, expected);
 }
 
-// A log directory of the test's own; the run's usual one comes back afterwards.
-class LogFile : public testing::Test
+std::string Repeated(std::size_t count)
 {
-protected:
-    LogFile() { BSS::OS::SetLogDirectory(m_directory.Wide("log")); }
-    ~LogFile() override { BSS::OS::SetLogDirectory(L""); }
+    return std::string(count, 'x');
+}
 
-    std::string Bytes(const std::string& name) const
-    {
-        return Support::ReadAll(m_directory.Narrow("log/" + name));
+TEST(LogConsumer, MessageLongerThanTheLineBufferIsContinuedInMarkedLinesAndWhole)
+{
+    TextConsumer consumer;
+    consumer.Log(LEVEL_INFO, "%s", Repeated(40000));
+    std::size_t found = 0;
+    int number = 0;
+    for (const std::string_view line : SplitMessage(consumer.text)) {
+        EXPECT_LT(line.size(), DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE);
+        ++number;
+        const std::string begin =
+            BSS::UTI::Format("name: %03d, %s", number, number > 1 ? "(continued) " : "");
+        EXPECT_EQ(line.substr(0, begin.size()), begin);
+        EXPECT_EQ(line.find_first_not_of('x', begin.size()), std::string_view::npos);
+        found += line.size() - begin.size();
     }
-    bool Exists(const std::string& name) const
+    EXPECT_EQ(found, 40000u);
+    EXPECT_EQ(number, 3);
+}
+
+TEST(LogConsumer, LongestLineThatFitsIsOneLine)
+{
+    TextConsumer consumer;
+    const std::size_t most = DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE - 3; // line end and terminator
+    consumer.Log(LEVEL_INFO, "%s", Repeated(most));
+    EXPECT_EQ(consumer.text, Repeated(most) + "\n");
+}
+
+TEST(LogConsumer, ContinuedLineIsNotCutInsideACharacter)
+{
+    TextConsumer consumer;
+    std::string text = "a";
+    for (int i = 0; i < 20000; ++i)
+        text += "\u00E9";
+    consumer.logText(LEVEL_INFO, text);
+    EXPECT_EQ(consumer.text.find("\\x"), std::string::npos);
+    EXPECT_NE(consumer.text.find("(continued) \u00E9"), std::string::npos);
+}
+
+TEST(LogConsumer, MessageBeyondTheLargestSaysThatItIsCut)
+{
+    TextConsumer consumer;
+    consumer.Log(LEVEL_INFO, "%2000000000d", 1);
+    EXPECT_LT(consumer.text.size(), 2 * DbgLogConsumerC::MAX_MESSAGE_BYTES);
+    EXPECT_NE(consumer.text.find("(the message was longer than 1048576 bytes; the rest is left out)\n"),
+              std::string::npos);
+}
+
+TEST(LogConsumer, WideFormatMeansWideTextByS)
+{
+    TextConsumer consumer;
+    consumer.Log(LEVEL_INFO, L"%s and %S", L"wide \u20AC", "narrow");
+    EXPECT_EQ(consumer.text, "wide \u20AC and narrow\n");
+}
+
+TEST(LogConsumer, TextIsNotReadAsFormat)
+{
+    TextConsumer consumer;
+    consumer.logText(LEVEL_INFO, "100 %s %n");
+    EXPECT_EQ(consumer.text, "100 %s %n\n");
+}
+
+TEST(LogConsumer, NullFormatIsNamed)
+{
+    TextConsumer consumer;
+    consumer.Log(LEVEL_INFO, static_cast<const char*>(nullptr));
+    consumer.Log(LEVEL_INFO, static_cast<const wchar_t*>(nullptr));
+    EXPECT_EQ(consumer.text, "(null)\n(null)\n");
+}
+
+TEST(LogConsumer, LineSplittingWritesBareLines)
+{
+    TextConsumer consumer;
+    consumer.setLineSplitting(true);
+    consumer.Log(LEVEL_INFO, "$GPGGA,1\r\n$GPGSA,2\r\n");
+    EXPECT_EQ(consumer.text, "$GPGGA,1\n$GPGSA,2\n");
+}
+
+TEST(LogConsumer, PrefixKindChangesWhileRunning)
+{
+    TextConsumer consumer;
+    consumer.setPrefixKind(PrefixKind::UtcTime);
+    consumer.Log(LEVEL_INFO, "a");
+    consumer.setPrefixKind(PrefixKind::None);
+    consumer.Log(LEVEL_INFO, "b");
+    EXPECT_EQ(consumer.text.substr(24), " UTC]a\nb\n");
+    EXPECT_EQ(consumer.getPrefixKind(), PrefixKind::None);
+}
+
+TEST(LogConsumer, NameInNumberedLinesCannotForgeALine)
+{
+    class Named final : public DbgLogConsumerC
     {
-        return boost::filesystem::exists(m_directory.Path() / name);
+    public:
+        Named() : DbgLogConsumerC("a\nb", PrefixKind::None) {}
+        std::string text;
+
+    protected:
+        bool write(std::string_view lines) override { return text += lines, true; }
+    } consumer;
+    consumer.Log(LEVEL_INFO, "1\n2");
+    EXPECT_EQ(consumer.text, "a\\x0Ab: 001, 1\na\\x0Ab: 002, 2\n");
+}
+
+TEST(LogConsumer, EveryKindOfLineEndAndTerminalCommandIsMadeHarmless)
+{
+    const char* const hostile[] = {"a\x0B"
+                                   "b",
+                                   "a\x0C"
+                                   "b",
+                                   "a\xC2\x85"
+                                   "b",
+                                   "a\xE2\x80\xA8"
+                                   "b",
+                                   "a\xE2\x80\xA9"
+                                   "b",
+                                   "a\x1B[1A"
+                                   "b",
+                                   "a\x9B"
+                                   "1Ab",
+                                   "a\xC2\x9B"
+                                   "1Ab",
+                                   "a\x08\x08"
+                                   "b",
+                                   "a\xE2\x80\xAE"
+                                   "b",
+                                   "a\x7F"
+                                   "b",
+                                   "a\xFF"
+                                   "b"};
+    for (const char* const text : hostile) {
+        TextConsumer consumer;
+        consumer.Log(LEVEL_INFO, "%s", text);
+        EXPECT_EQ(consumer.text.rfind("a\\x", 0), 0u) << consumer.text;
+        EXPECT_EQ(consumer.text.find('\n'), consumer.text.size() - 1);
     }
-
-    const Support::TemporaryDirectory m_directory;
-};
-
-TEST_F(LogFile, NothingIsMadeBeforeTheFirstLine)
-{
-    const DbgLogFileConsumerC consumer("c", L"c.txt");
-    EXPECT_FALSE(Exists("log"));
 }
 
-TEST_F(LogFile, LinesAreAppended)
+TEST(LogConsumer, SpacesTabsAndOtherLanguagesStayAsTheyAre)
 {
-    DbgLogFileC file(L"a.txt", 0);
-    EXPECT_TRUE(file.append("one\n"));
-    EXPECT_TRUE(DbgLogFileC(L"a.txt", 0).append("two\n"));
-    EXPECT_EQ(Bytes("a.txt"), "one\ntwo\n");
+    TextConsumer consumer;
+    consumer.Log(LEVEL_INFO, "%s", "\tGr\u00F6\u00DFe \u6D4B\u91CF ~");
+    EXPECT_EQ(consumer.text, "\tGr\u00F6\u00DFe \u6D4B\u91CF ~\n");
 }
 
-TEST_F(LogFile, FullFileBecomesTheOlderOne)
+TEST(LogConsumer, DisabledCallFormatsAndAllocatesNothing)
 {
-    DbgLogFileC file(L"a.txt", 10);
-    EXPECT_TRUE(file.append("12345\n"));
-    EXPECT_TRUE(file.append("678\n"));
-    EXPECT_FALSE(Exists("log/a.1.txt"));
-    EXPECT_TRUE(file.append("next\n"));
-    EXPECT_EQ(Bytes("a.1.txt"), "12345\n678\n");
-    EXPECT_EQ(Bytes("a.txt"), "next\n");
+    TextConsumer consumer;
+    consumer.setLevel(LEVEL_WARN);
+    const std::string argument = Repeated(100);
+    const Support::AllocationCount count;
+    consumer.Log(LEVEL_INFO, "%s %d", argument, 5);
+    EXPECT_EQ(count.Count(), 0u);
+    EXPECT_EQ(consumer.text, "");
 }
 
-TEST_F(LogFile, OneOlderFileIsKept)
+TEST(LogConsumer, PlainLineIsMadeWithoutAllocating)
 {
-    DbgLogFileC file(L"a", 4);
-    for (const char* line : {"1\n", "22\n", "333\n"})
-        EXPECT_TRUE(file.append(line));
-    EXPECT_EQ(Bytes("a.1"), "22\n");
-    EXPECT_EQ(Bytes("a"), "333\n");
-}
-
-TEST_F(LogFile, TextLongerThanTheLimitIsCutToIt)
-{
-    DbgLogFileC file(L"a.txt", 4);
-    EXPECT_TRUE(file.append("1234567\n"));
-    EXPECT_EQ(Bytes("a.txt"), "1234");
-}
-
-TEST_F(LogFile, FullFileThatCannotBecomeTheOlderOneDoesNotGrow)
-{
-    DbgLogFileC file(L"a.txt", 4);
-    EXPECT_TRUE(file.append("123\n"));
-    boost::filesystem::create_directories(m_directory.Path() / "log/a.1.txt/in the way");
-    EXPECT_FALSE(file.append("456\n"));
-    EXPECT_EQ(Bytes("a.txt"), "123\n");
-}
-
-TEST_F(LogFile, DirectoryThatIsTakenAwayIsMadeAnew)
-{
-    DbgLogFileC file(L"a.txt", 0);
-    EXPECT_TRUE(file.append("one\n"));
-    boost::filesystem::remove_all(m_directory.Path() / "log");
-    EXPECT_TRUE(file.append("two\n"));
-    EXPECT_EQ(Bytes("a.txt"), "two\n");
-}
-
-TEST_F(LogFile, FlushSucceedsWithAndWithoutAFile)
-{
-    DbgLogFileC file(L"a.txt", 0);
-    EXPECT_TRUE(file.flush());
-    EXPECT_TRUE(file.append("one\n"));
-    EXPECT_TRUE(file.flush());
-}
-
-TEST_F(LogFile, UnwritableDirectoryIsToldOnTheDebugOutputAndWorkGoesOn)
-{
-    Support::WriteAll(m_directory.Narrow("log"), "a file in the directory's place");
-    const Support::DebugOutputCapture debug;
-    DbgLogFileConsumerC consumer("name", L"a.txt");
-    consumer.Log(LEVEL_ERROR, "lost");
-    EXPECT_EQ(debug.Text(), FAILURE);
-    boost::filesystem::remove(m_directory.Path() / "log");
-    consumer.Log(LEVEL_ERROR, "found");
-    EXPECT_NE(Bytes("a.txt").find("found\n"), std::string::npos);
-}
-
-TEST_F(LogFile, SystemErrorLoggerWritesItsOwnFileWithTheFullPrefix)
-{
-    DbgLogMgrC::instance().getSystemErrorLogger()->Log(LEVEL_ERROR, "hello");
-    const std::string line = Bytes("ErrorLog.txt");
-    EXPECT_EQ(line.substr(0, 1), "[");
-    EXPECT_EQ(line.substr(25, 22), " Main Thread         (");
-    EXPECT_EQ(line.substr(line.size() - 13), " ERROR hello\n");
-    EXPECT_EQ(DbgLogMgrC::instance().getSystemErrorLogger()->getName(), "SystemErrorLogger");
-}
-
-TEST(LogMgr, MissingSystemErrorLoggerIsToldOnTheDebugOutput)
-{
-    const Support::LogCapture restore;
-    DbgLogMgrC::instance().setSystemErrorLogger(nullptr);
-    const Support::DebugOutputCapture debug;
-    EXPECT_EQ(DbgLogMgrC::instance().getSystemErrorLogger(), nullptr);
-    EXPECT_EQ(debug.Text(), L"BSS::DBG::DbgLogMgrC::getSystemErrorLogger m_pSystemErrorLogger is NULL\r\n");
-}
-
-TEST(LogMgr, FailedFlushIsReported)
-{
-    struct Failing final : DbgLogConsumerC
+    struct Counting final : DbgLogConsumerC
     {
-        Failing() : DbgLogConsumerC("f", PrefixKind::None) {}
-        bool flush() override { return false; }
-        bool write(std::string_view) override { return true; }
-    };
-    const Support::LogCapture restore;
-    const Support::ReportCapture reports;
-    DbgLogMgrC::instance().setSystemErrorLogger(std::make_shared<Failing>());
-    DbgLogMgrC::instance().flush();
-    EXPECT_EQ(reports.Count("!\"Failed flushing logs!\""), 1u);
+        Counting() : DbgLogConsumerC("c", PrefixKind::Full) {}
+        bool write(std::string_view lines) override { return bytes += lines.size(), true; }
+        std::size_t bytes = 0;
+    } consumer;
+    consumer.Log(LEVEL_INFO, "the first line of a second makes its prefix");
+    const Support::AllocationCount count;
+    std::size_t least = ~std::size_t{0};
+    for (int i = 0; i < 10; ++i) { // a new second may begin once meanwhile
+        const std::size_t before = count.Count();
+        consumer.Log(LEVEL_INFO, "value %d of %u in %s", -i, 10u, "somewhere");
+        least = std::min(least, count.Count() - before);
+    }
+    EXPECT_EQ(least, 0u);
 }
 
-TEST(LogMgr, FlushThatSucceedsIsSilent)
+TEST(LogConsumer, ThreadNameSetMeanwhileIsInTheNextLine)
 {
-    const Support::LogCapture log;
-    const Support::ReportCapture reports;
-    DbgLogMgrC::instance().flush();
-    EXPECT_TRUE(reports.Reports().empty());
+    TextConsumer consumer(PrefixKind::Full);
+    std::thread([&consumer] {
+        consumer.Log(LEVEL_INFO, "a");
+        BSS::HAL::SetCurrentThreadName("worker 7");
+        consumer.Log(LEVEL_INFO, "b");
+    }).join();
+    EXPECT_NE(consumer.text.find("] UnknownThread       ("), std::string::npos);
+    EXPECT_NE(consumer.text.find("] worker 7            ("), std::string::npos);
 }
 
-TEST(PathMap, LogDirectoryIsTheEnvironmentsUntilOneIsSet)
+TEST(LogConsumer, ThreadNameCannotForgeALine)
 {
-    EXPECT_EQ(BSS::HAL::NarrowPath(BSS::OS::LogDirectory()), Support::LogDirectory());
-    BSS::OS::SetLogDirectory(L"/elsewhere");
-    EXPECT_EQ(BSS::OS::LogDirectory(), L"/elsewhere");
-    BSS::OS::SetLogDirectory(L"");
-    EXPECT_EQ(BSS::HAL::NarrowPath(BSS::OS::LogDirectory()), Support::LogDirectory());
+    TextConsumer consumer(PrefixKind::Full);
+    std::thread([&consumer] {
+        BSS::HAL::SetCurrentThreadName("x\n[2026");
+        consumer.Log(LEVEL_INFO, "a");
+    }).join();
+    EXPECT_EQ(consumer.text.find('\n'), consumer.text.size() - 1);
 }
 
-TEST(PathMap, AnswerIsRememberedUntilItIsSetAnew)
+TEST(LogPrefix, IsWhatThePureFunctionMakes)
 {
-    BSS::OS::SetLogDirectory(L"");
-    const std::wstring before = BSS::OS::LogDirectory();
-    const Support::TemporaryDirectory other;
-    const Support::ScopedEnvironment changed("SCANREADER_LOG_DIR", other.Narrow("log"));
-    EXPECT_EQ(BSS::OS::LogDirectory(), before);
-    BSS::OS::SetLogDirectory(L"");
-    EXPECT_EQ(BSS::HAL::NarrowPath(BSS::OS::LogDirectory()), other.Narrow("log"));
-    BSS::OS::SetLogDirectory(before);
+    BSS::HAL::WallTime time{1769903998, 7};
+    LogLineContextT context;
+    context.localTime = BSS::HAL::LocalTimeOf(time.seconds);
+    context.utcTime = BSS::HAL::UtcTimeOf(time.seconds);
+    context.localTime.millisecond = context.utcTime.millisecond = time.millisecond;
+    context.threadName = BSS::HAL::CurrentThreadName();
+    context.threadId = BSS::HAL::CurrentThreadId();
+    context.threadPriority = BSS::HAL::CurrentThreadPriority();
+    for (const PrefixKind kind :
+         {PrefixKind::None, PrefixKind::Full, PrefixKind::Time, PrefixKind::UtcTime}) {
+        for (context.level = 0; context.level <= 8; ++context.level) {
+            char buffer[256];
+            BSS::UTI::FormatOutT<char> out(buffer, sizeof buffer);
+            PutPrefix(out, kind, context.level, time);
+            EXPECT_EQ(std::string(buffer, out.Length()), PrefixedLine(kind, context, ""));
+        }
+    }
 }
 
-// The configured limit is read when the manager is made, so this needs a process of its own.
-TEST(LogMgrDeathTest, ConfiguredLimitIsKept)
+TEST(LogPrefix, SystemTimeIsUtcDayMonthYear)
 {
-    const auto logMuch = [] {
-        const std::string own = Support::LogDirectory() + "/limited";
-        const Support::PrivateConfiguration configuration(own);
-        BSS::OS::SetLogDirectory(BSS::HAL::WidePath(own));
-        if (!BSS::HAL::WriteConfigValue(L"Configuration", L"ErrorLogSize", 2)) std::_Exit(2);
-        for (int i = 0; i < 100; ++i)
-            DbgLogMgrC::instance().getSystemErrorLogger()->Log(LEVEL_ERROR, "line");
-        const bool kept = Support::ReadAll(own + "/ErrorLog.txt").size() <= 2048 &&
-                          Support::ReadAll(own + "/ErrorLog.1.txt").size() > 1900;
-        std::_Exit(kept ? 0 : 1);
-    };
-    EXPECT_EXIT(logMuch(), testing::ExitedWithCode(0), "");
+    char buffer[256];
+    BSS::UTI::FormatOutT<char> out(buffer, sizeof buffer);
+    PutPrefix(out, PrefixKind::UtcTime, LEVEL_INFO, {1769903998, 42});
+    EXPECT_EQ(std::string(buffer, out.Length()), "[31/01/2026 23:59:58.042 UTC]");
 }
 
 } // namespace

@@ -99,8 +99,8 @@ std::wstring DbgLogFileC::path() const
 bool DbgLogFileC::append(std::string_view lines, const HAL::WallTime& now)
 {
     m_nowMs = Milliseconds(now);
-    if (!prepare()) return false;
-    while (!lines.empty()) {
+    const bool there = prepare();
+    while (there && !lines.empty()) {
         std::size_t part = WholeLines(lines, BUFFER_BYTES);
         if (part == 0) part = std::min(lines.size(), BUFFER_BYTES);
         if (!take(lines.substr(0, part))) break;
@@ -108,7 +108,7 @@ bool DbgLogFileC::append(std::string_view lines, const HAL::WallTime& now)
     }
     m_nLost += static_cast<std::uint64_t>(std::count(lines.begin(), lines.end(), '\n'));
     const bool due = Elapsed(m_nowMs, m_handedOverMs) >= HAND_OVER_EVERY_MS;
-    return (!due || handOver()) && lines.empty();
+    return (!there || !due || handOver()) && lines.empty();
 }
 
 // Where the lines go from now on. What waits for another place goes there first.
@@ -123,8 +123,10 @@ bool DbgLogFileC::prepare()
         if (pending() > 0) static_cast<void>(handOver());
         close();
         forgetWritten();
+        m_handedOverMs = 0;
         m_pathVersion = OS::LogDirectoryVersion();
-        m_path = path();
+        m_directory = OS::LogDirectory();
+        m_path = m_directory.empty() ? m_directory : HAL::JoinPath(m_directory, m_name);
     }
     if (!m_buffer) m_buffer = std::make_unique<char[]>(BUFFER_BYTES);
     return !m_path.empty();
@@ -133,7 +135,9 @@ bool DbgLogFileC::prepare()
 bool DbgLogFileC::take(std::string_view lines)
 {
     if (lines.size() > BUFFER_BYTES - m_used) {
-        if (handOver()) static_cast<void>(verify());
+        // Twice, if the file turns out to be gone.
+        for (int i = 0; i < 2 && handOver() && verify() && pending() > 0; ++i) {
+        }
         if (lines.size() > BUFFER_BYTES - m_used) return false;
     }
     if (m_nLost > 0) tellLosses();
@@ -164,6 +168,7 @@ bool DbgLogFileC::handOver()
 bool DbgLogFileC::flush()
 {
     m_nowMs = Milliseconds(HAL::WallTimeNow());
+    if (!m_path.empty() && !prepare()) return false;
     if (!m_file && pending() == 0) return true;
     // Twice: lines that went to a file which has been taken away are written again.
     const bool there = handOver() && verify() && handOver() && verify();
@@ -174,7 +179,7 @@ bool DbgLogFileC::open()
 {
     m_file = HAL::AppendFileC::Open(m_path);
     // The directory may be missing yet, or have been taken away.
-    if (!m_file && HAL::MakePrivateDirectory(OS::LogDirectory())) m_file = HAL::AppendFileC::Open(m_path);
+    if (!m_file && HAL::MakePrivateDirectory(m_directory)) m_file = HAL::AppendFileC::Open(m_path);
     if (!m_file) return false;
     const std::uint64_t now = m_nowMs;
     m_verifiedMs = m_pathCheckedMs = now;
@@ -184,11 +189,10 @@ bool DbgLogFileC::open()
     } else if (m_othersSeenMs == 0 || Elapsed(now, m_othersSeenMs) >= SHARED_FOR_MS) {
         m_sole = m_file->TakeSoleUse();
     }
-    HAL::FileStatus status;
     const WriteLock lock(*m_file);
-    if (!m_file->GetStatus(status)) return close(), false;
-    m_sizeBytes = status.sizeBytes;
-    if (!lock.Busy()) repairEnd(status.sizeBytes);
+    HAL::FileStatus status;
+    m_sizeBytes = m_file->GetStatus(status) ? status.sizeBytes : 0;
+    if (!lock.Busy()) repairEnd(m_sizeBytes);
     return true;
 }
 
@@ -286,6 +290,7 @@ DbgLogFileC::RoundResult DbgLogFileC::writeLockedOnce()
     m_sizeBytes = status.sizeBytes;
     if (strange && !lock.Busy()) repairEnd(status.sizeBytes);
     if (!writeOnce(!lock.Busy())) return RoundResult::Failed;
+    forgetWritten(); // the file has just been seen
     return pending() > 0 && m_sizeBytes == 0 ? RoundResult::FileIsAnother : RoundResult::Done;
 }
 

@@ -91,6 +91,7 @@ private:
     const std::wstring m_name;
     std::uint64_t m_limitBytes;
     unsigned m_nOlderFiles;
+    std::wstring m_directory;
     std::wstring m_path;             // of the file that the waiting lines belong to
     std::uint32_t m_pathVersion = 0; // of the log directory that the path was made with
     std::uint32_t m_forkGeneration = 0;

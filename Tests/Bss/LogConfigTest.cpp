@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Lines of log configuration.
+#include "Bss/Bss_Dbg/BSS_DBG_LogConfiguration.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+using namespace BSS::DBG;
+
+namespace {
+
+int LevelOf(std::string_view text)
+{
+    const std::optional<LogSettingsT> settings = ParseLogSettings(text);
+    return settings ? settings->level : -1;
+}
+
+TEST(LogLevelWord, EveryWordHasItsNumber)
+{
+    EXPECT_EQ(LevelOf("FATAL"), 7);
+    EXPECT_EQ(LevelOf("ERROR"), 6);
+    EXPECT_EQ(LevelOf("WARN"), 5);
+    EXPECT_EQ(LevelOf("INFO"), 4);
+    EXPECT_EQ(LevelOf("FINE"), 3);
+    EXPECT_EQ(LevelOf("FINER"), 2);
+    EXPECT_EQ(LevelOf("FINEST"), 1);
+    EXPECT_EQ(LevelOf("ALL"), 0);
+}
+
+TEST(LogLevelWord, LongerWordsAreNotTakenForFine)
+{
+    EXPECT_EQ(LevelOf("FINER 1 2 3"), 2);
+    EXPECT_EQ(LevelOf("FINEST 1 2 3"), 1);
+}
+
+TEST(LogLevelWord, OtherWordsAndOtherCaseAreNone)
+{
+    for (const char* text : {"", "info", "Warn", "DEBUG", " INFO", "FIN"})
+        EXPECT_EQ(LevelOf(text), -1) << text;
+}
+
+TEST(LogSettings, NumbersBehindTheWordAreReadInOrder)
+{
+    EXPECT_EQ(ParseLogSettings("INFO 3 512 9"), (LogSettingsT{4, 3, 512, 9}));
+    EXPECT_EQ(ParseLogSettings("INFO\t-1 \r\n0\t+4294967295"), (LogSettingsT{4, -1, 0, 4294967295u}));
+}
+
+TEST(LogSettings, NumbersThatAreNotThereAreLeftOpen)
+{
+    EXPECT_EQ(ParseLogSettings("INFO"), (LogSettingsT{4, {}, {}, {}}));
+    EXPECT_EQ(ParseLogSettings("INFO 1"), (LogSettingsT{4, 1, {}, {}}));
+    EXPECT_EQ(ParseLogSettings("INFO 1 5 "), (LogSettingsT{4, 1, 5, {}}));
+}
+
+TEST(LogSettings, FirstThingThatIsNoNumberEndsTheReading)
+{
+    EXPECT_EQ(ParseLogSettings("INFO1 5"), (LogSettingsT{4, {}, {}, {}}));
+    EXPECT_EQ(ParseLogSettings("INFO x 5"), (LogSettingsT{4, {}, {}, {}}));
+    EXPECT_EQ(ParseLogSettings("INFO 1 -5 3"), (LogSettingsT{4, 1, {}, {}}));
+    EXPECT_EQ(ParseLogSettings("INFO 1 99999999999 3"), (LogSettingsT{4, 1, {}, {}}));
+    EXPECT_EQ(ParseLogSettings("INFO 1 5x 3"), (LogSettingsT{4, 1, 5, {}}));
+}
+
+TEST(LogConfigLine, NamesItsConsumer)
+{
+    const auto line = ParseLogConfigLine("  two words  =  FINE 1 \r\n");
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->consumer, "two words");
+    EXPECT_EQ(line->settings, (LogSettingsT{3, 1, {}, {}}));
+}
+
+TEST(LogConfigLine, WithoutNameEqualsSignOrLevelIsNone)
+{
+    for (const char* line :
+         {"", "= FINE", "name FINE", "name =", "name = 3", "# name = FINE", "; name = FINE"})
+        EXPECT_FALSE(ParseLogConfigLine(line)) << line;
+}
+
+TEST(LogConfiguration, OwnLineBeatsTheOneForAll)
+{
+    LogConfigurationC configuration;
+    EXPECT_EQ(configuration.Find("a"), nullptr);
+    EXPECT_TRUE(configuration.Add("* = WARN"));
+    EXPECT_TRUE(configuration.Add("a = FINE"));
+    EXPECT_EQ(configuration.Find("a")->level, LEVEL_FINE);
+    EXPECT_EQ(configuration.Find("b")->level, LEVEL_WARN);
+    EXPECT_TRUE(configuration.Add("a = ERROR"));
+    EXPECT_EQ(configuration.Find("a")->level, LEVEL_ERROR);
+}
+
+TEST(LogConfiguration, TextIsReadToItsEndAndBadLinesAreNumbered)
+{
+    LogConfigurationC configuration;
+    EXPECT_EQ(configuration.AddText("# c\r\n\r\nnonsense\na = FINE\nb = \nc = WARN"),
+              (std::vector<std::size_t>{3, 5}));
+    EXPECT_EQ(configuration.Find("a")->level, LEVEL_FINE);
+    EXPECT_EQ(configuration.Find("c")->level, LEVEL_WARN);
+}
+
+} // namespace

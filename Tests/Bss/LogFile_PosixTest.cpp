@@ -1,0 +1,290 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Log files between processes, and what is left when one dies or the disk is full.
+#include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Support/ChildProcess.h"
+#include "Support/DebugOutputCapture.h"
+#include "Support/Environment.h"
+#include "Support/LogFolderTest.h"
+#include "Support/LogLines.h"
+
+#include <boost/filesystem/operations.hpp>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sched.h>
+#include <set>
+#include <string>
+#include <sys/file.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+using namespace BSS::DBG;
+using Support::ChildProcess;
+using Support::LinesOf;
+using Support::NumberOf;
+
+namespace {
+
+class LogProcesses : public Support::LogFolderTest
+{
+protected:
+    std::string Folder() const { return m_directory.Narrow("log"); }
+
+    std::unique_ptr<ChildProcess> StartWriter(const std::vector<std::string>& arguments) const
+    {
+        std::vector<std::string> command = {BSS_LOG_WRITER, Folder()};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return std::make_unique<ChildProcess>(command);
+    }
+
+    // Every line of every file in the log directory.
+    std::vector<std::string> AllLines(std::uint64_t largest) const
+    {
+        std::vector<std::string> all;
+        for (const auto& entry : boost::filesystem::directory_iterator(m_directory.Path() / "log")) {
+            const std::string text = Support::ReadAll(entry.path().string());
+            EXPECT_LE(text.size(), largest) << entry.path();
+            for (const std::string& line : LinesOf(text))
+                all.push_back(line);
+        }
+        return all;
+    }
+};
+
+std::multiset<long> NumbersOf(const std::vector<std::string>& lines, const std::string& name)
+{
+    std::multiset<long> numbers;
+    for (const std::string& line : lines)
+        if (const long number = NumberOf(line, name); number >= 0) numbers.insert(number);
+    return numbers;
+}
+
+std::multiset<long> UpTo(long count)
+{
+    std::multiset<long> numbers;
+    for (long i = 0; i < count; ++i)
+        numbers.insert(numbers.end(), i);
+    return numbers;
+}
+
+TEST_F(LogProcesses, TwoProcessesMixNoLinesAndLoseNone)
+{
+    const auto one = StartWriter({"lines", "one", "20000", "0"});
+    const auto two = StartWriter({"lines", "two", "20000", "0"});
+    EXPECT_EQ(one->Wait(), 0);
+    EXPECT_EQ(two->Wait(), 0);
+    const std::vector<std::string> lines = AllLines(1u << 30);
+    EXPECT_EQ(lines.size(), 40000u);
+    EXPECT_EQ(NumbersOf(lines, "one"), UpTo(20000));
+    EXPECT_EQ(NumbersOf(lines, "two"), UpTo(20000));
+}
+
+TEST_F(LogProcesses, ThreeProcessesKeepTheLimitAndLoseNothingWhenFilesBecomeOlderOnes)
+{
+    std::vector<std::unique_ptr<ChildProcess>> writers;
+    for (const char* name : {"a", "b", "c"})
+        writers.push_back(StartWriter({"lines", name, "3000", "20000"}));
+    for (const auto& writer : writers)
+        EXPECT_EQ(writer->Wait(), 0);
+    const std::vector<std::string> lines = AllLines(20000);
+    EXPECT_EQ(lines.size(), 9000u);
+    for (const char* name : {"a", "b", "c"})
+        EXPECT_EQ(NumbersOf(lines, name), UpTo(3000)) << name;
+}
+
+TEST_F(LogProcesses, ProcessThatIsKilledLeavesWholeLinesAndAllThatWereFlushed)
+{
+    for (int round = 0; round < 10; ++round) {
+        TakeAway();
+        const auto writer = StartWriter({"endless"});
+        long flushed = 0;
+        for (int i = 0; i <= round; ++i)
+            flushed = std::atol(writer->ReadLine().c_str());
+        writer->Kill();
+        EXPECT_EQ(writer->Wait(), -SIGKILL);
+        {
+            // The next one to open the file takes away what a write that was cut short may have left.
+            DbgLogFileC next(L"killed.txt", 0);
+            ASSERT_TRUE(next.append("next\n"));
+        }
+        std::vector<std::string> lines = LinesOf(Bytes("killed.txt"));
+        ASSERT_FALSE(lines.empty());
+        EXPECT_EQ(lines.back(), "next");
+        lines.pop_back();
+        EXPECT_GE(static_cast<long>(lines.size()), flushed);
+        EXPECT_GT(flushed, 0);
+        EXPECT_EQ(NumbersOf(lines, "k"), UpTo(static_cast<long>(lines.size())));
+    }
+}
+
+TEST_F(LogProcesses, LinesThatWaitAreWrittenWhenTheProcessEnds)
+{
+    EXPECT_EQ(StartWriter({"exit"})->Wait(), 0);
+    const std::vector<std::string> lines = LinesOf(Bytes("ErrorLog.txt"));
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_NE(lines[1].find(" INFO at the end"), std::string::npos);
+}
+
+TEST_F(LogProcesses, EightThreadsWritingAMillionLinesLoseAndTearNone)
+{
+    constexpr unsigned THREADS = 8;
+    constexpr unsigned LINES = 125000;
+    {
+        DbgLogFileConsumerC consumer("many", L"many.txt", 0);
+        std::vector<std::thread> threads;
+        for (unsigned who = 0; who < THREADS; ++who)
+            threads.emplace_back([&consumer, who] {
+                for (unsigned i = 0; i < LINES; ++i)
+                    consumer.Log(LEVEL_INFO, "t%u %u", who, i * 2654435761u);
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_TRUE(consumer.flush());
+    }
+    // Each thread's lines are in order, so one number per thread is enough to find all of them, once, whole.
+    std::vector<unsigned> next(THREADS, 0);
+    std::size_t lines = 0;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(Path("many.txt").c_str(), "r"),
+                                                               &std::fclose);
+    ASSERT_NE(file, nullptr);
+    char line[256];
+    while (std::fgets(line, sizeof line, file.get()) != nullptr) {
+        const std::string text = line;
+        const std::size_t begin = text.find(" INFO t");
+        ASSERT_NE(begin, std::string::npos) << text;
+        const unsigned who = static_cast<unsigned>(text[begin + 7] - '0');
+        ASSERT_LT(who, THREADS) << text;
+        ASSERT_EQ(text.substr(begin + 8), " " + std::to_string(next[who] * 2654435761u) + "\n") << text;
+        ++next[who];
+        ++lines;
+    }
+    EXPECT_EQ(lines, std::size_t{THREADS} * LINES);
+}
+
+TEST_F(LogProcesses, ForkedChildDoesNotWriteTheLinesThatItsParentHasStillToWrite)
+{
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("parent 1\n", {1000, 0}));
+    EXPECT_TRUE(file.append("parent 2\n", {1000, 0})); // waits
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool good = file.append("child\n", {1000, 0}) && file.flush();
+        ::_exit(good ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(file.flush());
+    EXPECT_EQ(Bytes("a.txt"), "parent 1\nchild\nparent 2\n");
+}
+
+TEST_F(LogProcesses, SomebodyWhoKeepsTheWriteLockForGoodDoesNotStopLogging)
+{
+    boost::filesystem::create_directories(m_directory.Path() / "log");
+    const int fd = ::open(Path("a.txt").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(fd, LOCK_EX), 0);
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("one\n", {1000, 0}));
+    ::close(fd);
+    EXPECT_EQ(Bytes("a.txt"), "one\n");
+}
+
+TEST_F(LogProcesses, FileThatMayNotBeReadIsStillWritten)
+{
+    boost::filesystem::create_directories(m_directory.Path() / "log");
+    Support::WriteAll(Path("a.txt"), "one\n");
+    ::chmod(Path("a.txt").c_str(), 0200);
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("two\n"));
+    ::chmod(Path("a.txt").c_str(), 0600);
+    EXPECT_EQ(Bytes("a.txt"), "one\ntwo\n");
+}
+
+TEST_F(LogProcesses, PipeInThePlaceOfTheFileIsRefusedAndDoesNotBlock)
+{
+    boost::filesystem::create_directories(m_directory.Path() / "log");
+    ASSERT_EQ(::mkfifo(Path("a.txt").c_str(), 0600), 0);
+    const Support::DebugOutputCapture debug;
+    DbgLogFileConsumerC consumer("name", L"a.txt");
+    consumer.Log(LEVEL_ERROR, "lost");
+    EXPECT_EQ(debug.Text(), L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log (name)!\n");
+}
+
+TEST_F(LogProcesses, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
+{
+    // A limit on the size of files acts as a full disk does: the system takes a part of the write.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit = {1000, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        DbgLogFileC file(L"a.txt", 0);
+        bool good = true;
+        for (int i = 0; i < 40; ++i)
+            good = file.append(std::string(99, 'x') + "\n", {1000 + i, 0}) && good;
+        const bool refused = !good && Support::ReadAll(Path("a.txt")).size() == 1000;
+        const bool again = !file.append(std::string(49, 'y') + "\n", {2000, 0});
+        ::_exit(refused && again ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    for (const std::string& line : LinesOf(Bytes("a.txt")))
+        EXPECT_EQ(line, std::string(99, 'x'));
+}
+
+// Runs in a child with a file system of its own, as big as a few lines. 0: as it should be; 77: not permitted
+// here.
+int LogToAFullDisk(const std::string& folder)
+{
+    const uid_t user = ::geteuid();
+    const bool own =
+        ::unshare(CLONE_NEWNS) == 0 || (user != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0);
+    if (!own || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return 77;
+    boost::filesystem::create_directories(folder);
+    if (::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=32k") != 0) return 77;
+    const Support::DebugOutputCapture debug;
+    DbgLogFileConsumerC consumer("disk", L"a.txt", 0);
+    for (unsigned i = 0; i < 2000; ++i)
+        consumer.Log(i % 50 == 0 ? LEVEL_ERROR : LEVEL_INFO, "%s", Support::CheckedLine("d", i));
+    const bool told = debug.Text().find(L"ERROR while writing to log (disk)!") != std::wstring::npos;
+    const std::string full = Support::ReadAll(folder + "/a.txt");
+    for (const std::string& line : LinesOf(full))
+        if (line.find(" some words of a usual length ") == std::string::npos) return 2;
+    if (!told || full.empty() || full.back() != '\n') return 3;
+    // Somebody makes room.
+    if (::truncate((folder + "/a.txt").c_str(), 0) != 0) return 4;
+    consumer.Log(LEVEL_ERROR, "room again");
+    consumer.Log(LEVEL_ERROR, "and again");
+    const std::string after = Support::ReadAll(folder + "/a.txt");
+    if (after.empty() || after.back() != '\n') return 5;
+    return 0;
+}
+
+TEST_F(LogProcesses, FullDiskIsSurvivedAndLeavesWholeLines)
+{
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(LogToAFullDisk(m_directory.Narrow("log")));
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == 77) {
+        if (Support::GetEnvironment("CI") == "true")
+            FAIL() << "a file system of one's own is not permitted here";
+        GTEST_SKIP() << "a file system of one's own is not permitted here";
+    }
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+} // namespace

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The examples of the page on logs are what the code writes and reads.
+#include "Bss/Bss_Dbg/BSS_DBG_LogConfigLine.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
+#include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Uti/BSS_UTI_Format.h"
+#include "Support/Files.h"
+#include "Support/LogCapture.h"
+#include "Support/LogLines.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using namespace BSS::DBG;
+
+namespace {
+
+std::string Page()
+{
+    return Support::ReadAll(std::string(SCANREADER_DOCS) + "/logging.md");
+}
+
+// All blocks of one kind, one after the other.
+std::vector<std::string> Examples(const std::string& kind)
+{
+    const std::string page = Page();
+    const std::string begin = "\n```" + kind + "\n";
+    std::string text;
+    for (std::size_t at = page.find(begin); at != std::string::npos; at = page.find(begin, at + 1)) {
+        const std::size_t first = at + begin.size();
+        text += page.substr(first, page.find("```", first) - first);
+    }
+    return Support::LinesOf(text);
+}
+
+LogLineContextT ContextOfThePage()
+{
+    const BSS::HAL::CalendarTime time{2026, 1, 31, 23, 59, 58, 7};
+    return {time, time, "Main Thread", 0x1A2B, -1, LEVEL_WARN};
+}
+
+TEST(LoggingPage, LinesAreWhatIsWritten)
+{
+    const std::string prefix = PrefixedLine(PrefixKind::Full, ContextOfThePage(), "");
+    const LogLayoutT layout{"Network", prefix, false, 16000};
+    const std::string written = LinesOfMessage(layout, "text of the message") +
+                                LinesOfMessage(layout, "first line of a longer message\nsecond line") +
+                                LinesOfMessage(layout, "logging.conf: line 4 cannot be read and is left out");
+    EXPECT_EQ(Examples("log"), Support::LinesOf(written));
+}
+
+TEST(LoggingPage, UtcLineIsWhatIsWritten)
+{
+    EXPECT_EQ(Examples("utc"), std::vector<std::string>{PrefixedLine(PrefixKind::UtcTime, ContextOfThePage(),
+                                                                     "text of the message")});
+}
+
+TEST(LoggingPage, ReportsAreWhatIsLogged)
+{
+    const Support::LogCapture log;
+    BSS::ERR::AssertFailed("rc == RC_OK", 0, 0, R"(..\..\Source\Bss\Bss_Dbg\BSS_DBG_LogMgr)", 57);
+    BSS::ERR::Panic("nIndex < GetLength() && nIndex >= 0:%lx, %lx", 0, 5, 3,
+                    R"(..\..\Source\Bss\Bss_Uti\BSS_UTI_String)", 29);
+    EXPECT_EQ(Examples("report"), Support::LinesOf(log.Messages()));
+}
+
+TEST(LoggingPage, ConfigurationLinesCanBeRead)
+{
+    const std::vector<std::string> lines = Examples("logging.conf");
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_TRUE(IsEmptyLogConfigLine(lines[0]));
+    for (std::size_t i = 1; i < lines.size(); ++i)
+        EXPECT_TRUE(ParseLogConfigLine(lines[i])) << lines[i];
+    EXPECT_EQ(ParseLogConfigLine(lines[2])->settings, (LogSettingsT{LEVEL_FINEST, 1, 4096, 9}));
+}
+
+TEST(LoggingPage, LevelsHaveTheirNumbers)
+{
+    const std::string page = Page();
+    for (const char* const level : {"FATAL", "ERROR", "WARN", "INFO", "ALL"}) {
+        const std::string row = BSS::UTI::Format("| `%s` | %d |", level, ParseLogSettings(level)->level);
+        EXPECT_NE(page.find(row), std::string::npos) << row;
+    }
+}
+
+TEST(LoggingPage, SizesAreTheOnesOfTheCode)
+{
+    const std::string page = Page();
+    EXPECT_EQ(DbgLogConsumerC::DEFAULT_LIMIT_BYTES, 10u << 20);
+    EXPECT_NE(page.find("up to 10 MiB"), std::string::npos);
+    EXPECT_EQ(DbgLogConsumerC::DEFAULT_OLDER_FILES, 3u);
+    EXPECT_NE(page.find("three of these are kept"), std::string::npos);
+    EXPECT_EQ(DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE, 16384u);
+    EXPECT_NE(page.find("longer than 16 KB"), std::string::npos);
+}
+
+} // namespace

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// See the header.
+#include "Support/AllocationCount.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constinit thread_local std::size_t t_count = 0;
+constinit thread_local std::size_t t_largest = 0;
+
+} // namespace
+
+// GCC takes the matching of these two with the heap functions for a mistake once they are inlined.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpragmas"
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+
+void* operator new(std::size_t size)
+{
+    ++t_count;
+    if (size > t_largest) t_largest = size;
+    void* const memory = std::malloc(size > 0 ? size : 1);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+#pragma GCC diagnostic pop
+
+namespace Support {
+
+AllocationCount::AllocationCount() noexcept : m_before(t_count)
+{
+    t_largest = 0;
+}
+
+std::size_t AllocationCount::Count() const noexcept
+{
+    return t_count - m_before;
+}
+
+std::size_t AllocationCount::Largest() const noexcept
+{
+    return t_largest;
+}
+
+} // namespace Support
