@@ -28,7 +28,9 @@ protected:
         points.resize(std::max(points.size(), capacity));
         std::size_t count = 99;
         const int result = qsb_read(reader, points.data(), sizeof points[0], capacity, &count);
-        if (result != QSB_OK) EXPECT_EQ(count, 0u);
+        if (result != QSB_OK) {
+            EXPECT_EQ(count, 0u);
+        }
         return result == QSB_OK ? static_cast<int>(count) : -1;
     }
 
@@ -172,7 +174,9 @@ TEST_F(Functions, BatchesOfAnySizeDeliverEveryPointOnceAndInOrder)
         for (int count = Read(capacity); count > 0; count = Read(capacity)) {
             for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i, ++delivered)
                 ordered = ordered && points[i].x == static_cast<float>(delivered);
-            if (delivered < 25003) EXPECT_EQ(static_cast<std::size_t>(count), capacity);
+            if (delivered < 25003) {
+                EXPECT_EQ(static_cast<std::size_t>(count), capacity);
+            }
         }
         EXPECT_TRUE(ordered) << capacity;
         EXPECT_EQ(delivered, 25003u) << capacity;
