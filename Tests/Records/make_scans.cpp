@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Writes scans of every kind into a folder, the same bytes on every platform, and list.txt with their names (UTF-8, one
-// on a line): every combination of element encodings, in either kind of block, with random bits that include numbers that
-// are none; batches that end on and around the boundaries of a reader's own; names outside ASCII; files that cannot be
-// read or only in part.
+// Writes scans of every kind into a folder, the same bytes on every platform, and list.txt with their names
+// (UTF-8, one on a line): every combination of element encodings, in either kind of block, with random bits
+// that include numbers that are none; batches that end on and around the boundaries of a reader's own; names
+// outside ASCII; files that cannot be read or only in part.
 //
 //   make_scans FOLDER
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
@@ -45,7 +45,8 @@ private:
         const std::wstring path = BSS::HAL::JoinPath(m_folder, BSS::HAL::WidePath(name));
         std::FILE* const file = BSS::HAL::OpenStream(path, "wb");
         if (file == nullptr) throw std::runtime_error("cannot write " + name);
-        const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+        const bool written =
+            bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
         if (std::fclose(file) != 0 || !written) throw std::runtime_error("cannot write " + name);
     }
 
@@ -76,8 +77,8 @@ QsbBytes LayoutScan(const Layout& layout, std::uint32_t block, std::uint32_t poi
 
 std::string NameOf(const Layout& layout, std::uint32_t block)
 {
-    return "position" + std::to_string(layout.position) + "-intensity" + std::to_string(layout.intensity) + "-noise" +
-           std::to_string(layout.noise) + "-grid" + std::to_string(layout.grid) + "-color" +
+    return "position" + std::to_string(layout.position) + "-intensity" + std::to_string(layout.intensity) +
+           "-noise" + std::to_string(layout.noise) + "-grid" + std::to_string(layout.grid) + "-color" +
            std::to_string(layout.color) + "-block" + std::to_string(block) + ".qsb";
 }
 

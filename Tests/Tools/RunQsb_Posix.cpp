@@ -13,10 +13,15 @@ namespace {
 
 std::string ShellQuoted(const std::string& argument)
 {
-    std::string quoted = "'";
-    for (const char c : argument)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
+    std::string quoted(1, '\'');
+    for (const char c : argument) {
+        if (c == '\'')
+            quoted += "'\\''";
+        else
+            quoted.push_back(c);
+    }
+    quoted.push_back('\'');
+    return quoted;
 }
 
 } // namespace
@@ -25,8 +30,10 @@ int RunProgram(const std::vector<std::string>& command, const std::array<std::st
 {
     std::string line;
     for (const std::string& argument : command)
-        line += ShellQuoted(argument) + " ";
-    line += "<" + ShellQuoted(streams[0]) + " >" + ShellQuoted(streams[1]) + " 2>" + ShellQuoted(streams[2]);
+        line.append(ShellQuoted(argument)).append(" ");
+    line.append("<").append(ShellQuoted(streams[0]));
+    line.append(" >").append(ShellQuoted(streams[1]));
+    line.append(" 2>").append(ShellQuoted(streams[2]));
     const int status = std::system(line.c_str());
     if (status == -1) return -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
