@@ -199,6 +199,12 @@ bool TaskC::waitForStop(int timeoutMs)
 
 void TaskC::kill()
 {
+    killThread();
+}
+
+bool TaskC::killThread()
+{
+    bool bForced = false;
     const boost::this_thread::disable_interruption undisturbed;
     const ThreadT thread = Thread();
     if (thread.isJoinable()) {
@@ -216,9 +222,11 @@ void TaskC::kill()
             }
             thread.run->stopped.store(true);
             thread.thread->detach();
+            bForced = true;
         }
     }
     setState(ComponentState::Stopped);
+    return bForced;
 }
 
 const char* TaskC::getComponentName() const noexcept

@@ -93,6 +93,9 @@ protected:
     /// What stop() logs, for tasks that stop in another way.
     void logStop() const;
 
+    /// What kill() does. Whether the thread had to be ended by force.
+    bool killThread();
+
 private:
     /// What is known of the thread at one moment, both null when there is none.
     struct ThreadT
