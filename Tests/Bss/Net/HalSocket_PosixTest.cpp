@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// What only this platform's sockets can go wrong with: signals, high descriptors, child processes.
+#include "Loopback.h"
+
+#include <atomic>
+#include <csignal>
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/resource.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace BSS::HAL;
+using namespace NetTests;
+
+namespace {
+
+TEST(HalSocketPosixTest, DescriptorsBeyondAThousandAreWatched)
+{
+    constexpr int HIGH = 1500;
+    rlimit limit = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    if (limit.rlim_cur <= HIGH) {
+        rlimit more = limit;
+        more.rlim_cur = HIGH + 1;
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &more), 0) << "this process may not open enough files";
+    }
+    const PairT pair = Pair();
+    const int high = ::fcntl(static_cast<int>(static_cast<SocketT>(pair.client)), F_DUPFD, HIGH);
+    ASSERT_GE(high, HIGH);
+    SendBytes(pair.server, "x", 1);
+    EXPECT_TRUE(CanRead(high));
+    ::close(high);
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+TEST(HalSocketPosixTest, SocketsAreNotInheritedByOtherPrograms)
+{
+    const PairT pair = Pair();
+    for (const SocketT socket : {SocketT{pair.client}, SocketT{pair.server}})
+        EXPECT_NE(::fcntl(static_cast<int>(socket), F_GETFD) & FD_CLOEXEC, 0);
+}
+
+TEST(HalSocketPosixTest, SignalsDoNotEndAWait)
+{
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    struct sigaction before = {};
+    ASSERT_EQ(::sigaction(SIGUSR1, &action, &before), 0);
+    const PairT pair = Pair();
+    std::atomic<bool> bDone{false};
+    const pthread_t waiting = ::pthread_self();
+    std::thread other([&] {
+        for (int n = 0; n < 1000; ++n)
+            ::pthread_kill(waiting, SIGUSR1);
+        SendBytes(pair.server, "x", 1);
+        bDone = true;
+    });
+    EXPECT_TRUE(CanRead(pair.client));
+    other.join();
+    EXPECT_TRUE(bDone);
+    ::sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST(HalSocketPosixTest, ClosedDescriptorIsToldAsFailed)
+{
+    int error = 0;
+    const SocketT socket = OpenSocket(AddressKind::IPv4, error);
+    ASSERT_EQ(CloseSocket(socket), 0);
+    PollItemT item{socket, true};
+    std::size_t nReady = 0;
+    EXPECT_EQ(PollSockets(&item, 1, 0, nReady), 0);
+    EXPECT_TRUE(item.failed);
+}
+
+} // namespace

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Sockets on the loopback address for tests: a server that waits for clients, and connected pairs.
+#pragma once
+
+#include "Bss/Bss_Hal/BSS_HAL_Socket.h"
+#include "Bss/Bss_Hal/BSS_HAL_SocketError.h"
+#include "Bss/Bss_Hal/BSS_HAL_SocketPoll.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+
+namespace NetTests {
+
+inline constexpr int LONG_MS = 20000;
+
+/// Sockets are started while it lives.
+class SocketsStartedC
+{
+public:
+    SocketsStartedC() { EXPECT_EQ(BSS::HAL::StartSockets(), 0); }
+    ~SocketsStartedC() { EXPECT_EQ(BSS::HAL::StopSockets(), 0); }
+    SocketsStartedC(const SocketsStartedC&) = delete;
+    SocketsStartedC& operator=(const SocketsStartedC&) = delete;
+};
+
+/// Owns a socket.
+class HeldSocketC
+{
+public:
+    explicit HeldSocketC(BSS::HAL::SocketT socket = BSS::HAL::NO_SOCKET) : m_socket(socket) {}
+    HeldSocketC(HeldSocketC&& other) noexcept : m_socket(std::exchange(other.m_socket, BSS::HAL::NO_SOCKET))
+    {}
+    HeldSocketC& operator=(HeldSocketC&& other) noexcept
+    {
+        std::swap(m_socket, other.m_socket);
+        return *this;
+    }
+    ~HeldSocketC() { close(); }
+
+    operator BSS::HAL::SocketT() const { return m_socket; }
+    void close()
+    {
+        if (m_socket != BSS::HAL::NO_SOCKET) {
+            EXPECT_EQ(BSS::HAL::CloseSocket(m_socket), 0);
+        }
+        m_socket = BSS::HAL::NO_SOCKET;
+    }
+    /// Ends the connection without a proper end.
+    void reset()
+    {
+        EXPECT_EQ(BSS::HAL::SetResetOnClose(m_socket), 0);
+        close();
+    }
+
+private:
+    BSS::HAL::SocketT m_socket;
+};
+
+inline HeldSocketC Open(BSS::HAL::AddressKind kind = BSS::HAL::AddressKind::IPv4)
+{
+    int error = 0;
+    HeldSocketC socket(BSS::HAL::OpenSocket(kind, error));
+    EXPECT_EQ(error, 0);
+    return socket;
+}
+
+inline BSS::HAL::SocketAddressT Address(const std::string& text, std::uint16_t port)
+{
+    BSS::HAL::SocketAddressT address;
+    EXPECT_TRUE(BSS::HAL::ParseAddress(text, port, address)) << text;
+    return address;
+}
+
+inline bool CanRead(BSS::HAL::SocketT socket, int timeoutMs = LONG_MS)
+{
+    BSS::HAL::PollItemT item{socket, true};
+    std::size_t nReady = 0;
+    EXPECT_EQ(BSS::HAL::PollSockets(&item, 1, timeoutMs, nReady), 0);
+    return item.canRead;
+}
+
+/// A server that listens.
+class ListenerC
+{
+public:
+    explicit ListenerC(const std::string& text = "127.0.0.1", std::uint16_t port = 0, int backlog = 64)
+        : m_socket(Open(BSS::HAL::KindOf(Address(text, port))))
+    {
+        EXPECT_EQ(BSS::HAL::BindSocket(m_socket, Address(text, port)), 0);
+        EXPECT_EQ(BSS::HAL::ListenSocket(m_socket, backlog), 0);
+        EXPECT_EQ(BSS::HAL::LocalAddressOf(m_socket, m_address), 0);
+    }
+
+    const BSS::HAL::SocketAddressT& address() const { return m_address; }
+    std::uint16_t port() const { return BSS::HAL::PortOf(m_address); }
+    BSS::HAL::SocketT socket() const { return m_socket; }
+    void close() { m_socket.close(); }
+
+    /// The next client; waits for it.
+    HeldSocketC accept()
+    {
+        EXPECT_TRUE(CanRead(m_socket)) << "nobody came";
+        BSS::HAL::SocketAddressT peer;
+        int error = 0;
+        HeldSocketC client(BSS::HAL::AcceptSocket(m_socket, peer, error));
+        EXPECT_EQ(error, 0);
+        return client;
+    }
+
+private:
+    HeldSocketC m_socket;
+    BSS::HAL::SocketAddressT m_address;
+};
+
+/// Two ends of one connection, blocking.
+struct PairT
+{
+    HeldSocketC client;
+    HeldSocketC server;
+};
+
+inline PairT Pair(const std::string& text = "127.0.0.1")
+{
+    ListenerC listener(text);
+    PairT pair{Open(BSS::HAL::KindOf(listener.address())), HeldSocketC()};
+    EXPECT_EQ(BSS::HAL::ConnectSocket(pair.client, listener.address()), 0);
+    pair.server = listener.accept();
+    return pair;
+}
+
+/// A port where nobody listens.
+inline std::uint16_t DeadPort()
+{
+    ListenerC listener;
+    return listener.port();
+}
+
+} // namespace NetTests
