@@ -39,8 +39,10 @@ const sockaddr* SystemAddress(const SocketAddressT& address) noexcept
 SocketT Counted(int socket, int& error) noexcept
 {
     error = socket < 0 ? errno : 0;
-    if (socket >= 0) s_nOpen.fetch_add(1);
-    return socket < 0 ? NO_SOCKET : socket;
+    if (socket < 0) return NO_SOCKET;
+    s_nOpen.fetch_add(1);
+    SetOption(socket, SOL_SOCKET, SO_OOBINLINE, 1); // urgent bytes are bytes like others
+    return socket;
 }
 
 using AskT = int (*)(int, sockaddr*, socklen_t*);

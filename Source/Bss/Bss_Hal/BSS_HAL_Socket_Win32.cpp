@@ -45,6 +45,8 @@ SocketT Counted(SOCKET socket, int& error) noexcept
     s_nOpen.fetch_add(1);
     // Refused by some network drivers; then a child process inherits the socket, which harms nothing here.
     SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
+    // Urgent bytes are bytes like others; a wait would take them for a failure.
+    SetOption(static_cast<SocketT>(socket), SOL_SOCKET, SO_OOBINLINE, 1);
     return static_cast<SocketT>(socket);
 }
 

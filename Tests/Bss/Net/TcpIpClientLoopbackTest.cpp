@@ -1,0 +1,449 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The TCP/IP client with its thread, against servers on the loopback address that behave as servers do.
+#include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
+
+#include "Loopback.h"
+#include "Support/Eventually.h"
+#include "Support/LogCapture.h"
+#include "Support/LogRecorder.h"
+#include "Support/ReportCapture.h"
+
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace BSS;
+using namespace BSS::NET;
+using namespace NetTests;
+using Support::Eventually;
+
+namespace {
+
+/// Keeps what it is told; from any thread.
+class WatcherC final : public BIO::PortReaderI
+{
+public:
+    void onPortEvent(BIO::PortEvent event, BIO::PortReason reason) override
+    {
+        if (event == BIO::ONLINE) ++nOnline;
+        {
+            const std::lock_guard<std::mutex> guard(m_lock);
+            m_events.emplace_back(event, reason);
+        }
+        if (onEvent) onEvent(event);
+    }
+    void onData(const std::uint8_t* bytes, std::size_t count) override
+    {
+        {
+            const std::lock_guard<std::mutex> guard(m_lock);
+            m_data.append(reinterpret_cast<const char*>(bytes), count);
+        }
+        if (onBytes) onBytes();
+    }
+
+    std::vector<std::pair<BIO::PortEvent, BIO::PortReason>> Events() const
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        return m_events;
+    }
+    std::string Data() const
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        return m_data;
+    }
+    std::size_t Count(BIO::PortEvent event) const
+    {
+        std::size_t count = 0;
+        for (const auto& [one, reason] : Events())
+            count += one == event ? 1 : 0;
+        return count;
+    }
+    bool Told(BIO::PortEvent event, BIO::PortReason reason) const
+    {
+        for (const auto& one : Events())
+            if (one == std::pair{event, reason}) return true;
+        return false;
+    }
+
+    std::function<void(BIO::PortEvent)> onEvent;
+    std::function<void()> onBytes;
+    std::atomic<std::size_t> nOnline{0};
+
+private:
+    mutable std::mutex m_lock;
+    std::vector<std::pair<BIO::PortEvent, BIO::PortReason>> m_events;
+    std::string m_data;
+};
+
+class TcpIpClientLoopbackTest : public testing::Test
+{
+protected:
+    TcpIpClientLoopbackTest()
+    {
+        config.m_wszIpDnsName = L"127.0.0.1";
+        settings.logger = log;
+        settings.reconnect.intervalMs = 1;
+        settings.reconnect.minSpacingMs = 1;
+        settings.reconnect.jitterPercent = 0;
+    }
+    ~TcpIpClientLoopbackTest() override
+    {
+        m_client.reset();
+        EXPECT_TRUE(reports.Reports().empty());
+    }
+
+    NetTcpIpClientC& Client()
+    {
+        if (!m_client) {
+            m_client = std::make_unique<NetTcpIpClientC>(settings);
+            EXPECT_EQ(m_client->attachReader(watcher), RC_OK);
+        }
+        return *m_client;
+    }
+    void Start(std::uint16_t port)
+    {
+        config.m_unServerPort = port;
+        ASSERT_EQ(Client().setPortConfig(config), RC_OK);
+        Client().start();
+    }
+    void End() { m_client.reset(); }
+    bool Reaches(std::uint32_t state)
+    {
+        return Eventually([&] { return Client().getState() == state; });
+    }
+    bool Logs(const std::string& text)
+    {
+        return Eventually([&] { return !log->Beginning(text).empty(); });
+    }
+
+    const SocketsStartedC started;
+    const Support::LogCapture systemLog;
+    Support::ReportCapture reports;
+    const std::shared_ptr<Support::LogRecorder> log = std::make_shared<Support::LogRecorder>();
+    NetTcpIpClientSettingsT settings;
+    NetTcpIpClientCfgT config;
+    WatcherC watcher;
+
+private:
+    std::unique_ptr<NetTcpIpClientC> m_client;
+};
+
+TEST_F(TcpIpClientLoopbackTest, BytesGoBothWays)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    std::size_t nWritten = 0;
+    ASSERT_EQ(Client().write("ping", 4, nWritten), RC_OK);
+    std::array<char, 4> bytes = {};
+    ASSERT_TRUE(CanRead(peer));
+    EXPECT_EQ(HAL::ReceiveBytes(peer, bytes.data(), 4).count, 4U);
+    HAL::SendBytes(peer, "pong", 4);
+    EXPECT_TRUE(Eventually([this] { return watcher.Data() == "pong"; }));
+}
+
+TEST_F(TcpIpClientLoopbackTest, ConnectsOverIpv6)
+{
+    config.m_wszIpDnsName = L"::1";
+    ListenerC listener("::1");
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, ConnectsByName)
+{
+    config.m_wszIpDnsName = L"localhost";
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, AbsentServerIsTriedAgainUntilItIsThere)
+{
+    config.m_eAutoConnect = AutoConnect::WITH_TIMER;
+    const std::uint16_t port = DeadPort();
+    Start(port);
+    ASSERT_TRUE(Logs("5 NetTcpIpClientC::"));
+    ListenerC listener("127.0.0.1", port);
+    const HeldSocketC peer = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, AbsentServerWithoutAutoConnectIsTriedOnce)
+{
+    Start(DeadPort());
+    ASSERT_TRUE(Logs("5 NetTcpIpClientC::"));
+    EXPECT_TRUE(Reaches(SETTING_UP));
+    Client().stop();
+    EXPECT_TRUE(Client().waitForStop(LONG_MS));
+    EXPECT_EQ(Client().getState(), IDLE);
+}
+
+TEST_F(TcpIpClientLoopbackTest, ResetRightAfterAcceptIsALossAndIsMended)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    ListenerC listener;
+    Start(listener.port());
+    for (int n = 0; n < 20; ++n)
+        listener.accept().reset();
+    const HeldSocketC peer = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, HalfClosedConnectionIsALoss)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    HAL::ShutdownSocket(peer, HAL::ShutdownKind::Sending);
+    EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::CLOSED_BY_PEER); }));
+}
+
+TEST_F(TcpIpClientLoopbackTest, SilentServerEndsWithTheReceiveLimit)
+{
+    config.m_ulMaxReceiveTimeoutMs = 1;
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::RECEIVE_TIMEOUT); }));
+}
+
+TEST_F(TcpIpClientLoopbackTest, ServerThatReadsNothingEndsAWriteWithTheTimeout)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    const std::vector<char> much(std::size_t{64} << 20);
+    std::size_t nWritten = 0;
+    EXPECT_EQ(Client().write(much.data(), much.size(), nWritten), RC_TIMED_OUT);
+    EXPECT_LT(nWritten, much.size());
+    EXPECT_TRUE(log->Has("5 NetTcpIpClientC::writeData timeout(500ms) exceeded\r\n"));
+    EXPECT_EQ(Client().getState(), ONLINE);
+}
+
+TEST_F(TcpIpClientLoopbackTest, CloseEndsAWriteThatWaits)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    const std::vector<char> much(std::size_t{64} << 20);
+    std::thread writing([&] {
+        std::size_t nWritten = 0;
+        EXPECT_NE(Client().write(much.data(), much.size(), nWritten), RC_OK);
+    });
+    Client().close();
+    writing.join();
+    EXPECT_TRUE(Reaches(IDLE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, ServerThatRestartsAHundredTimesIsFoundAgain)
+{
+    config.m_eAutoConnect = AutoConnect::WITH_TIMER;
+    std::uint16_t port = DeadPort();
+    Start(port);
+    for (int n = 0; n < 100; ++n) {
+        ListenerC listener("127.0.0.1", port);
+        const HeldSocketC peer = listener.accept();
+        HAL::SendBytes(peer, "x", 1);
+        ASSERT_TRUE(Eventually([&] { return watcher.Data().size() == static_cast<std::size_t>(n) + 1; }))
+            << n;
+    }
+    EXPECT_GE(watcher.Count(BIO::ONLINE), 100U);
+}
+
+TEST_F(TcpIpClientLoopbackTest, CloseDuringReceiveGoesIdle)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    Client().close();
+    EXPECT_TRUE(Reaches(IDLE));
+    EXPECT_EQ(Client().getLastResult(), 0x02000008U);
+    std::array<char, 1> byte = {};
+    ASSERT_TRUE(CanRead(peer));
+    EXPECT_EQ(HAL::ReceiveBytes(peer, byte.data(), 1).count, 0U);
+}
+
+TEST_F(TcpIpClientLoopbackTest, CloseFromACallbackGoesIdle)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    watcher.onBytes = [this] { Client().close(); };
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    HAL::SendBytes(peer, "x", 1);
+    EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::CLOSED_HERE); }));
+    EXPECT_TRUE(Reaches(IDLE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, ReaderMayAnswerFromItsCallback)
+{
+    watcher.onBytes = [this] {
+        std::size_t nWritten = 0;
+        EXPECT_EQ(Client().write("y", 1, nWritten), RC_OK);
+    };
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    HAL::SendBytes(peer, "x", 1);
+    EXPECT_TRUE(CanRead(peer));
+}
+
+TEST_F(TcpIpClientLoopbackTest, ClosedClientConnectsAgainWhenItIsAsked)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC first = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    Client().close();
+    Client().connectTcpIp();
+    const HeldSocketC second = listener.accept();
+    EXPECT_TRUE(Eventually([this] { return watcher.Count(BIO::ONLINE) == 2; }));
+}
+
+TEST_F(TcpIpClientLoopbackTest, StopDoesNotWaitForANameServer)
+{
+    struct SystemT
+    {
+        std::mutex lock;
+        std::condition_variable let;
+        bool bLet = false;
+        std::atomic<bool> bAsked{false};
+    };
+    const auto system = std::make_shared<SystemT>();
+    settings.resolver = std::make_shared<NameResolverC>([system](const std::string&, std::uint16_t, auto&) {
+        std::unique_lock<std::mutex> guard(system->lock);
+        system->bAsked = true;
+        system->let.wait(guard, [&] { return system->bLet; });
+        return 1;
+    });
+    config.m_wszIpDnsName = L"sensor.example";
+    Start(1);
+    ASSERT_TRUE(Eventually([&] { return system->bAsked.load(); }));
+    Client().stop();
+    EXPECT_TRUE(Client().waitForStop(LONG_MS));
+    const std::lock_guard<std::mutex> guard(system->lock);
+    EXPECT_FALSE(system->bLet);
+    system->bLet = true;
+    system->let.notify_all();
+}
+
+TEST_F(TcpIpClientLoopbackTest, ClientStartsAgainAfterAStop)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC first = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    Client().stop();
+    ASSERT_TRUE(Client().waitForStop(LONG_MS));
+    Client().start();
+    const HeldSocketC second = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, RandomBytesOfTheServerArriveAndDoNoHarm)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    std::mt19937 random(20);
+    std::string bytes(std::size_t{1} << 20, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(random());
+    std::size_t nSent = 0;
+    while (nSent < bytes.size())
+        nSent += HAL::SendBytes(peer, bytes.data() + nSent, bytes.size() - nSent).count;
+    EXPECT_TRUE(Eventually([&] { return watcher.Data().size() == bytes.size(); }));
+    EXPECT_TRUE(watcher.Data() == bytes);
+}
+
+TEST_F(TcpIpClientLoopbackTest, WritesOfSeveralThreadsAreNotMixed)
+{
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    constexpr std::size_t PIECE = 10000;
+    constexpr int PIECES = 20;
+    std::vector<std::thread> writers;
+    for (const char letter : {'a', 'b', 'c'}) {
+        writers.emplace_back([this, letter] {
+            const std::string piece(PIECE, letter);
+            std::size_t nWritten = 0;
+            for (int n = 0; n < PIECES; ++n)
+                EXPECT_EQ(Client().write(piece.data(), piece.size(), nWritten), RC_OK);
+        });
+    }
+    std::string all;
+    std::array<char, 65536> bytes;
+    while (all.size() < PIECE * PIECES * 3 && CanRead(peer))
+        all.append(bytes.data(), HAL::ReceiveBytes(peer, bytes.data(), bytes.size()).count);
+    for (std::thread& writer : writers)
+        writer.join();
+    ASSERT_EQ(all.size(), PIECE * PIECES * 3);
+    for (std::size_t n = 0; n < all.size(); n += PIECE)
+        ASSERT_EQ(all.substr(n, PIECE), std::string(PIECE, all[n]));
+}
+
+// What observers may be told after what.
+bool MayFollow(BIO::PortEvent before, BIO::PortEvent after)
+{
+    switch (before) {
+    case BIO::OFFLINE:
+        return after == BIO::OFFLINE || after == BIO::GOING_ONLINE;
+    case BIO::GOING_ONLINE:
+        return true;
+    case BIO::ONLINE:
+        return after == BIO::OFFLINE;
+    }
+    return false;
+}
+
+TEST_F(TcpIpClientLoopbackTest, ThousandLossesLeaveNoSocketAndAConsistentStory)
+{
+    constexpr std::size_t CYCLES = 1000;
+    const std::int64_t before = HAL::OpenSocketCount();
+    {
+        config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+        ListenerC listener;
+        Start(listener.port());
+        for (std::size_t n = 0; n < CYCLES; ++n) {
+            HeldSocketC peer = listener.accept();
+            ASSERT_TRUE(Eventually([&] { return watcher.nOnline > n; })) << n;
+            if (n % 2 == 0) peer.reset();
+        }
+        End();
+    }
+    EXPECT_EQ(HAL::OpenSocketCount(), before);
+    EXPECT_GE(watcher.nOnline, CYCLES);
+    const auto events = watcher.Events();
+    for (std::size_t n = 1; n < events.size(); ++n)
+        ASSERT_TRUE(MayFollow(events[n - 1].first, events[n].first)) << n;
+    int state = 0;
+    for (const std::string& message : log->Messages()) {
+        const std::string begin = "4 TcpIpClientStateMachineC::goToState - state-change: ";
+        if (!message.starts_with(begin)) continue;
+        ASSERT_EQ(message[begin.size()] - '0', state);
+        state = message[begin.size() + 5] - '0';
+    }
+    EXPECT_EQ(state, 0);
+}
+
+} // namespace
