@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The server behind the log consumer "TcpIp".
+#include "Bss/Bss_Dbg/BSS_DBG_LogTcpIpServer.h"
+
+#include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogTcpIpConsumer.h"
+#include "Loopback.h"
+#include "Support/Eventually.h"
+#include "Support/LogCapture.h"
+
+#include <array>
+#include <memory>
+#include <string>
+
+using namespace BSS;
+using namespace BSS::DBG;
+using namespace NetTests;
+
+namespace {
+
+class LogTcpIpServerTest : public testing::Test
+{
+protected:
+    const SocketsStartedC started;
+    const Support::LogCapture systemLog;
+};
+
+TEST_F(LogTcpIpServerTest, LinesReachAClient)
+{
+    DbgLogTcpIpServerC server("127.0.0.1");
+    server.configure(0);
+    ASSERT_EQ(server.start(), RC_OK);
+    const HeldSocketC client = Open();
+    ASSERT_EQ(HAL::ConnectSocket(client, Address("127.0.0.1", server.getServer().getPort())), 0);
+    ASSERT_TRUE(Support::Eventually([&] { return server.getServer().getClientCount() == 1; }));
+    EXPECT_TRUE(server.send("a line\n"));
+    std::array<char, 7> bytes = {};
+    ASSERT_TRUE(CanRead(client));
+    EXPECT_EQ(HAL::ReceiveBytes(client, bytes.data(), bytes.size()).count, 7U);
+    EXPECT_EQ(std::string(bytes.data(), 7), "a line\n");
+}
+
+TEST_F(LogTcpIpServerTest, NoClientsIsNoFailure)
+{
+    DbgLogTcpIpServerC server("127.0.0.1");
+    server.configure(0);
+    ASSERT_EQ(server.start(), RC_OK);
+    EXPECT_TRUE(server.send("a line\n"));
+}
+
+TEST_F(LogTcpIpServerTest, ConsumerWithTheServerStreamsItsLines)
+{
+    auto server = std::make_unique<DbgLogTcpIpServerC>("127.0.0.1");
+    NET::NetTcpIpServerC& network = server->getServer();
+    DbgLogTcpIpConsumerC consumer("TcpIp", std::move(server));
+    if (consumer.start() != RC_OK) GTEST_SKIP() << "port 10002 is taken on this machine";
+    EXPECT_EQ(network.getPort(), 10002);
+    const HeldSocketC client = Open();
+    ASSERT_EQ(HAL::ConnectSocket(client, Address("127.0.0.1", 10002)), 0);
+    ASSERT_TRUE(Support::Eventually([&] { return network.getClientCount() == 1; }));
+    consumer.Log(LEVEL_INFO, "over the %s", "network");
+    std::array<char, 4096> bytes = {};
+    std::string text;
+    while (text.find('\n') == std::string::npos && CanRead(client))
+        text.append(bytes.data(), HAL::ReceiveBytes(client, bytes.data(), bytes.size()).count);
+    EXPECT_TRUE(text.ends_with(" INFO over the network\n")) << text;
+}
+
+TEST_F(LogTcpIpServerTest, ProgramThatEndsWithAServerEndsCleanly)
+{
+    const auto run = [] {
+        InstallTcpIpLogServer();
+        InstallTcpIpLogConsumer();
+        static DbgLogTcpIpServerC server("127.0.0.1");
+        server.configure(0);
+        std::exit(server.start() == RC_OK ? 0 : 1);
+    };
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+}
+
+} // namespace

@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The server of many clients, on the loopback address.
+#include "Bss/Bss_Net/BSS_NET_TcpIpServer.h"
+
+#include "Loopback.h"
+#include "Support/Eventually.h"
+#include "Support/LogCapture.h"
+#include "Support/LogRecorder.h"
+
+#include <array>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+using namespace BSS;
+using namespace BSS::NET;
+using namespace NetTests;
+using Support::Eventually;
+
+namespace {
+
+class TcpIpServerTest : public testing::Test
+{
+protected:
+    NetTcpIpServerC& Server()
+    {
+        if (!m_server) {
+            settings.logger = log;
+            m_server = std::make_unique<NetTcpIpServerC>(settings);
+            EXPECT_EQ(m_server->configure("127.0.0.1", 0), RC_OK);
+            EXPECT_EQ(m_server->start(), RC_OK);
+        }
+        return *m_server;
+    }
+
+    HeldSocketC Join()
+    {
+        const std::size_t before = Server().getClientCount();
+        HeldSocketC client = Open();
+        EXPECT_EQ(HAL::ConnectSocket(client, Address("127.0.0.1", Server().getPort())), 0);
+        EXPECT_TRUE(Eventually([&] { return Server().getClientCount() == before + 1; }));
+        return client;
+    }
+
+    static std::string Receive(HAL::SocketT socket, std::size_t count)
+    {
+        std::string text(count, '\0');
+        std::size_t nGot = 0;
+        while (nGot < count && CanRead(socket)) {
+            const HAL::TransferT got = HAL::ReceiveBytes(socket, text.data() + nGot, count - nGot);
+            if (got.error != 0 || got.count == 0) break;
+            nGot += got.count;
+        }
+        text.resize(nGot);
+        return text;
+    }
+
+    const SocketsStartedC started;
+    const Support::LogCapture systemLog;
+    const std::shared_ptr<Support::LogRecorder> log = std::make_shared<Support::LogRecorder>();
+    NetTcpIpServerSettingsT settings;
+
+private:
+    std::unique_ptr<NetTcpIpServerC> m_server;
+};
+
+TEST_F(TcpIpServerTest, DoesNotStartWithoutAnAddress)
+{
+    NetTcpIpServerC server;
+    EXPECT_EQ(server.start(), RC_OBJECT_MISSING);
+}
+
+TEST_F(TcpIpServerTest, RefusesWhatIsNoAddress)
+{
+    NetTcpIpServerC server;
+    EXPECT_EQ(server.configure("not an address", 1), RC_INVALID_ARGUMENT);
+}
+
+TEST_F(TcpIpServerTest, PortThatIsTakenIsLoggedAndRefused)
+{
+    const ListenerC other;
+    settings.logger = log;
+    NetTcpIpServerC server(settings);
+    ASSERT_EQ(server.configure("127.0.0.1", other.port()), RC_OK);
+    EXPECT_EQ(server.start(), RC_FAILED);
+    EXPECT_FALSE(log->Beginning("6 NetTcpIpServerC - listen on 127.0.0.1:").empty());
+}
+
+TEST_F(TcpIpServerTest, SendingToNobodyIsNoFailureAndKeepsNothing)
+{
+    EXPECT_EQ(Server().send("x", 1), RC_OK);
+    EXPECT_EQ(Server().getBufferedBytes(), 0U);
+}
+
+TEST_F(TcpIpServerTest, SendingNothingIsAnInvalidArgument)
+{
+    EXPECT_EQ(Server().send(nullptr, 1), RC_INVALID_ARGUMENT);
+    EXPECT_EQ(Server().send("x", 0), RC_INVALID_ARGUMENT);
+}
+
+TEST_F(TcpIpServerTest, EveryClientIsSentEverythingInOrder)
+{
+    const HeldSocketC first = Join();
+    const HeldSocketC second = Join();
+    std::string all;
+    for (int n = 0; n < 20000; ++n) {
+        const std::string line = "line " + std::to_string(n) + "\n";
+        all += line;
+        ASSERT_EQ(Server().send(line.data(), line.size()), RC_OK);
+    }
+    EXPECT_TRUE(Receive(first, all.size()) == all);
+    EXPECT_TRUE(Receive(second, all.size()) == all);
+}
+
+TEST_F(TcpIpServerTest, ClientIsSentWhatComesAfterIt)
+{
+    const HeldSocketC first = Join();
+    Server().send("old", 3);
+    ASSERT_EQ(Receive(first, 3), "old");
+    const HeldSocketC second = Join();
+    Server().send("new", 3);
+    EXPECT_EQ(Receive(second, 3), "new");
+}
+
+TEST_F(TcpIpServerTest, ClientThatNeverReadsIsDroppedWithALineAndTheOthersGetEverything)
+{
+    settings.maxBufferedBytes = std::size_t{1} << 18;
+    const HeldSocketC silent = Join();
+    const HeldSocketC reading = Join();
+    const std::string piece(50000, 'p');
+    std::size_t nSent = 0;
+    // The system itself takes some megabytes for a client that does not read.
+    while (Server().getDroppedCount() == 0 && nSent < (std::size_t{1} << 28)) {
+        Server().send(piece.data(), piece.size());
+        nSent += piece.size();
+        ASSERT_EQ(Receive(reading, piece.size()), piece);
+    }
+    EXPECT_EQ(Server().getDroppedCount(), 1U);
+    EXPECT_EQ(Server().getClientCount(), 1U);
+    EXPECT_TRUE(log->Beginning("5 NetTcpIpServerC - client 1 dropped, ").ends_with(" bytes behind\n"));
+}
+
+TEST_F(TcpIpServerTest, WhatIsKeptForASlowClientIsBounded)
+{
+    settings.maxBufferedBytes = 100000;
+    const HeldSocketC silent = Join();
+    const std::string piece(1000, 'p');
+    while (Server().send(piece.data(), piece.size()) == RC_OK)
+        ASSERT_LE(Server().getBufferedBytes(), settings.maxBufferedBytes + StreamBufferC::BLOCK_BYTES);
+    EXPECT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
+}
+
+TEST_F(TcpIpServerTest, PieceBeyondTheLimitIsSentToNobody)
+{
+    settings.maxBufferedBytes = 10;
+    const HeldSocketC client = Join();
+    EXPECT_EQ(Server().send("more than ten", 13), RC_CLOSED);
+    EXPECT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
+}
+
+TEST_F(TcpIpServerTest, ClientsThatGoAreForgotten)
+{
+    for (int n = 0; n < 50; ++n) {
+        HeldSocketC client = Join();
+        if (n % 2 == 0)
+            client.reset();
+        else
+            client.close();
+        ASSERT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
+    }
+    EXPECT_TRUE(log->Has("4 NetTcpIpServerC - client 50 gone\n"));
+}
+
+TEST_F(TcpIpServerTest, ClientsBeyondTheLimitAreRefused)
+{
+    settings.nMaxClients = 1;
+    const HeldSocketC first = Join();
+    const HeldSocketC second = Open();
+    ASSERT_EQ(HAL::ConnectSocket(second, Address("127.0.0.1", Server().getPort())), 0);
+    std::array<char, 1> byte = {};
+    ASSERT_TRUE(CanRead(second));
+    EXPECT_EQ(HAL::ReceiveBytes(second, byte.data(), 1).count, 0U);
+    EXPECT_EQ(Server().getClientCount(), 1U);
+}
+
+TEST_F(TcpIpServerTest, WhatClientsSendIsGivenToTheFunction)
+{
+    std::mutex lock;
+    std::string got;
+    settings.onData = [&](std::uint32_t client, const std::uint8_t* bytes, std::size_t count) {
+        const std::lock_guard<std::mutex> guard(lock);
+        got += std::to_string(client) + ":" + std::string(reinterpret_cast<const char*>(bytes), count);
+    };
+    const HeldSocketC client = Join();
+    HAL::SendBytes(client, "hi", 2);
+    EXPECT_TRUE(Eventually([&] {
+        const std::lock_guard<std::mutex> guard(lock);
+        return got == "1:hi";
+    }));
+    Server().stop();
+}
+
+TEST_F(TcpIpServerTest, StopEndsTheConnectionsAndStartBringsTheServerBack)
+{
+    const HeldSocketC client = Join();
+    Server().stop();
+    std::array<char, 1> byte = {};
+    ASSERT_TRUE(CanRead(client));
+    EXPECT_EQ(HAL::ReceiveBytes(client, byte.data(), 1).count, 0U);
+    ASSERT_EQ(Server().start(), RC_OK);
+    const HeldSocketC again = Join();
+    Server().send("back", 4);
+    EXPECT_EQ(Receive(again, 4), "back");
+}
+
+TEST_F(TcpIpServerTest, TwoHundredClientsAreServed)
+{
+    std::vector<HeldSocketC> clients;
+    for (int n = 0; n < 200; ++n)
+        clients.push_back(Join());
+    Server().send("all", 3);
+    for (const HeldSocketC& client : clients)
+        EXPECT_EQ(Receive(client, 3), "all");
+}
+
+TEST(StreamBufferTest, BytesStayWhereTheyWereInTheStream)
+{
+    StreamBufferC stream;
+    std::string all;
+    for (int n = 0; n < 30000; ++n) {
+        const std::string piece = std::to_string(n) + ",";
+        stream.append(piece.data(), piece.size());
+        all += piece;
+    }
+    stream.release(70000);
+    EXPECT_EQ(stream.getBegin(), StreamBufferC::BLOCK_BYTES);
+    std::string read;
+    for (std::uint64_t position = 70000; position < stream.getEnd();) {
+        const StreamBufferC::PartT part = stream.getPart(position);
+        ASSERT_GT(part.count, 0U);
+        read.append(part.bytes, part.count);
+        position += part.count;
+    }
+    EXPECT_TRUE(read == all.substr(70000));
+    EXPECT_EQ(stream.getPart(stream.getEnd()).count, 0U);
+    EXPECT_EQ(stream.getPart(0).count, 0U);
+}
+
+TEST(StreamBufferTest, ReleasedStreamGoesOnWhereItWas)
+{
+    StreamBufferC stream;
+    const std::string block(StreamBufferC::BLOCK_BYTES, 'b');
+    stream.append(block.data(), block.size());
+    stream.release(stream.getEnd());
+    stream.append("next", 4);
+    const StreamBufferC::PartT part = stream.getPart(StreamBufferC::BLOCK_BYTES);
+    EXPECT_EQ(std::string(part.bytes, part.count), "next");
+}
+
+} // namespace
