@@ -21,6 +21,9 @@ enum class MsgKind : std::uint8_t
     StopRequest
 };
 
+/// The next of the numbers that messages and requests go by in the log.
+std::int32_t NextCmdReqId() noexcept;
+
 class MsgObjectI : public UTI::SharedObjectC
 {
 public:
