@@ -7,7 +7,6 @@
 #include "Bss/Bss_Tsk/BSS_TSK_BlockPool.h"
 
 #include <atomic>
-#include <new>
 
 namespace BSS::TSK {
 
@@ -29,23 +28,19 @@ std::int32_t NextCmdReqId() noexcept
 }
 
 MsgObjectI::MsgObjectI(MsgKind kind, const char* pszCmdClientType) noexcept
-    : m_pszCmdClientType(pszCmdClientType), m_iCmdReqId(NextCmdReqId()), m_kind(kind)
+    : m_iCmdReqId(NextCmdReqId()), m_pszCmdClientType(pszCmdClientType), m_kind(kind)
 {}
 
 MsgObjectI::~MsgObjectI() = default;
 
 void* MsgObjectI::operator new(std::size_t bytes)
 {
-    return bytes <= BlockPool::BLOCK_BYTES ? BlockPool::Allocate() : ::operator new(bytes);
+    return BlockPool::Allocate(bytes);
 }
 
 void MsgObjectI::operator delete(void* message, std::size_t bytes) noexcept
 {
-    if (bytes <= BlockPool::BLOCK_BYTES) {
-        BlockPool::Free(message);
-    } else {
-        ::operator delete(message);
-    }
+    BlockPool::Free(message, bytes);
 }
 
 } // namespace BSS::TSK
