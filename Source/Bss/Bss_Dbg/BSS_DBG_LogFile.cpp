@@ -65,6 +65,7 @@ public:
     WriteLock& operator=(const WriteLock&) = delete;
 
     bool Busy() const noexcept { return m_state == HAL::AppendLock::Busy; }
+    HAL::AppendLock State() const noexcept { return m_state; }
 
 private:
     HAL::AppendFileC& m_file;
@@ -221,6 +222,7 @@ bool DbgLogFileC::verify()
     }
     forgetWritten();
     m_verifiedMs = m_nowMs;
+    if (m_sole) m_sizeBytes = status.sizeBytes; // somebody may have emptied it
     if (Elapsed(m_verifiedMs, m_pathCheckedMs) >= CHECK_PATH_EVERY_MS && !reopenIfReplaced()) return false;
     const bool others = m_file->OthersPresent();
     if (others) m_othersSeenMs = m_verifiedMs;
@@ -257,7 +259,7 @@ void DbgLogFileC::forgetWritten() noexcept
 bool DbgLogFileC::writeAlone()
 {
     const bool fits = m_limitBytes == 0 || m_sizeBytes + pending() <= m_limitBytes;
-    return fits ? writePart(pending()) : writeLocked();
+    return fits ? writePart(pending(), true) : writeLocked();
 }
 
 bool DbgLogFileC::writeLocked()
@@ -289,19 +291,21 @@ DbgLogFileC::RoundResult DbgLogFileC::writeLockedOnce()
     const bool strange = status.sizeBytes != m_sizeBytes;
     m_sizeBytes = status.sizeBytes;
     if (strange && !lock.Busy()) repairEnd(status.sizeBytes);
-    if (!writeOnce(!lock.Busy())) return RoundResult::Failed;
+    if (!writeOnce(lock.State())) return RoundResult::Failed;
     forgetWritten(); // the file has just been seen
     return pending() > 0 && m_sizeBytes == 0 ? RoundResult::FileIsAnother : RoundResult::Done;
 }
 
-// Writes what fits, or makes room for it: then the size is 0 and the file has to be opened anew.
-bool DbgLogFileC::writeOnce(bool mayRotate)
+// Writes what fits, or makes room for it: then the size is 0 and the file has to be opened anew. While
+// somebody keeps the lock the file only grows.
+bool DbgLogFileC::writeOnce(HAL::AppendLock lock)
 {
     const std::string_view waiting(m_buffer.get() + m_written, pending());
-    if (m_limitBytes == 0 || !mayRotate) return writePart(waiting.size());
+    const bool ours = lock == HAL::AppendLock::Taken;
+    if (m_limitBytes == 0 || lock == HAL::AppendLock::Busy) return writePart(waiting.size(), ours);
     const std::uint64_t room = m_limitBytes > m_sizeBytes ? m_limitBytes - m_sizeBytes : 0;
     const std::size_t fit = WholeLines(waiting, room);
-    if (fit > 0) return writePart(fit);
+    if (fit > 0) return writePart(fit, ours);
     if (m_sizeBytes > 0) return rotate();
     // One line that is longer than any file may be.
     const std::size_t line = std::min(waiting.find('\n'), waiting.size() - 1) + 1;
@@ -313,16 +317,18 @@ bool DbgLogFileC::writeOnce(bool mayRotate)
 }
 
 // Appends that much of what waits. If the system takes only a part of it, a line that was begun is taken
-// back.
-bool DbgLogFileC::writePart(std::size_t bytes)
+// back: always when nobody else may write now, else when nobody has.
+bool DbgLogFileC::writePart(std::size_t bytes, bool ours)
 {
     const std::string_view waiting(m_buffer.get() + m_written, bytes);
     const std::size_t taken = m_file->Append(waiting.data(), bytes);
     const std::size_t whole = WholeLines(waiting, taken);
     HAL::FileStatus status;
-    const bool asExpected =
-        whole == taken || (m_file->GetStatus(status) && status.sizeBytes == m_sizeBytes + taken);
-    if (whole < taken && asExpected) static_cast<void>(m_file->Truncate(m_sizeBytes + whole));
+    if (whole < taken && m_file->GetStatus(status) && status.sizeBytes >= taken &&
+        (ours || status.sizeBytes == m_sizeBytes + taken)) {
+        m_sizeBytes = status.sizeBytes - taken; // somebody may have emptied the file to make room
+        static_cast<void>(m_file->Truncate(m_sizeBytes + whole));
+    }
     m_sizeBytes += whole;
     m_written += whole;
     return whole == bytes;

@@ -83,8 +83,8 @@ private:
     bool writeAlone();
     bool writeLocked();
     RoundResult writeLockedOnce();
-    bool writeOnce(bool mayRotate);
-    bool writePart(std::size_t bytes);
+    bool writeOnce(HAL::AppendLock lock);
+    bool writePart(std::size_t bytes, bool ours);
     bool rotate();
     void repairEnd(std::uint64_t sizeBytes);
 
