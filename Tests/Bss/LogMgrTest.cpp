@@ -11,6 +11,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_SubLogManager.h"
 #include "Bss/Bss_Hal/BSS_HAL_ConfigValue.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
+#include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
 #include "Support/LogCapture.h"
@@ -82,6 +83,23 @@ TEST_F(LogMgr, SystemErrorLoggerWritesItsOwnFileWithTheFullPrefix)
     EXPECT_EQ(line.substr(25, 22), " Main Thread         (");
     EXPECT_EQ(line.substr(line.size() - 13), " ERROR hello\n");
     EXPECT_EQ(Manager().getSystemErrorLogger()->getName(), "SystemErrorLogger");
+}
+
+TEST_F(LogMgr, ConsumersThatNameOneFileShareIt)
+{
+    const auto one = Manager().getConsumer("SystemErrorLogger");
+    const auto two = Manager().getConsumer("ErrorLog");
+    for (int i = 0; i < 50; ++i) {
+        one->Log(LEVEL_ERROR, "one %d", i);
+        two->Log(LEVEL_INFO, "two %d", i);
+    }
+    EXPECT_TRUE(Manager().flush());
+    const std::string text = Bytes("ErrorLog.txt");
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 100);
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_NE(text.find(BSS::UTI::Format(" ERROR one %d\n", i)), std::string::npos);
+        EXPECT_NE(text.find(BSS::UTI::Format(" INFO two %d\n", i)), std::string::npos);
+    }
 }
 
 TEST_F(LogMgr, NameWithSeparatorsStaysInTheDirectory)
@@ -208,6 +226,29 @@ TEST_F(LogMgr, SubManagersAreFlushedUntilTheyAreTakenBack)
     Manager().unregisterSubManager(sub);
     EXPECT_TRUE(Manager().flush());
     EXPECT_EQ(sub.m_count, 1);
+}
+
+TEST_F(LogMgr, SubManagersMayTakeThemselvesBackWhileTheyAreFlushed)
+{
+    struct Once final : SubLogManagerC
+    {
+        ~Once() override { Manager().unregisterSubManager(*this); }
+        bool flushLogs() override
+        {
+            Manager().unregisterSubManager(*this);
+            Manager().unregisterSubManager(*other);
+            return ++count, true;
+        }
+        Once* other = this;
+        int count = 0;
+    } one, two;
+    one.other = &two;
+    two.other = &one;
+    Manager().registerSubManager(one);
+    Manager().registerSubManager(two);
+    EXPECT_TRUE(Manager().flush());
+    EXPECT_TRUE(Manager().flush());
+    EXPECT_EQ(one.count + two.count, 1);
 }
 
 TEST_F(LogMgr, SubManagerThatFailsFailsTheFlush)
@@ -341,6 +382,25 @@ private:
     const Support::PrivateConfiguration m_configuration;
     const Support::ScopedEnvironment m_configDirectory;
 };
+
+TEST_F(LogMgrDeathTest, ManagerAskedForByManyThreadsIsMadeOnce)
+{
+    const auto ask = [] {
+        const OwnDirectory own("once");
+        Support::WriteAll(own.Path("logging.conf"), "no line of ours\n"); // told once by each that is made
+        std::vector<DbgLogMgrC*> made(8);
+        std::vector<std::thread> threads;
+        for (auto& each : made)
+            threads.emplace_back([&each] { each = &Manager(); });
+        for (std::thread& thread : threads)
+            thread.join();
+        const bool same = std::count(made.begin(), made.end(), made.front()) == 8;
+        Manager().flush();
+        const std::string told = Support::ReadAll(own.Path("ErrorLog.txt"));
+        std::_Exit(same && std::count(told.begin(), told.end(), '\n') == 1 ? 0 : 1);
+    };
+    EXPECT_EXIT(ask(), testing::ExitedWithCode(0), "");
+}
 
 TEST_F(LogMgrDeathTest, ConfiguredLimitIsKept)
 {

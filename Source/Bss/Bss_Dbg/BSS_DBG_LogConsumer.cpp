@@ -34,9 +34,12 @@ class WritingScope
 {
 public:
     WritingScope() noexcept { t_writing = true; }
-    ~WritingScope() { t_writing = false; }
+    ~WritingScope() { t_writing = m_before; }
     WritingScope(const WritingScope&) = delete;
     WritingScope& operator=(const WritingScope&) = delete;
+
+private:
+    const bool m_before = t_writing;
 };
 
 // The line buffer, and behind it a string for what is longer.
@@ -80,7 +83,8 @@ DbgLogConsumerC::DbgLogConsumerC(std::string name, PrefixKind prefix)
 
 DbgLogConsumerC::~DbgLogConsumerC() = default;
 
-// Runs what makes and writes a message, and tells when it could not.
+// Runs what makes and writes a message, and tells when it could not. Whatever a consumer throws ends here:
+// nobody who logs expects an exception, of whatever type.
 template<typename MakeT>
 void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
 {
@@ -88,7 +92,7 @@ void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
     try {
         const WritingScope scope;
         written = make();
-    } catch (const std::exception&) {
+    } catch (...) {
         written = false;
     }
     if (!written) reportFailure();
@@ -152,8 +156,8 @@ bool DbgLogConsumerC::flush()
     bool flushed = false;
     try {
         flushed = flushLines();
-    } catch (const std::exception&) {
-        flushed = false;
+    } catch (...) {
+        flushed = false; // as for a message
     }
     if (!flushed) BSS_ASSERT(!"Failed flushing logs!");
     return flushed;
@@ -257,6 +261,7 @@ bool DbgLogConsumerC::writeLines(const LogMomentT& moment, std::string_view line
 
 bool DbgLogConsumerC::flushLines()
 {
+    const WritingScope scope;
     const std::lock_guard<TSK::MutexC> guard(m_lock);
     return flushDevice();
 }

@@ -114,8 +114,8 @@ protected:
         HAL::WallTime time;
     };
 
-    /// Writes whole lines, each ended by "\n". One call at a time. May throw what derives from
-    /// std::exception; that and false are told on the debugger output.
+    /// Writes whole lines, each ended by "\n". One call at a time. An exception, whatever its type, and false
+    /// are told on the debugger output.
     virtual bool write(std::string_view lines) = 0;
 
     /// Hands over to the system what write() has kept. One call at a time. The base keeps nothing.

@@ -20,6 +20,7 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -32,7 +33,7 @@ constexpr std::uint64_t VERIFY_EVERY_MS = 20;
 constexpr std::uint64_t CHECK_PATH_EVERY_MS = 1000;
 constexpr std::uint64_t SHARED_FOR_MS = 1000; // how long others are expected back
 constexpr int MAX_WAIT_FOR_SOLE_USER_MS = 50;
-constexpr int MAX_FRUITLESS_ROUNDS = 16;
+constexpr auto PATIENCE = std::chrono::seconds(1);
 constexpr std::size_t LONGEST_FRAGMENT = 16384; // what we may have left behind; no line is longer
 
 // How much of the text is whole lines and not longer than `most`.
@@ -52,6 +53,22 @@ std::uint64_t Milliseconds(const HAL::WallTime& time) noexcept
 {
     return static_cast<std::uint64_t>(time.seconds) * 1000 + static_cast<std::uint64_t>(time.millisecond);
 }
+
+// How long something may be tried without getting anywhere.
+class Patience
+{
+public:
+    bool IsOver()
+    {
+        const auto now = std::chrono::steady_clock::now();
+        if (!m_end) m_end = now + PATIENCE;
+        return now >= *m_end;
+    }
+    void Renew() noexcept { m_end.reset(); }
+
+private:
+    std::optional<std::chrono::steady_clock::time_point> m_end; // from the first time it is asked for
+};
 
 class WriteLock
 {
@@ -262,18 +279,25 @@ bool DbgLogFileC::writeAlone()
     return fits ? writePart(pending(), true) : writeLocked();
 }
 
+// When many write much, the file may be full and another one each time it is our turn: what counts then is
+// time, not how often that happens.
 bool DbgLogFileC::writeLocked()
 {
-    int fruitless = 0;
-    while (pending() > 0 && fruitless < MAX_FRUITLESS_ROUNDS) {
+    Patience patience;
+    while (pending() > 0) {
         const std::size_t before = pending();
         if (!m_file && !open()) return false;
         const RoundResult result = writeLockedOnce();
         if (result == RoundResult::Failed) return false;
-        if (result == RoundResult::FileIsAnother) close();
-        fruitless = pending() < before ? 0 : fruitless + 1;
+        if (result == RoundResult::Rotated) letOthersIn();
+        if (result != RoundResult::Done) close();
+        if (pending() < before) {
+            patience.Renew();
+        } else if (patience.IsOver()) {
+            return false;
+        }
     }
-    return pending() == 0;
+    return true;
 }
 
 DbgLogFileC::RoundResult DbgLogFileC::writeLockedOnce()
@@ -293,7 +317,14 @@ DbgLogFileC::RoundResult DbgLogFileC::writeLockedOnce()
     if (strange && !lock.Busy()) repairEnd(status.sizeBytes);
     if (!writeOnce(lock.State())) return RoundResult::Failed;
     forgetWritten(); // the file has just been seen
-    return pending() > 0 && m_sizeBytes == 0 ? RoundResult::FileIsAnother : RoundResult::Done;
+    return pending() > 0 && m_sizeBytes == 0 ? RoundResult::Rotated : RoundResult::Done;
+}
+
+// Who waits for the file that has just become an older one comes too late for the new one, if we go on at
+// once.
+void DbgLogFileC::letOthersIn() const
+{
+    if (m_file->OthersPresent()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 // Writes what fits, or makes room for it: then the size is 0 and the file has to be opened anew. While

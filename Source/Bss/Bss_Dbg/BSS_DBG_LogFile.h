@@ -66,6 +66,7 @@ private:
     enum class RoundResult
     {
         Done,
+        Rotated,       ///< the file has become an older one
         FileIsAnother, ///< the name stands for another file now, or for none
         Failed
     };
@@ -83,6 +84,7 @@ private:
     bool writeAlone();
     bool writeLocked();
     RoundResult writeLockedOnce();
+    void letOthersIn() const;
     bool writeOnce(HAL::AppendLock lock);
     bool writePart(std::size_t bytes, bool ours);
     bool rotate();
