@@ -371,8 +371,9 @@ public:
         : m_path(Support::LogDirectory() + "/" + name), m_configuration(m_path),
           m_configDirectory("SCANREADER_CONFIG_DIR", m_path)
     {
-        BSS::OS::SetLogDirectory(BSS::HAL::WidePath(m_path));
+        boost::filesystem::remove_all(m_path); // left by the same test, when tests are repeated
         boost::filesystem::create_directories(m_path);
+        BSS::OS::SetLogDirectory(BSS::HAL::WidePath(m_path));
     }
 
     std::string Path(const std::string& file) const { return m_path + "/" + file; }

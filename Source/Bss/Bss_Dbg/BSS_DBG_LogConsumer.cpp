@@ -241,11 +241,6 @@ bool DbgLogConsumerC::isWriting() noexcept
     return t_writing;
 }
 
-bool DbgLogConsumerC::handOver()
-{
-    return true;
-}
-
 bool DbgLogConsumerC::flushDevice()
 {
     return true;
@@ -254,9 +249,8 @@ bool DbgLogConsumerC::flushDevice()
 bool DbgLogConsumerC::writeLines(const LogMomentT& moment, std::string_view lines)
 {
     const std::lock_guard<TSK::MutexC> guard(m_lock);
-    m_writeTime = moment.time;
-    const bool written = write(lines);
-    return (moment.level < m_flushLevel.load(std::memory_order_relaxed) || handOver()) && written;
+    m_writeMoment = moment;
+    return write(lines);
 }
 
 bool DbgLogConsumerC::flushLines()

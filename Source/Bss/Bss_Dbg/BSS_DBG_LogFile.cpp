@@ -20,7 +20,6 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
-#include <optional>
 #include <thread>
 #include <utility>
 
@@ -61,13 +60,16 @@ public:
     bool IsOver()
     {
         const auto now = std::chrono::steady_clock::now();
-        if (!m_end) m_end = now + PATIENCE;
-        return now >= *m_end;
+        if (m_end == NOT_YET) m_end = now + PATIENCE;
+        return now >= m_end;
     }
-    void Renew() noexcept { m_end.reset(); }
+    void Renew() noexcept { m_end = NOT_YET; }
 
 private:
-    std::optional<std::chrono::steady_clock::time_point> m_end; // from the first time it is asked for
+    using TimeT = std::chrono::steady_clock::time_point;
+    static constexpr TimeT NOT_YET = TimeT::max();
+
+    TimeT m_end = NOT_YET; // from the first time it is asked for
 };
 
 class WriteLock
