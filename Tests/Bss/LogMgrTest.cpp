@@ -151,12 +151,12 @@ TEST_F(LogMgr, NothingElseAppearsOnStandardOutputOrError)
     Manager().getConsumer("quiet")->Log(LEVEL_FATAL, "a");
     Manager().getSystemErrorLogger()->Log(LEVEL_FATAL, "b");
     Manager().getConsumer("OutputDebugString")->Log(LEVEL_FATAL, "c");
-    TakeAway();
-    Support::WriteAll(m_directory.Narrow("log"), "in the way");
+    Support::WriteAll(m_directory.Narrow("file"), "a file in the directory's place");
+    BSS::OS::SetLogDirectory(m_directory.Wide("file"));
     Manager().getConsumer("quiet")->Log(LEVEL_FATAL, "cannot be written");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    boost::filesystem::remove(m_directory.Path() / "log");
+    BSS::OS::SetLogDirectory(m_directory.Wide("log"));
     EXPECT_TRUE(Manager().flush());
 }
 
@@ -337,7 +337,7 @@ TEST_F(LogMgr, LogFileTellsWhereItIs)
     DbgLogFileIteratorC at = Manager().firstLogFile();
     while (at && at.getConsumerName() != "whereabouts")
         Manager().nextLogFile(at);
-    EXPECT_EQ(BSS::HAL::NarrowPath(Manager().getLogFilePath(at)), Path("whereabouts.txt"));
+    EXPECT_EQ(Manager().getLogFilePath(at), BSS::HAL::JoinPath(m_directory.Wide("log"), L"whereabouts.txt"));
 }
 
 TEST_F(LogMgr, IteratorThatPointsToNoneOfTheLogFilesIsReported)
