@@ -78,7 +78,8 @@ TEST_P(InfoRealScan, NothingButValuesThatReadersGetChangedIsFound)
     REAL_DATA(raw, std::string(GetParam()) + ".json");
     const auto run = RunQsb({"check", "--deep", "--json", Import(raw)});
     EXPECT_EQ(run.iExitCode, 0);
-    for (const json& finding : json::parse(run.out)["files"][0]["findings"]) {
+    const json report = json::parse(run.out);
+    for (const json& finding : report.at("files").at(0).at("findings")) {
         // The intensities of one scan are fractions, and its header says so in no way that a reader knows.
         EXPECT_EQ(finding["id"], "QSB-406") << finding;
         EXPECT_STREQ(GetParam(), "als_thin") << finding;

@@ -164,7 +164,7 @@ TEST(PlySource, TakesPoseGridAndHeightFromItsOwnComments)
             "element vertex 0\n" +
                 s_strXyz,
             ""));
-    const Tool::ScanHeaderC& header = source->GetHeader();
+    const Tool::ScanFrameC& header = source->GetHeader();
     EXPECT_EQ(header.oPose, (std::array<double, 16>{1, 0, 0, 5, 0, 1, 0, 6, 0, 0, 1, 7, 0, 0, 0, 1}));
     EXPECT_EQ(header.oGrid, (std::array<std::uint64_t, 2>{3, 4}));
     EXPECT_EQ(header.oInstrumentHeight, 1.75);
@@ -180,7 +180,7 @@ struct BadPlyT
 
 void PrintTo(const BadPlyT& row, std::ostream* stream)
 {
-    Support::PrintAsName(row.strMessage, stream);
+    Support::PrintAsName(std::to_string(row.strFile.size()) + " " + row.strMessage, stream);
 }
 
 class BadPly : public testing::TestWithParam<BadPlyT>

@@ -44,7 +44,7 @@ TEST(RawSource, KnowsPoseGridAndHeightAndNamesOtherKeys)
             R"("points": 0, "pose": [1,0,0,5, 0,1,0,6, 0,0,1,7, 0,0,0,1], "grid": [3, 4], "instrument_height": 1.5,
                   "name": "n", "units": "metre", "nothing": null)"),
         "");
-    const Tool::ScanHeaderC& header = source->GetHeader();
+    const Tool::ScanFrameC& header = source->GetHeader();
     EXPECT_EQ(header.oPose, (std::array<double, 16>{1, 0, 0, 5, 0, 1, 0, 6, 0, 0, 1, 7, 0, 0, 0, 1}));
     EXPECT_EQ(header.oGrid, (std::array<std::uint64_t, 2>{3, 4}));
     EXPECT_EQ(header.oInstrumentHeight, 1.5);
@@ -87,7 +87,7 @@ struct BadHeaderT
 
 void PrintTo(const BadHeaderT& row, std::ostream* stream)
 {
-    Support::PrintAsName(row.strMessage, stream);
+    Support::PrintAsName(std::to_string(row.strHeader.size()) + " " + row.strMessage, stream);
 }
 
 class BadRawHeader : public testing::TestWithParam<BadHeaderT>
