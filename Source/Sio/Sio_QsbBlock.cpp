@@ -18,6 +18,14 @@ constexpr std::size_t s_nTypeOffset = 0;
 constexpr std::size_t s_nTagOffset = 4;
 constexpr std::size_t s_nValueOffset = 8;
 
+/// What a block of so many entries takes: its record and its array, each with what allocating it costs.
+constexpr std::uint64_t MemoryOf(std::uint64_t nEntries)
+{
+    constexpr std::uint64_t ullRecord = 64;
+    constexpr std::uint64_t ullArray = 64;
+    return ullRecord + (nEntries == 0 ? 0 : ullArray + nEntries * sizeof(QsbHeaderEntryC));
+}
+
 } // namespace
 
 QsbHeaderEntryC QsbHeaderEntryC::FromUInt32(std::uint32_t type, std::uint32_t tag,
@@ -146,9 +154,7 @@ std::int64_t QsbBlockListC::Find(std::uint32_t uiId) const noexcept
 
 bool QsbBlockListC::HasRoomFor(std::uint64_t nEntries) const noexcept
 {
-    const std::uint64_t ullEntries = m_ullEntryCount + nEntries; // each at most 2^28, so no wrap
-    return (m_dqRecords.size() + 1) * sizeof(QsbBlockC) + ullEntries * sizeof(QsbHeaderEntryC) <=
-           s_ullMemoryLimit;
+    return m_ullMemory + MemoryOf(nEntries) <= s_ullMemoryLimit; // entries number 2^28 at most, so no wrap
 }
 
 bool QsbBlockListC::AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
@@ -161,7 +167,7 @@ bool QsbBlockListC::AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std:
     record.m_uiDataBytes = uiDataBytes;
     record.m_bSealed = true;
     if (nEntries != 0) record.m_pEntries = std::make_unique<QsbHeaderEntriesT>(std::move(entries));
-    m_ullEntryCount += nEntries;
+    m_ullMemory += MemoryOf(nEntries);
     return true;
 }
 
@@ -179,6 +185,7 @@ bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
     QsbBlockC& record = AppendNew(ullOffset, uiId);
     record.m_bSealed = true;
     record.m_ullRunLength = ullRunLength;
+    m_ullMemory += MemoryOf(0);
     m_ullCount += ullRunLength - 1;
     return true;
 }
@@ -207,7 +214,7 @@ QsbBlockC& QsbBlockListC::IsolateLast()
 void QsbBlockListC::RemoveLast()
 {
     const QsbBlockC& last = IsolateLast();
-    m_ullEntryCount -= std::min<std::uint64_t>(m_ullEntryCount, last.GetEntryCount());
+    m_ullMemory -= std::min(m_ullMemory, MemoryOf(last.GetEntryCount()));
     m_dqRecords.pop_back();
     --m_ullCount;
 }
@@ -216,7 +223,7 @@ void QsbBlockListC::Clear() noexcept
 {
     m_dqRecords.clear();
     m_ullCount = 0;
-    m_ullEntryCount = 0;
+    m_ullMemory = 0;
 }
 
 } // namespace SIO

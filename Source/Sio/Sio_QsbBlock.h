@@ -119,7 +119,8 @@ static_assert(sizeof(QsbBlockC) <= 48, "a file of a million small blocks has a m
 class QsbBlockListC
 {
 public:
-    /// What the records and entries of one list may take in memory.
+    /// What the records and entries that are read from one file may take in memory, counted with what
+    /// allocating them costs.
     static constexpr std::uint64_t s_ullMemoryLimit = std::uint64_t{512} << 20;
 
     bool IsEmpty() const noexcept { return m_dqRecords.empty(); }
@@ -167,7 +168,7 @@ public:
 private:
     std::deque<QsbBlockC> m_dqRecords;
     std::uint64_t m_ullCount = 0;
-    std::uint64_t m_ullEntryCount = 0;
+    std::uint64_t m_ullMemory = 0; ///< what the records and entries read from a file take, about
 };
 
 } // namespace SIO
