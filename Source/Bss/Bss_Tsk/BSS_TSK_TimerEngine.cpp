@@ -297,6 +297,7 @@ void TimerEngineC::Run()
     m_threadId.store(HAL::CurrentThreadId());
     m_threadId.notify_one();
     HAL::SetCurrentThreadName("TimerEngine");
+    HAL::AskForExactWaits();
     const HAL::WaitHandleT event = m_hTimerEvent;
     try {
         while (m_bRunning.load()) {
