@@ -56,8 +56,10 @@ class PlainSemaphoreC
 public:
     void post()
     {
-        const std::lock_guard<std::mutex> guard(m_mutex);
-        ++m_uiCount;
+        {
+            const std::lock_guard<std::mutex> guard(m_mutex);
+            ++m_uiCount;
+        }
         m_posted.notify_one();
     }
     void wait()

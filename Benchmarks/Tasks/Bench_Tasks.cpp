@@ -208,9 +208,11 @@ void RunLatency(const OptionsT& options)
         std::vector<double> theirsNow;
         for (unsigned i = 0; i < SAMPLES; ++i) {
             theirsNow.push_back(sample([&] {
-                const std::lock_guard<std::mutex> guard(mutex);
-                bPosted = true;
-                changed.notify_one();
+                {
+                    const std::lock_guard<std::mutex> guard(mutex);
+                    bPosted = true;
+                }
+                changed.notify_one(); // not before: the thread would wake only to wait for the mutex
             }));
             const auto command = BSS::TSK::MakeCommand("bench", [&] { dWoken.store(ClockSeconds()); });
             oursNow.push_back(sample([&] { task->postCommand(command); }));
