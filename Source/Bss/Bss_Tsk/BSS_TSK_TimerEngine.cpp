@@ -83,7 +83,11 @@ int TimerEngineC::start(std::uint32_t engineId)
     Report(engineId < 16, "dwID <= (0xf0000000 >> 28)", LINE_ENGINE_ID);
     if (m_hTimerThread) return 1;
     m_hTimerEvent = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
-    if (m_hTimerEvent == HAL::NO_WAIT_HANDLE) return 0;
+    m_hArrived = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
+    if (m_hTimerEvent == HAL::NO_WAIT_HANDLE || m_hArrived == HAL::NO_WAIT_HANDLE) {
+        CloseEvents();
+        return 0;
+    }
     {
         const GuardC timers(m_timerLock);
         m_engineId = engineId & 15;
@@ -104,12 +108,11 @@ int TimerEngineC::start(std::uint32_t engineId)
         if (HAL::TakeFault(HAL::FaultT::Thread)) throw boost::thread_resource_error();
         m_hTimerThread = std::make_unique<boost::thread>([this] { Run(); });
     } catch (const boost::thread_resource_error&) {
-        HAL::CloseWaitHandle(m_hTimerEvent);
-        m_hTimerEvent = HAL::NO_WAIT_HANDLE;
+        CloseEvents();
         m_bRunning.store(false);
         return 0;
     }
-    m_threadId.wait(0);
+    HAL::WaitForOne(m_hArrived, HAL::WAIT_WITHOUT_LIMIT);
     Report(HAL::ApplyThreadPriority(m_threadId.load(), HAL::PRIORITY_TIME_CRITICAL), "0", LINE_PRIORITY);
     return 1;
 }
@@ -128,15 +131,23 @@ int TimerEngineC::stop()
     const boost::this_thread::disable_interruption undisturbed;
     m_hTimerThread->join();
     m_hTimerThread.reset();
-    HAL::CloseWaitHandle(m_hTimerEvent);
+    CloseEvents();
     const GuardC timers(m_timerLock);
-    m_hTimerEvent = HAL::NO_WAIT_HANDLE;
     m_threadId.store(0);
     // Whatever was left has been told of and is gone.
     m_wheel.reset(0);
     m_ID2IdxMap.clear();
     m_ulNbActiveTimers = 0;
     return 1;
+}
+
+void TimerEngineC::CloseEvents()
+{
+    const GuardC guard(m_timerLock);
+    for (HAL::WaitHandleT* const handle : {&m_hTimerEvent, &m_hArrived}) {
+        HAL::CloseWaitHandle(*handle);
+        *handle = HAL::NO_WAIT_HANDLE;
+    }
 }
 
 bool TimerEngineC::isRunning() const
@@ -295,7 +306,7 @@ std::uint32_t TimerEngineC::DrawId()
 void TimerEngineC::Run()
 {
     m_threadId.store(HAL::CurrentThreadId());
-    m_threadId.notify_one();
+    HAL::SetWaitEvent(m_hArrived);
     HAL::SetCurrentThreadName("TimerEngine");
     HAL::AskForExactWaits();
     const HAL::WaitHandleT event = m_hTimerEvent;

@@ -122,6 +122,7 @@ private:
     void Notify(const TimerRecordT& timer);
     void AwaitWakeUp() const;
     void ReportLeftOver();
+    void CloseEvents();
 
     TIM::TickClockC& m_clock;
     std::uint32_t m_engineId = 0;
@@ -135,6 +136,7 @@ private:
     std::uint32_t m_minResolution = RESOLUTION_NONE;
     std::uint32_t m_idCounter = 0;
     HAL::WaitHandleT m_hTimerEvent = HAL::NO_WAIT_HANDLE;
+    HAL::WaitHandleT m_hArrived = HAL::NO_WAIT_HANDLE; // signalled when the thread has told its id
     std::unique_ptr<boost::thread> m_hTimerThread;
     std::atomic<std::uint32_t> m_threadId{0};
     mutable MutexC m_startLock;                    // start and stop

@@ -440,8 +440,10 @@ TEST_F(TimerTest, AnEngineNumberAboveFifteenIsReported)
 
 TEST_F(TimerTest, WithoutAnEventOrAThreadItDoesNotStart)
 {
-    BSS::HAL::OrderFault(BSS::HAL::FaultT::Event, 1);
-    EXPECT_EQ(engine.start(1), 0);
+    for (const std::uint32_t nth : {1u, 2u}) {
+        BSS::HAL::OrderFault(BSS::HAL::FaultT::Event, nth);
+        EXPECT_EQ(engine.start(1), 0);
+    }
     BSS::HAL::OrderFault(BSS::HAL::FaultT::Thread, 1);
     EXPECT_EQ(engine.start(1), 0);
     EXPECT_FALSE(engine.isRunning());
