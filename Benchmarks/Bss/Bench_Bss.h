@@ -13,6 +13,7 @@ namespace Bench {
 
 void RunLogFile(const OptionsT& options);
 void RunLogFlushed(const OptionsT& options);
+void RunLogMany(const OptionsT& options);
 void RunLogDisabled(const OptionsT& options);
 void RunStrings(const OptionsT& options);
 
@@ -31,7 +32,11 @@ public:
 std::unique_ptr<LoggerI> MakeOwnLogger(const std::string& strDirectory);
 std::unique_ptr<LoggerI> MakeSpdlogLogger(const std::string& strDirectory);
 
-/// `uiCount` calls below the level, which changes now and then but never enables them.
-void SpdlogDisabled(unsigned uiCount);
+/// How many calls below the level are made before the level changes; it never enables them.
+inline constexpr unsigned s_uiDisabledStretch = 1000000;
+void SpdlogDisabled(unsigned uiStretches);
+
+/// Tells how many times as long as the second the first takes, by the clock.
+void PrintRatio(const char* pszWhat, const CandidateT& first, const CandidateT& second);
 
 } // namespace Bench

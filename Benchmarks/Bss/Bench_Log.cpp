@@ -97,6 +97,7 @@ void Compare(const OptionsT& options, unsigned uiLines, bool bFlushed)
             candidate("spdlog basic_file_sink_mt", &MakeSpdlogLogger, strSpdlog, bTwo)};
         RunInterleaved(candidates, options.nRounds);
         PrintTimes(candidates);
+        PrintRatio("messages per second, ours to spdlog's", candidates[1], candidates[0]);
     }
     BSS::OS::SetLogDirectory(L"");
 }

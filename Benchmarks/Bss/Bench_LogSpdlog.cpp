@@ -41,14 +41,17 @@ std::unique_ptr<LoggerI> MakeSpdlogLogger(const std::string& strDirectory)
     return std::make_unique<SpdlogLoggerC>(strDirectory);
 }
 
-void SpdlogDisabled(unsigned uiCount)
+void SpdlogDisabled(unsigned uiStretches)
 {
     static spdlog::logger* const s_pLogger = new spdlog::logger("disabled");
     spdlog::logger* pLogger = s_pLogger;
     asm volatile("" : "+r"(pLogger)); // nobody knows which one it is
-    for (unsigned i = 0; i < uiCount; ++i) {
-        if (i % 1000000 == 0) pLogger->set_level(i % 2000000 == 0 ? spdlog::level::warn : spdlog::level::err);
-        pLogger->info("block {} of {}", i, uiCount);
+    for (unsigned n = 0; n < uiStretches; ++n) {
+        pLogger->set_level(n % 2 == 0 ? spdlog::level::warn : spdlog::level::err);
+        for (unsigned i = 0; i < s_uiDisabledStretch; ++i) {
+            pLogger->info("block {} of {}", i, uiStretches);
+            asm volatile("" ::: "memory");
+        }
     }
 }
 

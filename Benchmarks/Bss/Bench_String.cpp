@@ -7,6 +7,7 @@
 #include "Bench_Bss.h"
 
 #include "Bss/Bss_Uti/BSS_UTI_String.h"
+#include "Support/AllocationCount.h"
 
 #include <memory>
 #include <new>
@@ -27,19 +28,31 @@ void CopyAndDrop(const T& original)
     }
 }
 
+std::size_t AllocationsOf(const wchar_t* pszText)
+{
+    const Support::AllocationCount count;
+    const BSS::UTI::StringC text(pszText);
+    asm volatile("" : : "g"(&text) : "memory");
+    return count.Count();
+}
+
 } // namespace
 
 void RunStrings(const OptionsT& options)
 {
     std::thread([] {}).join();
-    const BSS::UTI::StringC shortText(L"15 characters..");
-    const BSS::UTI::StringC longText(L"a text that does not fit into the block itself");
+    const wchar_t* const pszShort = L"15 characters..";
+    const wchar_t* const pszLong = L"16 characters...";
+    const BSS::UTI::StringC shortText(pszShort);
+    const BSS::UTI::StringC longText(pszLong);
     const auto pointer = std::make_shared<int>(1);
-    std::vector<CandidateT> candidates = {{"StringC, 15 characters", [&] { CopyAndDrop(shortText); }},
-                                          {"StringC, 46 characters", [&] { CopyAndDrop(longText); }},
-                                          {"std::shared_ptr", [&] { CopyAndDrop(pointer); }}};
+    std::vector<CandidateT> candidates = {{"std::shared_ptr", [&] { CopyAndDrop(pointer); }},
+                                          {"StringC, 15 characters", [&] { CopyAndDrop(shortText); }},
+                                          {"StringC, 16 characters", [&] { CopyAndDrop(longText); }}};
     RunInterleaved(candidates, options.nRounds);
     PrintTimes(candidates);
+    std::printf("  allocations made by 15 characters: %zu, by 16: %zu\n", AllocationsOf(pszShort),
+                AllocationsOf(pszLong));
 }
 
 } // namespace Bench

@@ -7,6 +7,7 @@
 #include "Bss/Bss_Os/BSS_OS_Configuration.h"
 #include "Support/Environment.h"
 #include "Support/Files.h"
+#include "Support/PageExamples.h"
 #include "Support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -50,6 +51,15 @@ TEST_F(ConfigFile, ReadsDecimalAndHexadecimalNumbers)
     EXPECT_EQ(Value(), 42u);
     Make("[k]\nn=0xFFFFFFFF\n");
     EXPECT_EQ(Value(), 0xFFFFFFFFu);
+}
+
+TEST_F(ConfigFile, ReadsTheExampleOfThePageOnLogs)
+{
+    std::string text;
+    for (const std::string& line : Support::ExamplesOf("logging.md", "scanreader.conf"))
+        text += line + "\n";
+    Make(text);
+    EXPECT_EQ(OS::ReadErrorLogLimitBytes(OS::PlatformConfigStore(), 1), 2048u << 10);
 }
 
 TEST_F(ConfigFile, ReadsOnlyBelowItsOwnKey)

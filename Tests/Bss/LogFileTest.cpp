@@ -196,16 +196,6 @@ TEST_F(LogFile, FullFileThatCannotBecomeTheOlderOneDoesNotGrow)
     EXPECT_EQ(Bytes("a.txt"), "123\n");
 }
 
-TEST_F(LogFile, DirectoryThatIsTakenAwayIsMadeAnewAndNothingIsLost)
-{
-    DbgLogFileC file(L"a.txt", 0);
-    EXPECT_TRUE(file.append("one\n", Later()));
-    TakeAway();
-    EXPECT_TRUE(file.append("two\n", Later()));
-    EXPECT_TRUE(file.flush());
-    EXPECT_EQ(Bytes("a.txt"), "one\ntwo\n");
-}
-
 TEST_F(LogFile, FileThatIsTakenAwayBetweenTwoLinesOfAMomentIsWrittenAgain)
 {
     DbgLogFileC file(L"a.txt", 0);

@@ -244,6 +244,17 @@ TEST_F(LogProcesses, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
         EXPECT_EQ(line, std::string(99, 'x'));
 }
 
+// Windows does not let a directory go in which a file is open.
+TEST_F(LogProcesses, DirectoryThatIsTakenAwayIsMadeAnewAndNothingIsLost)
+{
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("one\n", {1000, 0}));
+    TakeAway();
+    EXPECT_TRUE(file.append("two\n", {1001, 0}));
+    EXPECT_TRUE(file.flush());
+    EXPECT_EQ(Bytes("a.txt"), "one\ntwo\n");
+}
+
 // Runs in a child with a file system of its own, as big as a few lines. 0: as it should be; 77: not permitted
 // here.
 int LogToAFullDisk(const std::string& folder)

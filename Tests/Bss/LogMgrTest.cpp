@@ -11,6 +11,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_SubLogManager.h"
 #include "Bss/Bss_Hal/BSS_HAL_ConfigValue.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
+#include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
 #include "Support/LogCapture.h"
@@ -84,6 +85,23 @@ TEST_F(LogMgr, SystemErrorLoggerWritesItsOwnFileWithTheFullPrefix)
     EXPECT_EQ(Manager().getSystemErrorLogger()->getName(), "SystemErrorLogger");
 }
 
+TEST_F(LogMgr, ConsumersThatNameOneFileShareIt)
+{
+    const auto one = Manager().getConsumer("SystemErrorLogger");
+    const auto two = Manager().getConsumer("ErrorLog");
+    for (int i = 0; i < 50; ++i) {
+        one->Log(LEVEL_ERROR, "one %d", i);
+        two->Log(LEVEL_INFO, "two %d", i);
+    }
+    EXPECT_TRUE(Manager().flush());
+    const std::string text = Bytes("ErrorLog.txt");
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 100);
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_NE(text.find(BSS::UTI::Format(" ERROR one %d\n", i)), std::string::npos);
+        EXPECT_NE(text.find(BSS::UTI::Format(" INFO two %d\n", i)), std::string::npos);
+    }
+}
+
 TEST_F(LogMgr, NameWithSeparatorsStaysInTheDirectory)
 {
     Manager().getConsumer("../x")->Log(LEVEL_ERROR, "a");
@@ -133,12 +151,12 @@ TEST_F(LogMgr, NothingElseAppearsOnStandardOutputOrError)
     Manager().getConsumer("quiet")->Log(LEVEL_FATAL, "a");
     Manager().getSystemErrorLogger()->Log(LEVEL_FATAL, "b");
     Manager().getConsumer("OutputDebugString")->Log(LEVEL_FATAL, "c");
-    TakeAway();
-    Support::WriteAll(m_directory.Narrow("log"), "in the way");
+    Support::WriteAll(m_directory.Narrow("file"), "a file in the directory's place");
+    BSS::OS::SetLogDirectory(m_directory.Wide("file"));
     Manager().getConsumer("quiet")->Log(LEVEL_FATAL, "cannot be written");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    boost::filesystem::remove(m_directory.Path() / "log");
+    BSS::OS::SetLogDirectory(m_directory.Wide("log"));
     EXPECT_TRUE(Manager().flush());
 }
 
@@ -208,6 +226,29 @@ TEST_F(LogMgr, SubManagersAreFlushedUntilTheyAreTakenBack)
     Manager().unregisterSubManager(sub);
     EXPECT_TRUE(Manager().flush());
     EXPECT_EQ(sub.m_count, 1);
+}
+
+TEST_F(LogMgr, SubManagersMayTakeThemselvesBackWhileTheyAreFlushed)
+{
+    struct Once final : SubLogManagerC
+    {
+        ~Once() override { Manager().unregisterSubManager(*this); }
+        bool flushLogs() override
+        {
+            Manager().unregisterSubManager(*this);
+            Manager().unregisterSubManager(*other);
+            return ++count, true;
+        }
+        Once* other = this;
+        int count = 0;
+    } one, two;
+    one.other = &two;
+    two.other = &one;
+    Manager().registerSubManager(one);
+    Manager().registerSubManager(two);
+    EXPECT_TRUE(Manager().flush());
+    EXPECT_TRUE(Manager().flush());
+    EXPECT_EQ(one.count + two.count, 1);
 }
 
 TEST_F(LogMgr, SubManagerThatFailsFailsTheFlush)
@@ -296,7 +337,7 @@ TEST_F(LogMgr, LogFileTellsWhereItIs)
     DbgLogFileIteratorC at = Manager().firstLogFile();
     while (at && at.getConsumerName() != "whereabouts")
         Manager().nextLogFile(at);
-    EXPECT_EQ(BSS::HAL::NarrowPath(Manager().getLogFilePath(at)), Path("whereabouts.txt"));
+    EXPECT_EQ(Manager().getLogFilePath(at), BSS::HAL::JoinPath(m_directory.Wide("log"), L"whereabouts.txt"));
 }
 
 TEST_F(LogMgr, IteratorThatPointsToNoneOfTheLogFilesIsReported)
@@ -330,8 +371,9 @@ public:
         : m_path(Support::LogDirectory() + "/" + name), m_configuration(m_path),
           m_configDirectory("SCANREADER_CONFIG_DIR", m_path)
     {
-        BSS::OS::SetLogDirectory(BSS::HAL::WidePath(m_path));
+        boost::filesystem::remove_all(m_path); // left by the same test, when tests are repeated
         boost::filesystem::create_directories(m_path);
+        BSS::OS::SetLogDirectory(BSS::HAL::WidePath(m_path));
     }
 
     std::string Path(const std::string& file) const { return m_path + "/" + file; }
@@ -341,6 +383,25 @@ private:
     const Support::PrivateConfiguration m_configuration;
     const Support::ScopedEnvironment m_configDirectory;
 };
+
+TEST_F(LogMgrDeathTest, ManagerAskedForByManyThreadsIsMadeOnce)
+{
+    const auto ask = [] {
+        const OwnDirectory own("once");
+        Support::WriteAll(own.Path("logging.conf"), "no line of ours\n"); // told once by each that is made
+        std::vector<DbgLogMgrC*> made(8);
+        std::vector<std::thread> threads;
+        for (auto& each : made)
+            threads.emplace_back([&each] { each = &Manager(); });
+        for (std::thread& thread : threads)
+            thread.join();
+        const bool same = std::count(made.begin(), made.end(), made.front()) == 8;
+        Manager().flush();
+        const std::string told = Support::ReadAll(own.Path("ErrorLog.txt"));
+        std::_Exit(same && std::count(told.begin(), told.end(), '\n') == 1 ? 0 : 1);
+    };
+    EXPECT_EXIT(ask(), testing::ExitedWithCode(0), "");
+}
 
 TEST_F(LogMgrDeathTest, ConfiguredLimitIsKept)
 {

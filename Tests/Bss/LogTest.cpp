@@ -10,6 +10,7 @@
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/AllocationCount.h"
 #include "Support/DebugOutputCapture.h"
+#include "Support/ReportCapture.h"
 
 #include <algorithm>
 #include <functional>
@@ -162,6 +163,44 @@ TEST(LogConsumer, ExceptionInsideNeverReachesTheCaller)
     EXPECT_NO_THROW(consumer.Log(LEVEL_INFO, "one"));
     EXPECT_EQ(debug.Text(), FAILURE);
     EXPECT_FALSE(DbgLogConsumerC::isWriting());
+}
+
+TEST(LogConsumer, WhateverAConsumerThrowsNeverReachesTheCaller)
+{
+    const Support::DebugOutputCapture debug;
+    TextConsumer consumer;
+    consumer.inside = []() -> bool { throw 5; };
+    EXPECT_NO_THROW(consumer.Log(LEVEL_INFO, "one"));
+    EXPECT_EQ(debug.Text(), FAILURE);
+    EXPECT_FALSE(DbgLogConsumerC::isWriting());
+}
+
+TEST(LogConsumer, WhateverAFlushThrowsNeverReachesTheCaller)
+{
+    struct Throwing final : DbgLogConsumerC
+    {
+        Throwing() : DbgLogConsumerC("t", PrefixKind::None) {}
+        bool write(std::string_view) override { return true; }
+        bool flushDevice() override { throw 5; }
+    } consumer;
+    const Support::ReportCapture reports;
+    EXPECT_NO_THROW(EXPECT_FALSE(consumer.flush()));
+    EXPECT_EQ(reports.Count("!\"Failed flushing logs!\""), 1u);
+}
+
+TEST(LogConsumer, LoggingFromInsideAFlushGoesToTheDebugOutput)
+{
+    struct Logging final : DbgLogConsumerC
+    {
+        Logging() : DbgLogConsumerC("l", PrefixKind::None) {}
+        bool write(std::string_view lines) override { return text += lines, true; }
+        bool flushDevice() override { return Log(LEVEL_INFO, "inner"), true; }
+        std::string text;
+    } consumer;
+    const Support::DebugOutputCapture debug;
+    EXPECT_TRUE(consumer.flush());
+    EXPECT_EQ(consumer.text, "");
+    EXPECT_EQ(debug.Text(), L"inner");
 }
 
 TEST(LogConsumer, LoggingFromInsideAWriteGoesToTheDebugOutput)

@@ -4,13 +4,15 @@
 // The examples of the page on logs are what the code writes and reads.
 #include "Bss/Bss_Dbg/BSS_DBG_LogConfigLine.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogFile.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
-#include "Support/Files.h"
 #include "Support/LogCapture.h"
+#include "Support/LogFolderTest.h"
 #include "Support/LogLines.h"
+#include "Support/PageExamples.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -20,22 +22,11 @@ using namespace BSS::DBG;
 
 namespace {
 
-std::string Page()
-{
-    return Support::ReadAll(std::string(SCANREADER_DOCS) + "/logging.md");
-}
+constexpr char PAGE[] = "logging.md";
 
-// All blocks of one kind, one after the other.
 std::vector<std::string> Examples(const std::string& kind)
 {
-    const std::string page = Page();
-    const std::string begin = "\n```" + kind + "\n";
-    std::string text;
-    for (std::size_t at = page.find(begin); at != std::string::npos; at = page.find(begin, at + 1)) {
-        const std::size_t first = at + begin.size();
-        text += page.substr(first, page.find("```", first) - first);
-    }
-    return Support::LinesOf(text);
+    return Support::ExamplesOf(PAGE, kind);
 }
 
 LogLineContextT ContextOfThePage()
@@ -69,6 +60,23 @@ TEST(LoggingPage, ReportsAreWhatIsLogged)
     EXPECT_EQ(Examples("report"), Support::LinesOf(log.Messages()));
 }
 
+using LoggingPageFolder = Support::LogFolderTest;
+
+TEST_F(LoggingPageFolder, LossesAreToldAsThePageSays)
+{
+    // A hundred lines of a thousand bytes while nothing can be written; 65 of them fit the buffer.
+    Support::WriteAll(m_directory.Narrow("log"), "a file in the directory's place");
+    DbgLogFileC file(L"a.txt", 0);
+    const std::string line = std::string(999, 'x') + "\n";
+    for (int i = 0; i < 100; ++i)
+        static_cast<void>(file.append(line, {1000 + i, 0}));
+    boost::filesystem::remove(m_directory.Path() / "log");
+    EXPECT_TRUE(file.append("next\n", {2000, 0}));
+    const std::vector<std::string> told = Examples("lost");
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_NE(Bytes("a.txt").find("\n" + told[0] + "\nnext\n"), std::string::npos);
+}
+
 TEST(LoggingPage, ConfigurationLinesCanBeRead)
 {
     const std::vector<std::string> lines = Examples("logging.conf");
@@ -81,7 +89,7 @@ TEST(LoggingPage, ConfigurationLinesCanBeRead)
 
 TEST(LoggingPage, LevelsHaveTheirNumbers)
 {
-    const std::string page = Page();
+    const std::string page = Support::PageText(PAGE);
     for (const char* const level : {"FATAL", "ERROR", "WARN", "INFO", "ALL"}) {
         const std::string row = BSS::UTI::Format("| `%s` | %d |", level, ParseLogSettings(level)->level);
         EXPECT_NE(page.find(row), std::string::npos) << row;
@@ -90,7 +98,7 @@ TEST(LoggingPage, LevelsHaveTheirNumbers)
 
 TEST(LoggingPage, SizesAreTheOnesOfTheCode)
 {
-    const std::string page = Page();
+    const std::string page = Support::PageText(PAGE);
     EXPECT_EQ(DbgLogConsumerC::DEFAULT_LIMIT_BYTES, 10u << 20);
     EXPECT_NE(page.find("up to 10 MiB"), std::string::npos);
     EXPECT_EQ(DbgLogConsumerC::DEFAULT_OLDER_FILES, 3u);

@@ -2,13 +2,13 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // A process that logs, for the tests that need more than one:
-//   bss_log_writer DIRECTORY lines NAME COUNT LIMIT     COUNT lines "NAME <number> <checksum>" to
-//   "shared.txt" bss_log_writer DIRECTORY endless                    lines to "killed.txt" without end;
-//   flushes after every 1000
-//                                                       and then prints how many are flushed
-//   bss_log_writer DIRECTORY exit                       a line to ErrorLog.txt and one that waits, then
-//   returns
-// LIMIT counts bytes of a file.
+//
+//   bss_log_writer DIRECTORY lines NAME COUNT LIMIT
+//       COUNT lines "NAME <number> <checksum>" to "shared.txt", LIMIT bytes to a file
+//   bss_log_writer DIRECTORY endless
+//       lines to "killed.txt" without end; flushes after every 1000 and then prints how many are flushed
+//   bss_log_writer DIRECTORY exit
+//       a line to "ErrorLog.txt" and one that waits, then returns
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"

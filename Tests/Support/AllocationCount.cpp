@@ -14,18 +14,36 @@ constinit thread_local std::size_t t_largest = 0;
 
 } // namespace
 
-// GCC takes the matching of these two with the heap functions for a mistake once they are inlined.
+// All forms but those for unusual alignment: a sanitizer brings forms of its own, and what one of them gives
+// must not come back to another's.
+//
+// GCC takes the matching of these with the heap functions for a mistake once they are inlined.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpragmas"
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 
-void* operator new(std::size_t size)
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     ++t_count;
     if (size > t_largest) t_largest = size;
-    void* const memory = std::malloc(size > 0 ? size : 1);
+    return std::malloc(size > 0 ? size : 1);
+}
+
+void* operator new(std::size_t size)
+{
+    void* const memory = operator new(size, std::nothrow);
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
+}
+
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return operator new(size, std::nothrow);
 }
 
 void operator delete(void* memory) noexcept
@@ -33,7 +51,27 @@ void operator delete(void* memory) noexcept
     std::free(memory);
 }
 
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
 void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, const std::nothrow_t&) noexcept
 {
     std::free(memory);
 }

@@ -34,9 +34,12 @@ class WritingScope
 {
 public:
     WritingScope() noexcept { t_writing = true; }
-    ~WritingScope() { t_writing = false; }
+    ~WritingScope() { t_writing = m_before; }
     WritingScope(const WritingScope&) = delete;
     WritingScope& operator=(const WritingScope&) = delete;
+
+private:
+    const bool m_before = t_writing;
 };
 
 // The line buffer, and behind it a string for what is longer.
@@ -80,7 +83,8 @@ DbgLogConsumerC::DbgLogConsumerC(std::string name, PrefixKind prefix)
 
 DbgLogConsumerC::~DbgLogConsumerC() = default;
 
-// Runs what makes and writes a message, and tells when it could not.
+// Runs what makes and writes a message, and tells when it could not. Whatever a consumer throws ends here:
+// nobody who logs expects an exception, of whatever type.
 template<typename MakeT>
 void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
 {
@@ -88,7 +92,7 @@ void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
     try {
         const WritingScope scope;
         written = make();
-    } catch (const std::exception&) {
+    } catch (...) {
         written = false;
     }
     if (!written) reportFailure();
@@ -152,8 +156,8 @@ bool DbgLogConsumerC::flush()
     bool flushed = false;
     try {
         flushed = flushLines();
-    } catch (const std::exception&) {
-        flushed = false;
+    } catch (...) {
+        flushed = false; // as for a message
     }
     if (!flushed) BSS_ASSERT(!"Failed flushing logs!");
     return flushed;
@@ -237,11 +241,6 @@ bool DbgLogConsumerC::isWriting() noexcept
     return t_writing;
 }
 
-bool DbgLogConsumerC::handOver()
-{
-    return true;
-}
-
 bool DbgLogConsumerC::flushDevice()
 {
     return true;
@@ -250,13 +249,13 @@ bool DbgLogConsumerC::flushDevice()
 bool DbgLogConsumerC::writeLines(const LogMomentT& moment, std::string_view lines)
 {
     const std::lock_guard<TSK::MutexC> guard(m_lock);
-    m_writeTime = moment.time;
-    const bool written = write(lines);
-    return (moment.level < m_flushLevel.load(std::memory_order_relaxed) || handOver()) && written;
+    m_writeMoment = moment;
+    return write(lines);
 }
 
 bool DbgLogConsumerC::flushLines()
 {
+    const WritingScope scope;
     const std::lock_guard<TSK::MutexC> guard(m_lock);
     return flushDevice();
 }

@@ -114,12 +114,9 @@ protected:
         HAL::WallTime time;
     };
 
-    /// Writes whole lines, each ended by "\n". One call at a time. May throw what derives from
-    /// std::exception; that and false are told on the debugger output.
+    /// Writes whole lines, each ended by "\n". One call at a time. An exception, whatever its type, and false
+    /// are told on the debugger output.
     virtual bool write(std::string_view lines) = 0;
-
-    /// Hands over to the system what write() has kept. One call at a time. The base keeps nothing.
-    virtual bool handOver();
 
     /// Puts everything on the device. One call at a time, none of them during a write.
     virtual bool flushDevice();
@@ -133,8 +130,13 @@ protected:
     /// For a consumer that passes on to others.
     static bool WriteLinesTo(DbgLogConsumerC& consumer, const LogMomentT& moment, std::string_view lines);
 
-    /// When the lines that write() is given were logged. For write() and handOver() only.
-    const HAL::WallTime& writeTime() const noexcept { return m_writeTime; }
+    /// When the lines that write() is given were logged, and whether they must be handed over to the system
+    /// at once. For write() only.
+    const HAL::WallTime& writeTime() const noexcept { return m_writeMoment.time; }
+    bool writeMustHandOver() const noexcept
+    {
+        return m_writeMoment.level >= m_flushLevel.load(std::memory_order_relaxed);
+    }
     static bool FlushLinesOf(DbgLogConsumerC& consumer);
 
 private:
@@ -170,7 +172,7 @@ private:
     std::atomic<unsigned> m_nOlderFiles{DEFAULT_OLDER_FILES};
     std::atomic<bool> m_bLineSplitting{false};
     TSK::MutexC m_lock;
-    HAL::WallTime m_writeTime; // guarded by the lock
+    LogMomentT m_writeMoment; // guarded by the lock
 };
 
 } // namespace BSS::DBG

@@ -32,7 +32,7 @@ constexpr std::uint64_t VERIFY_EVERY_MS = 20;
 constexpr std::uint64_t CHECK_PATH_EVERY_MS = 1000;
 constexpr std::uint64_t SHARED_FOR_MS = 1000; // how long others are expected back
 constexpr int MAX_WAIT_FOR_SOLE_USER_MS = 50;
-constexpr int MAX_FRUITLESS_ROUNDS = 16;
+constexpr auto PATIENCE = std::chrono::seconds(1);
 constexpr std::size_t LONGEST_FRAGMENT = 16384; // what we may have left behind; no line is longer
 
 // How much of the text is whole lines and not longer than `most`.
@@ -53,6 +53,25 @@ std::uint64_t Milliseconds(const HAL::WallTime& time) noexcept
     return static_cast<std::uint64_t>(time.seconds) * 1000 + static_cast<std::uint64_t>(time.millisecond);
 }
 
+// How long something may be tried without getting anywhere.
+class Patience
+{
+public:
+    bool IsOver()
+    {
+        const auto now = std::chrono::steady_clock::now();
+        if (m_end == NOT_YET) m_end = now + PATIENCE;
+        return now >= m_end;
+    }
+    void Renew() noexcept { m_end = NOT_YET; }
+
+private:
+    using TimeT = std::chrono::steady_clock::time_point;
+    static constexpr TimeT NOT_YET = TimeT::max();
+
+    TimeT m_end = NOT_YET; // from the first time it is asked for
+};
+
 class WriteLock
 {
 public:
@@ -65,6 +84,7 @@ public:
     WriteLock& operator=(const WriteLock&) = delete;
 
     bool Busy() const noexcept { return m_state == HAL::AppendLock::Busy; }
+    HAL::AppendLock State() const noexcept { return m_state; }
 
 private:
     HAL::AppendFileC& m_file;
@@ -221,6 +241,7 @@ bool DbgLogFileC::verify()
     }
     forgetWritten();
     m_verifiedMs = m_nowMs;
+    if (m_sole) m_sizeBytes = status.sizeBytes; // somebody may have emptied it
     if (Elapsed(m_verifiedMs, m_pathCheckedMs) >= CHECK_PATH_EVERY_MS && !reopenIfReplaced()) return false;
     const bool others = m_file->OthersPresent();
     if (others) m_othersSeenMs = m_verifiedMs;
@@ -257,21 +278,28 @@ void DbgLogFileC::forgetWritten() noexcept
 bool DbgLogFileC::writeAlone()
 {
     const bool fits = m_limitBytes == 0 || m_sizeBytes + pending() <= m_limitBytes;
-    return fits ? writePart(pending()) : writeLocked();
+    return fits ? writePart(pending(), true) : writeLocked();
 }
 
+// When many write much, the file may be full and another one each time it is our turn: what counts then is
+// time, not how often that happens.
 bool DbgLogFileC::writeLocked()
 {
-    int fruitless = 0;
-    while (pending() > 0 && fruitless < MAX_FRUITLESS_ROUNDS) {
+    Patience patience;
+    while (pending() > 0) {
         const std::size_t before = pending();
         if (!m_file && !open()) return false;
         const RoundResult result = writeLockedOnce();
         if (result == RoundResult::Failed) return false;
-        if (result == RoundResult::FileIsAnother) close();
-        fruitless = pending() < before ? 0 : fruitless + 1;
+        if (result == RoundResult::Rotated) letOthersIn();
+        if (result != RoundResult::Done) close();
+        if (pending() < before) {
+            patience.Renew();
+        } else if (patience.IsOver()) {
+            return false;
+        }
     }
-    return pending() == 0;
+    return true;
 }
 
 DbgLogFileC::RoundResult DbgLogFileC::writeLockedOnce()
@@ -289,19 +317,28 @@ DbgLogFileC::RoundResult DbgLogFileC::writeLockedOnce()
     const bool strange = status.sizeBytes != m_sizeBytes;
     m_sizeBytes = status.sizeBytes;
     if (strange && !lock.Busy()) repairEnd(status.sizeBytes);
-    if (!writeOnce(!lock.Busy())) return RoundResult::Failed;
+    if (!writeOnce(lock.State())) return RoundResult::Failed;
     forgetWritten(); // the file has just been seen
-    return pending() > 0 && m_sizeBytes == 0 ? RoundResult::FileIsAnother : RoundResult::Done;
+    return pending() > 0 && m_sizeBytes == 0 ? RoundResult::Rotated : RoundResult::Done;
 }
 
-// Writes what fits, or makes room for it: then the size is 0 and the file has to be opened anew.
-bool DbgLogFileC::writeOnce(bool mayRotate)
+// Who waits for the file that has just become an older one comes too late for the new one, if we go on at
+// once.
+void DbgLogFileC::letOthersIn() const
+{
+    if (m_file->OthersPresent()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+// Writes what fits, or makes room for it: then the size is 0 and the file has to be opened anew. While
+// somebody keeps the lock the file only grows.
+bool DbgLogFileC::writeOnce(HAL::AppendLock lock)
 {
     const std::string_view waiting(m_buffer.get() + m_written, pending());
-    if (m_limitBytes == 0 || !mayRotate) return writePart(waiting.size());
+    const bool ours = lock == HAL::AppendLock::Taken;
+    if (m_limitBytes == 0 || lock == HAL::AppendLock::Busy) return writePart(waiting.size(), ours);
     const std::uint64_t room = m_limitBytes > m_sizeBytes ? m_limitBytes - m_sizeBytes : 0;
     const std::size_t fit = WholeLines(waiting, room);
-    if (fit > 0) return writePart(fit);
+    if (fit > 0) return writePart(fit, ours);
     if (m_sizeBytes > 0) return rotate();
     // One line that is longer than any file may be.
     const std::size_t line = std::min(waiting.find('\n'), waiting.size() - 1) + 1;
@@ -313,16 +350,18 @@ bool DbgLogFileC::writeOnce(bool mayRotate)
 }
 
 // Appends that much of what waits. If the system takes only a part of it, a line that was begun is taken
-// back.
-bool DbgLogFileC::writePart(std::size_t bytes)
+// back: always when nobody else may write now, else when nobody has.
+bool DbgLogFileC::writePart(std::size_t bytes, bool ours)
 {
     const std::string_view waiting(m_buffer.get() + m_written, bytes);
     const std::size_t taken = m_file->Append(waiting.data(), bytes);
     const std::size_t whole = WholeLines(waiting, taken);
     HAL::FileStatus status;
-    const bool asExpected =
-        whole == taken || (m_file->GetStatus(status) && status.sizeBytes == m_sizeBytes + taken);
-    if (whole < taken && asExpected) static_cast<void>(m_file->Truncate(m_sizeBytes + whole));
+    if (whole < taken && m_file->GetStatus(status) && status.sizeBytes >= taken &&
+        (ours || status.sizeBytes == m_sizeBytes + taken)) {
+        m_sizeBytes = status.sizeBytes - taken; // somebody may have emptied the file to make room
+        static_cast<void>(m_file->Truncate(m_sizeBytes + whole));
+    }
     m_sizeBytes += whole;
     m_written += whole;
     return whole == bytes;

@@ -66,6 +66,7 @@ private:
     enum class RoundResult
     {
         Done,
+        Rotated,       ///< the file has become an older one
         FileIsAnother, ///< the name stands for another file now, or for none
         Failed
     };
@@ -83,8 +84,9 @@ private:
     bool writeAlone();
     bool writeLocked();
     RoundResult writeLockedOnce();
-    bool writeOnce(bool mayRotate);
-    bool writePart(std::size_t bytes);
+    void letOthersIn() const;
+    bool writeOnce(HAL::AppendLock lock);
+    bool writePart(std::size_t bytes, bool ours);
     bool rotate();
     void repairEnd(std::uint64_t sizeBytes);
 

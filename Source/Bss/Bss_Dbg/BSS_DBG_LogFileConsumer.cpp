@@ -25,12 +25,8 @@ bool DbgLogFileConsumerC::write(std::string_view lines)
 {
     m_file.setLimit(getLimit());
     m_file.setOlderFiles(getOlderFiles());
-    return m_file.append(lines, writeTime());
-}
-
-bool DbgLogFileConsumerC::handOver()
-{
-    return m_file.handOver();
+    const bool appended = m_file.append(lines, writeTime());
+    return (!writeMustHandOver() || m_file.handOver()) && appended;
 }
 
 bool DbgLogFileConsumerC::flushDevice()

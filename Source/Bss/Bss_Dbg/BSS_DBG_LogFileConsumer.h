@@ -26,7 +26,6 @@ public:
 
 protected:
     bool write(std::string_view lines) override;
-    bool handOver() override;
     bool flushDevice() override;
 
 private:

@@ -211,8 +211,9 @@ bool DbgLogMgrC::flushLines()
     for (const ConsumerPtrT& consumer : consumers())
         flushed = FlushLinesOf(*consumer) && flushed;
     const GuardT guard(m_subManagerLock);
-    for (SubLogManagerC* const subManager : m_subManagers)
-        flushed = subManager->flushLogs() && flushed;
+    // Of a copy, as one of them may take itself or another back while it is flushed.
+    for (SubLogManagerC* const subManager : std::vector(m_subManagers.begin(), m_subManagers.end()))
+        if (m_subManagers.count(subManager) != 0) flushed = subManager->flushLogs() && flushed;
     return flushed;
 }
 

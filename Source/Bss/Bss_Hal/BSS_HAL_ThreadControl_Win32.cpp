@@ -31,6 +31,8 @@ bool EndThreadByForce(std::uint32_t threadId, std::uint32_t exitCode) noexcept
     return ended;
 }
 
+void AskForExactWaits() noexcept {}
+
 PriorityBoostC::PriorityBoostC() noexcept : m_before(GetThreadPriority(GetCurrentThread()))
 {
     if (m_before == PRIORITY_TIME_CRITICAL || m_before == static_cast<int>(THREAD_PRIORITY_ERROR_RETURN))

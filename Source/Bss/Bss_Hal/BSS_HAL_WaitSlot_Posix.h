@@ -74,7 +74,7 @@ WaitSlotT* SlotOf(WaitHandleT handle) noexcept;
 /// Whether the slot's word says that it is open and still the one that the handle names.
 bool IsSlotOf(std::uint64_t word, WaitHandleT handle) noexcept;
 
-/// Closes an open slot. Under the lock, with no thread in its list.
+/// Closes an open slot. Under the lock, under which its list must be emptied too.
 void FreeSlot(WaitSlotT& slot) noexcept;
 
 /// Takes a signal, if there is one. False leaves everything as it was.

@@ -364,8 +364,9 @@ bool CloseWaitHandle(WaitHandleT handle) noexcept
     if (slot == nullptr) return false;
     const WaitGuardC guard;
     if (!IsSlotOf(slot->word.load(), handle)) return false;
-    ReleaseAll(*slot, KindT::Failed, WAIT_ERROR_INVALID_HANDLE);
+    // Closed first: the threads that are released find it so. The lock keeps the slot from being used again.
     FreeSlot(*slot);
+    ReleaseAll(*slot, KindT::Failed, WAIT_ERROR_INVALID_HANDLE);
     return true;
 }
 

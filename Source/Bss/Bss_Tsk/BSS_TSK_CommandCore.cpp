@@ -41,13 +41,16 @@ ResultCodeT CommandCoreC::AddNewMsg(const MsgPtrT& message, bool bHigh)
     if (bOverflow.load(std::memory_order_acquire)) return RC_FAILED;
     const std::uint32_t count = queue.push(message, bHigh);
     if (count == 0) return RefuseFull();
-    // Advisory: threads that post at once may see each other's last count. The level is 50 percent or more
-    // when twice the count is the maximum or more.
-    const std::uint32_t before = lastCount.load(std::memory_order_relaxed);
-    lastCount.store(count, std::memory_order_relaxed);
+    // Advisory: threads that post at once may see each other's last count. Below one percent all counts are
+    // alike. The level is 50 percent or more when twice the count is the maximum or more.
     const std::uint64_t maximum = queue.getMaxCount();
-    if ((std::uint64_t{count} * 2 >= maximum) != (std::uint64_t{before} * 2 >= maximum))
-        LogLevel(count, before);
+    const std::uint32_t now = std::uint64_t{count} * 100 < maximum ? 0 : count;
+    const std::uint32_t before = lastCount.load(std::memory_order_relaxed);
+    if (now != before) {
+        lastCount.store(now, std::memory_order_relaxed);
+        if ((std::uint64_t{now} * 2 >= maximum) != (std::uint64_t{before} * 2 >= maximum))
+            LogLevel(now != 0 ? now : static_cast<std::uint32_t>(queue.getCount()), before);
+    }
     // The push was the sequentially consistent step that this asks for.
     HAL::SetWaitEventIfClear(queueEvent.getHandle());
     return RC_OK;

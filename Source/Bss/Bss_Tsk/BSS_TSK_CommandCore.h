@@ -104,6 +104,7 @@ private:
     void ServeFailure(std::uint32_t error, HandlesT& handles);
     void ServeExtraEvent(HAL::WaitHandleT handle);
     bool ExecuteMessages();
+    bool MoreComes() const noexcept;
     void Execute(MsgObjectI& message);
     template<typename ActionT>
     void Guarded(const char* pszWhat, const ActionT& action);

@@ -4,6 +4,7 @@
 // The loop of a command task, on its thread. Nothing that is called from here ends it but a stop request, a
 // kill, and boost::thread_interrupted.
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandCore.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandLog.h"
@@ -152,6 +153,18 @@ void CommandCoreC::ServeExtraEvent(HAL::WaitHandleT handle)
     Guarded("an event handler", [&] { (*handler)(handle); });
 }
 
+// Who posts one message often posts another: looking for a moment costs less than going to sleep and being
+// woken.
+bool CommandCoreC::MoreComes() const noexcept
+{
+    constexpr int ROUNDS = 40;
+    for (int round = 0; round < ROUNDS; ++round) {
+        if (queue.hasPushed()) return true;
+        HAL::SpinPause();
+    }
+    return false;
+}
+
 // Runs all messages that wait. The event is reset once, before the first look: whoever posts after the last
 // look finds it reset, or signals it again.
 bool CommandCoreC::ExecuteMessages()
@@ -162,11 +175,17 @@ bool CommandCoreC::ExecuteMessages()
         queueEvent.reset();
     }
     bool bLeave = false;
+    std::uint32_t nExecuted = 0;
     std::int32_t left = 0; // messages that wait behind a stop request and still run
     while (!bKilled.load(std::memory_order_relaxed)) {
         if (bLeave && left-- <= 0) return true;
         own.current = queue.take(own.taken);
-        if (!own.current) return bLeave || bStopRequested.load();
+        if (!own.current) {
+            if (bLeave || bStopRequested.load()) return true;
+            if (nExecuted == 0 || !MoreComes()) return false;
+            continue;
+        }
+        ++nExecuted;
         if (bStopRequested.load(std::memory_order_relaxed) && lastStopPost.load() != RC_OK)
             lastStopPost.store(PostStopRequest());
         MsgObjectI& message = *own.current;

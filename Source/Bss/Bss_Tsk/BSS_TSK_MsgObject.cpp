@@ -7,7 +7,6 @@
 #include "Bss/Bss_Tsk/BSS_TSK_BlockPool.h"
 
 #include <atomic>
-#include <new>
 
 namespace BSS::TSK {
 
@@ -18,34 +17,30 @@ constexpr std::int32_t IDS_PER_THREAD = 256;
 constinit std::atomic<std::uint32_t> s_nextIds{0};
 constinit thread_local std::uint32_t t_nextId = 0;
 
+} // namespace
+
 // Threads draw ids in rows, so that posting threads do not meet at the counter.
-std::int32_t NextId() noexcept
+std::int32_t NextCmdReqId() noexcept
 {
     if (t_nextId % IDS_PER_THREAD == 0)
         t_nextId = s_nextIds.fetch_add(IDS_PER_THREAD, std::memory_order_relaxed);
     return static_cast<std::int32_t>(++t_nextId);
 }
 
-} // namespace
-
 MsgObjectI::MsgObjectI(MsgKind kind, const char* pszCmdClientType) noexcept
-    : m_pszCmdClientType(pszCmdClientType), m_iCmdReqId(NextId()), m_kind(kind)
+    : m_iCmdReqId(NextCmdReqId()), m_pszCmdClientType(pszCmdClientType), m_kind(kind)
 {}
 
 MsgObjectI::~MsgObjectI() = default;
 
 void* MsgObjectI::operator new(std::size_t bytes)
 {
-    return bytes <= BlockPool::BLOCK_BYTES ? BlockPool::Allocate() : ::operator new(bytes);
+    return BlockPool::Allocate(bytes);
 }
 
 void MsgObjectI::operator delete(void* message, std::size_t bytes) noexcept
 {
-    if (bytes <= BlockPool::BLOCK_BYTES) {
-        BlockPool::Free(message);
-    } else {
-        ::operator delete(message);
-    }
+    BlockPool::Free(message, bytes);
 }
 
 } // namespace BSS::TSK

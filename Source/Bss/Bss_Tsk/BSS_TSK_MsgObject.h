@@ -7,6 +7,7 @@
 
 #include "Bss/Bss_Uti/BSS_UTI_SharedObject.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -20,6 +21,21 @@ enum class MsgKind : std::uint8_t
     Timer,
     StopRequest
 };
+
+class MsgObjectI;
+
+/// A message's place in a queue. Every message has one of its own; where it waits in a second place as well,
+/// the queue makes one more.
+struct MsgNodeT
+{
+    MsgNodeT* next = nullptr;
+    MsgObjectI* msg = nullptr;
+    bool bHigh = false;
+    bool bOwn = false; ///< the message's own
+};
+
+/// The next of the numbers that messages and requests go by in the log.
+std::int32_t NextCmdReqId() noexcept;
 
 class MsgObjectI : public UTI::SharedObjectC
 {
@@ -44,8 +60,12 @@ public:
     static void operator delete(void* message, std::size_t bytes) noexcept;
 
 private:
+    friend class MsgQueueC;
+
+    std::int32_t m_iCmdReqId; // fills what the count of the base leaves
     const char* const m_pszCmdClientType;
-    std::int32_t m_iCmdReqId;
+    MsgNodeT m_node;
+    std::atomic<bool> m_bNodeInUse{false};
     const MsgKind m_kind;
 };
 

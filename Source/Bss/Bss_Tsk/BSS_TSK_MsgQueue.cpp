@@ -7,7 +7,6 @@
 #include "Bss/Bss_Tsk/BSS_TSK_BlockPool.h"
 
 #include <algorithm>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -15,17 +14,9 @@ namespace BSS::TSK {
 
 namespace {
 
-constexpr std::uint64_t ONE_POST = (std::uint64_t{1} << 32) + 1;
+constexpr std::uint32_t MOST_THREADS = 1u << 16; // more will never push at the same moment
 
-static_assert(sizeof(MsgNodeT) <= BlockPool::BLOCK_BYTES);
-
-MsgPtrT Consume(MsgNodeT* node) noexcept
-{
-    MsgPtrT msg = std::move(node->msg);
-    std::destroy_at(node);
-    BlockPool::Free(node);
-    return msg;
-}
+static_assert(sizeof(MsgNodeT) <= BlockPool::SMALL_BYTES);
 
 void Append(TakenMsgsT::ListT& list, MsgNodeT* first, MsgNodeT* last) noexcept
 {
@@ -45,17 +36,60 @@ MsgQueueC::~MsgQueueC()
     drop(taken);
 }
 
+// What was last seen of the taken count is never too high, so the count is never told too low. Acquire pairs
+// with the taking thread's release: whoever sees a message as taken sees it as pushed too.
+std::uint32_t MsgQueueC::CountIn()
+{
+    std::uint32_t taken = m_takenSeen.load(std::memory_order_acquire);
+    std::uint32_t pushed = m_pushed.load(std::memory_order_relaxed);
+    for (;;) {
+        if (std::uint64_t{pushed - taken} * 100 >= m_maxCount) {
+            taken = m_taken.load(std::memory_order_acquire);
+            m_takenSeen.store(taken, std::memory_order_release);
+            pushed = m_pushed.load(std::memory_order_relaxed);
+        }
+        // Far from the maximum nobody can go beyond it.
+        if (m_maxCount > MOST_THREADS && pushed - taken < m_maxCount - MOST_THREADS)
+            return m_pushed.fetch_add(1, std::memory_order_relaxed) - taken + 1;
+        if (pushed - taken >= m_maxCount) return 0;
+        if (m_pushed.compare_exchange_weak(pushed, pushed + 1, std::memory_order_relaxed))
+            return pushed - taken + 1;
+    }
+}
+
+// The node holds one of the message's users.
+MsgNodeT* MsgQueueC::MakeNode(const MsgPtrT& msg, bool bHigh)
+{
+    // Acquire pairs with the release in Consume: whoever had the node before is done with it.
+    MsgNodeT* const node = !msg->m_bNodeInUse.exchange(true, std::memory_order_acquire)
+                               ? &msg->m_node
+                               : new (BlockPool::Allocate(sizeof(MsgNodeT))) MsgNodeT;
+    node->bHigh = bHigh;
+    node->bOwn = node == &msg->m_node;
+    node->msg = MsgPtrT(msg).detach();
+    return node;
+}
+
+MsgPtrT MsgQueueC::Consume(MsgNodeT* node) noexcept
+{
+    MsgPtrT msg = MsgPtrT::Adopt(node->msg);
+    if (node->bOwn) {
+        msg->m_bNodeInUse.store(false, std::memory_order_release);
+    } else {
+        BlockPool::Free(node, sizeof *node);
+    }
+    return msg;
+}
+
 std::uint32_t MsgQueueC::push(const MsgPtrT& msg, bool bHigh)
 {
-    std::uint64_t counter = m_counter.load(std::memory_order_relaxed);
-    do {
-        if (static_cast<std::uint32_t>(counter) >= m_maxCount) return 0;
-    } while (!m_counter.compare_exchange_weak(counter, counter + ONE_POST, std::memory_order_relaxed));
+    const std::uint32_t count = CountIn();
+    if (count == 0) return 0;
     MsgNodeT* node = nullptr;
     try {
-        node = new (BlockPool::Allocate()) MsgNodeT{nullptr, msg, bHigh};
+        node = MakeNode(msg, bHigh);
     } catch (...) {
-        m_counter.fetch_sub(ONE_POST);
+        m_pushed.fetch_sub(1);
         throw;
     }
     node->next = m_stack.load(std::memory_order_relaxed);
@@ -63,7 +97,7 @@ std::uint32_t MsgQueueC::push(const MsgPtrT& msg, bool bHigh)
     while (!m_stack.compare_exchange_weak(node->next, node)) {
     }
     if (bHigh) m_bHighPushed.store(true);
-    return static_cast<std::uint32_t>(counter) + 1;
+    return count;
 }
 
 MsgPtrT MsgQueueC::take(TakenMsgsT& taken)
@@ -91,7 +125,7 @@ void MsgQueueC::remove(TakenMsgsT& taken, MsgKind kind)
                 Append(kept, node, node);
             } else {
                 Consume(node);
-                m_counter.fetch_sub(1);
+                CountOut();
             }
         }
         *list = kept;
@@ -130,7 +164,8 @@ MsgPtrT MsgQueueC::PopFrom(TakenMsgsT::ListT& list) noexcept
     MsgNodeT* const node = list.first;
     list.first = node->next;
     if (list.first == nullptr) list.last = nullptr;
-    m_counter.fetch_sub(1, std::memory_order_relaxed);
+    if (list.first != nullptr) __builtin_prefetch(list.first);
+    CountOut();
     return Consume(node);
 }
 

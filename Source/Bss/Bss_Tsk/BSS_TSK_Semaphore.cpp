@@ -50,8 +50,11 @@ void SemaphoreC::WaitOrThrow()
 
 void SemaphoreC::WakeOne()
 {
-    const boost::lock_guard<boost::mutex> guard(m_mutex);
-    m_posted.notify_one();
+    {
+        // A thread that has looked at the count in vain and does not yet sleep holds the mutex.
+        const boost::lock_guard<boost::mutex> guard(m_mutex);
+    }
+    m_posted.notify_one(); // not before: the thread would wake only to wait for the mutex
 }
 
 bool SemaphoreC::WaitUntil(std::int64_t deadlineUs)

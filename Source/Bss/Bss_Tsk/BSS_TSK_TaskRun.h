@@ -5,6 +5,8 @@
 // no object and a second start meets nothing of the first. For BSS_TSK_Task.cpp only.
 #pragma once
 
+#include "Bss/Bss_Tsk/BSS_TSK_Event.h"
+
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -32,9 +34,11 @@ struct TaskRunT
 
     const std::string name;
     const std::shared_ptr<DBG::DbgLogConsumerC> logger;
-    std::atomic<std::uint32_t> id{0};     ///< of the thread, 0 until it has arrived
-    std::atomic<Gate> gate{Gate::Closed}; ///< where the thread waits until start() has published it
-    std::atomic<bool> stopped{false};     ///< set by the thread, or by whoever ended it by force
+    std::atomic<std::uint32_t> id{0}; ///< of the thread
+    EventC arrived{HAL::ResetMode::Manual};
+    std::atomic<Gate> gate{Gate::Closed};
+    EventC gateMoved{HAL::ResetMode::Manual}; ///< where the thread waits until start() has published it
+    std::atomic<bool> stopped{false};         ///< set by the thread, or by whoever ended it by force
 };
 
 } // namespace BSS::TSK

@@ -41,30 +41,45 @@ inline constexpr char DECIMAL_PAIRS[] = "000102030405060708091011121314151617181
 /// The most digits of 32 bits.
 inline constexpr std::size_t MAX_DECIMAL_32 = 10;
 
-/// Writes the digits at `at` and returns where they end. Two at a time, from the last.
+/// Writes the two digits of a number below 100.
+template<typename CharT>
+CharT* WritePair(std::uint32_t value, CharT* at) noexcept
+{
+    at[0] = static_cast<CharT>(DECIMAL_PAIRS[2 * value]);
+    at[1] = static_cast<CharT>(DECIMAL_PAIRS[2 * value + 1]);
+    return at + 2;
+}
+
+/// Writes the four digits of a number below 10000.
+template<typename CharT>
+CharT* WriteFour(std::uint32_t value, CharT* at) noexcept
+{
+    return WritePair(value % 100, WritePair(value / 100, at));
+}
+
+/// Writes a number below 10000 without leading zeros.
+template<typename CharT>
+CharT* WriteUpToFour(std::uint32_t value, CharT* at) noexcept
+{
+    if (value < 10) return *at = static_cast<CharT>('0' + value), at + 1;
+    if (value < 100) return WritePair(value, at);
+    if (value >= 1000) return WriteFour(value, at);
+    *at = static_cast<CharT>('0' + value / 100);
+    return WritePair(value % 100, at + 1);
+}
+
+/// Writes the digits at `at` and returns where they end. In groups of four, which do not wait for one
+/// another.
 template<typename CharT>
 CharT* WriteDecimal(std::uint32_t value, CharT* at) noexcept
 {
-    static constexpr std::uint32_t POWERS[] = {10,      100,      1000,      10000,     100000,
-                                               1000000, 10000000, 100000000, 1000000000};
-    std::size_t length = 1;
-    while (length < MAX_DECIMAL_32 && value >= POWERS[length - 1])
-        ++length;
-    CharT* const end = at + length;
-    CharT* digit = end;
-    while (value >= 100) {
-        const char* const pair = DECIMAL_PAIRS + 2 * (value % 100);
-        value /= 100;
-        *--digit = static_cast<CharT>(pair[1]);
-        *--digit = static_cast<CharT>(pair[0]);
-    }
-    if (value >= 10) {
-        *--digit = static_cast<CharT>(DECIMAL_PAIRS[2 * value + 1]);
-        *--digit = static_cast<CharT>(DECIMAL_PAIRS[2 * value]);
-    } else {
-        *--digit = static_cast<CharT>('0' + value);
-    }
-    return end;
+    constexpr std::uint32_t FOUR = 10000;
+    constexpr std::uint32_t EIGHT = FOUR * FOUR;
+    if (value < FOUR) return WriteUpToFour(value, at);
+    if (value < EIGHT) return WriteFour(value % FOUR, WriteUpToFour(value / FOUR, at));
+    at = WriteUpToFour(value / EIGHT, at);
+    value %= EIGHT;
+    return WriteFour(value % FOUR, WriteFour(value / FOUR, at));
 }
 
 /// The absolute value of a number as "%f", "%e", "%g" or "%a" write it (`letter`, upper case for upper-case

@@ -40,11 +40,6 @@ bool FormatSourceI::TakePointer(std::uintptr_t&)
     return false;
 }
 
-FormatArgumentsC* FormatSourceI::AsTypedArguments() noexcept
-{
-    return nullptr;
-}
-
 FormatSourceI::~FormatSourceI() = default;
 
 FormatArgumentC::FormatArgumentC(const StringC& text) noexcept : FormatArgumentC(text.Text()) {}

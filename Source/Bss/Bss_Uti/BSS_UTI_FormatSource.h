@@ -29,14 +29,21 @@ public:
     virtual bool TakeWideText(const wchar_t*& value);
     virtual bool TakePointer(std::uintptr_t& value);
 
-    /// The source itself if it is a row of typed arguments, which the formatter reads without virtual calls.
-    virtual FormatArgumentsC* AsTypedArguments() noexcept;
+    /// The source itself if it is a row of typed arguments, which the formatter reads without virtual calls;
+    /// else null.
+    FormatArgumentsC* AsTypedArguments() noexcept;
     virtual ~FormatSourceI();
 
 protected:
     FormatSourceI() = default;
+
+    /// For FormatArgumentsC only.
+    explicit FormatSourceI(bool bTyped) noexcept : m_bTyped(bTyped) {}
     FormatSourceI(const FormatSourceI&) = default;
-    FormatSourceI& operator=(const FormatSourceI&) = default;
+    FormatSourceI& operator=(const FormatSourceI&) = delete;
+
+private:
+    const bool m_bTyped = false;
 };
 
 /// One typed argument. Texts are not copied and must live until the text is made.
@@ -83,7 +90,7 @@ class FormatArgumentsC final : public FormatSourceI
 {
 public:
     FormatArgumentsC(const FormatArgumentC* first, std::size_t count) noexcept
-        : m_next(first), m_end(first + count)
+        : FormatSourceI(true), m_next(first), m_end(first + count)
     {}
     bool TakeInteger(std::size_t, std::uint64_t& value) override
     {
@@ -101,7 +108,6 @@ public:
     }
     bool TakeWideText(const wchar_t*& value) override;
     bool TakePointer(std::uintptr_t& value) override;
-    FormatArgumentsC* AsTypedArguments() noexcept override { return this; }
     ~FormatArgumentsC() override;
 
 private:
@@ -113,6 +119,11 @@ private:
     const FormatArgumentC* m_next;
     const FormatArgumentC* m_end;
 };
+
+inline FormatArgumentsC* FormatSourceI::AsTypedArguments() noexcept
+{
+    return m_bTyped ? static_cast<FormatArgumentsC*>(this) : nullptr;
+}
 
 /// The arguments of a C function. The format must fit them, as with printf.
 class VarArgsC final : public FormatSourceI

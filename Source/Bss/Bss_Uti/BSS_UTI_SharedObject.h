@@ -71,6 +71,14 @@ public:
     T& operator*() const noexcept { return *m_pObject; }
     explicit operator bool() const noexcept { return m_pObject != nullptr; }
 
+    /// Takes over what detach() has given away.
+    static RefPtrT Adopt(T* pObject) noexcept
+    {
+        RefPtrT pointer;
+        pointer.m_pObject = pObject;
+        return pointer;
+    }
+
     /// Gives the pointer away without releasing it.
     T* detach() noexcept { return std::exchange(m_pObject, nullptr); }
 

@@ -52,7 +52,8 @@ public:
     CsvSinkC(const OutputFileC& file, const RawHeaderC& header) : m_oHeader(header), m_oStream(file)
     {
         std::string& text = m_oStream.Buffer();
-        for (const SourceFieldC& field : header.vecFields) text.append(text.empty() ? "" : ",").append(field.strName);
+        for (const SourceFieldC& field : header.vecFields)
+            text.append(text.empty() ? "" : ",").append(field.strName);
         text += '\n';
     }
 
@@ -105,15 +106,15 @@ std::unique_ptr<PointSinkI> MakePlySink(const OutputFileC& file, const RawHeader
     return std::make_unique<RecordSinkC>(file, header, PlyHeaderText(header));
 }
 
-std::unique_ptr<PointSinkI> MakeCsvSink(const OutputFileC& table, const OutputFileC& sidecar, const RawHeaderC& header,
-                                        const std::string& name)
+std::unique_ptr<PointSinkI> MakeCsvSink(const OutputFileC& table, const OutputFileC& sidecar,
+                                        const RawHeaderC& header, const std::string& name)
 {
     WriteWhole(sidecar, SidecarText(header, name));
     return std::make_unique<CsvSinkC>(table, header);
 }
 
-std::unique_ptr<PointSinkI> MakeRawSink(const OutputFileC& data, const OutputFileC& jsonHeader, const RawHeaderC& header,
-                                        const std::string& name)
+std::unique_ptr<PointSinkI> MakeRawSink(const OutputFileC& data, const OutputFileC& jsonHeader,
+                                        const RawHeaderC& header, const std::string& name)
 {
     WriteWhole(jsonHeader, RawHeaderText(header, name));
     return std::make_unique<RecordSinkC>(data, header, "");

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Turns the points of a scan file into columns of numbers for interchange files, batch by batch in constant memory:
-// every element in the precision in which it is stored, positions as they are stored unless the pose is to be applied.
-// Knows nothing of the forms they are written in. One thread at a time.
+// Turns the points of a scan file into columns of numbers for interchange files, batch by batch in constant
+// memory: every element in the precision in which it is stored, positions as they are stored unless the pose
+// is to be applied. Knows nothing of the forms they are written in. One thread at a time.
 #pragma once
 
 #include "Tools/Qsb/Tool_RawHeader.h"
@@ -35,8 +35,8 @@ public:
     /// Whether the file holds fewer points than it should.
     bool IsTorn() const { return m_oHeader.ullPoints != m_rReader.GetNumberOfPoints(); }
 
-    /// Reads the next points into one column per field. Returns how many, 0 at the end. ToolErrorC with s_iDamaged when
-    /// they cannot be read after all.
+    /// Reads the next points into one column per field. Returns how many, 0 at the end. ToolErrorC with
+    /// s_iDamaged when they cannot be read after all.
     std::size_t Read(std::vector<std::vector<double>>& columns);
 
     /// Adds a row for every field and part of the scan, with what is known so far.

@@ -109,6 +109,20 @@ TEST_F(TaskTest, ThreadThatCannotBeMadeIsAnExceptionAndTheNextStartWorks)
     EXPECT_TRUE(ran.load());
 }
 
+TEST_F(TaskTest, EventsThatCannotBeMadeAreAnExceptionAndTheNextStartWorks)
+{
+    std::atomic<bool> ran{false};
+    WorkTaskC task(Settings(), [&] { ran = true; });
+    for (const std::uint32_t nth : {1u, 2u}) {
+        BSS::HAL::OrderFault(BSS::HAL::FaultT::Event, nth);
+        EXPECT_THROW(task.start(), BSS::SysServiceErrorC);
+        EXPECT_FALSE(task.isRunning());
+    }
+    task.start();
+    EXPECT_TRUE(task.waitForStop(-1));
+    EXPECT_TRUE(ran.load());
+}
+
 TEST_F(TaskTest, TheStackIsAsLargeAsTheOptionSays)
 {
     TskMgr::instance().setTaskOptions(OPTION, {0, 8u << 20});
