@@ -179,7 +179,7 @@ bool NetTcpIpClientC::serveRequest()
         m_machine.disconnectTcpIp();
         return true;
     case ClientRequest::Close:
-        m_machine.execute();
+        m_machine.executeClose();
         return true;
     case ClientRequest::Stop:
         break;

@@ -6,7 +6,7 @@
 // becomes a change of state, never an exception. Sending happens on the thread that writes.
 //
 // All operations but serve() are safe from any thread, also from callbacks of observers, readers and writers,
-// which run on the client's thread; only waitForStop, kill and the end of the object are not for callbacks.
+// which run on the client's thread; only waitForStop and the end of the object are not for callbacks.
 // The client stops when it is destroyed. What arrives while there is no reader is gone.
 #pragma once
 

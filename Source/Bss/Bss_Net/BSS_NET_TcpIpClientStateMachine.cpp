@@ -176,6 +176,12 @@ void TcpIpClientStateMachineC::execute()
     }
 }
 
+void TcpIpClientStateMachineC::executeClose()
+{
+    m_bClose = true;
+    execute();
+}
+
 void TcpIpClientStateMachineC::onTimer()
 {
     dispatch(ClientEvent::TimerExpired);

@@ -53,6 +53,10 @@ public:
 
     /// Goes on after what close() or a lost link has left to do.
     void execute();
+
+    /// Goes on after a close() that was queued behind other requests: it counts even when what it has ended
+    /// was noticed, and another connection begun, in between.
+    void executeClose();
     void onTimer();
 
     /// The connection is gone: RC_TIMED_OUT for the receive limit, RC_CLOSED for the server's doing.
@@ -63,11 +67,6 @@ public:
 
     std::uint32_t getState() const noexcept { return m_uiState.load(); }
     ResultCodeT getLastResult() const noexcept { return m_lastResult.load(); }
-    bool isCloseRequested() const noexcept { return m_bClose.load(); }
-
-    /// A close() from before has been served.
-    void clearClose() noexcept { m_bClose = false; }
-
     /// Notified with BIO::PortEvent and a BIO::PortEventC.
     UTI::SubjectC& getStateSubject() noexcept { return m_oStateSubject; }
 

@@ -97,7 +97,7 @@ protected:
     }
     ~TcpIpClientLoopbackTest() override
     {
-        m_client.reset();
+        End();
         EXPECT_TRUE(reports.Reports().empty());
     }
 
@@ -115,7 +115,15 @@ protected:
         ASSERT_EQ(Client().setPortConfig(config), RC_OK);
         Client().start();
     }
-    void End() { m_client.reset(); }
+
+    /// Callbacks use the client until its thread has ended.
+    void End()
+    {
+        if (!m_client) return;
+        m_client->stop();
+        EXPECT_TRUE(m_client->waitForStop(LONG_MS));
+        m_client.reset();
+    }
     bool Reaches(std::uint32_t state)
     {
         return Eventually([&] { return Client().getState() == state; });

@@ -391,6 +391,15 @@ TEST_F(TcpIpClientStateMachineTest, LinkLostBecauseOfCloseGoesIdle)
     EXPECT_EQ(Machine().getLastResult(), 0x02000008U);
 }
 
+TEST_F(TcpIpClientStateMachineTest, QueuedCloseEndsAConnectionThatWasBegunMeanwhile)
+{
+    In(ONLINE).close();
+    Machine().onLinkLost(RC_CLOSED); // served by this
+    Machine().connectTcpIp();
+    Machine().executeClose();
+    EXPECT_EQ(Machine().getState(), IDLE);
+}
+
 TEST_F(TcpIpClientStateMachineTest, CloseOfAnOpenSocketLogsIt)
 {
     In(ONLINE).close();
