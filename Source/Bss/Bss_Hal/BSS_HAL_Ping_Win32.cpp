@@ -18,6 +18,15 @@ namespace BSS::HAL {
 
 namespace {
 
+// The answer of the newer protocol as the system lays it out; not every compiler's headers have it.
+struct EchoReply6T
+{
+    std::array<unsigned char, 26> address;
+    ULONG status;
+    ULONG roundTripMs;
+};
+static_assert(offsetof(EchoReply6T, status) == 28 && offsetof(EchoReply6T, roundTripMs) == 32);
+
 struct ServiceT
 {
     decltype(&IcmpCreateFile) create = nullptr;
@@ -84,9 +93,9 @@ PingResultT Ping(const SocketAddressT& address, int timeoutMs) noexcept
         const DWORD count =
             s_service.send6(handle, nullptr, nullptr, nullptr, &from, &to, request.data(),
                             static_cast<WORD>(request.size()), nullptr, reply.data(), size, limit);
-        ICMPV6_ECHO_REPLY answer = {};
+        EchoReply6T answer = {};
         std::memcpy(&answer, reply.data(), sizeof(answer));
-        result = ResultOf(count, answer.Status, answer.RoundTripTime);
+        result = ResultOf(count, answer.status, answer.roundTripMs);
     } else {
         sockaddr_in to = {};
         std::memcpy(&to, address.bytes.data(), sizeof(to));
