@@ -36,6 +36,13 @@ void StreamWindowC::Forget() noexcept
 
 const char* StreamWindowC::View(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown)
 {
+    const char* const pBytes = ViewAll(ullOffset, nBytes, nShown);
+    nShown = std::min(nShown, nBytes);
+    return pBytes;
+}
+
+const char* StreamWindowC::ViewAll(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown)
+{
     m_bFailed = false;
     const std::uint64_t ullEnd = m_ullBegin + m_nFill;
     if (m_nFill == 0 || ullOffset < m_ullBegin || ullOffset > ullEnd) {
@@ -47,14 +54,14 @@ const char* StreamWindowC::View(std::uint64_t ullOffset, std::size_t nBytes, std
     }
     const std::size_t nSkipped = static_cast<std::size_t>(ullOffset - m_ullBegin);
     if (nBytes <= m_nFill - nSkipped) {
-        nShown = nBytes;
+        nShown = m_nFill - nSkipped;
         return m_pBytes.get() + nSkipped;
     }
     m_nFill -= nSkipped;
     std::memmove(m_pBytes.get(), m_pBytes.get() + nSkipped, m_nFill);
     m_ullBegin = ullOffset;
     Fill(nBytes);
-    nShown = std::min(nBytes, m_nFill);
+    nShown = m_nFill;
     return m_pBytes.get();
 }
 

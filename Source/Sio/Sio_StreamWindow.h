@@ -29,6 +29,9 @@ public:
     /// after an error. What is returned is valid until the next operation.
     const char* View(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown);
 
+    /// As View, but shows all that the window has from there on, which may be more than `nBytes`.
+    const char* ViewAll(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown);
+
     /// Reads `nBytes` at `ullOffset` into the caller's memory. False when the file has fewer, or on an error.
     [[nodiscard]] bool Read(std::uint64_t ullOffset, std::size_t nBytes, void* pDestination);
 
