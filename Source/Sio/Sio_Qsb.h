@@ -7,6 +7,7 @@
 // ends as a refusal. Without locks: a container belongs to one thread at a time.
 #pragma once
 
+#include "Sio/Sio_CacheLine.h"
 #include "Sio/Sio_PointCloudFormat.h"
 #include "Sio/Sio_QsbBlock.h"
 #include "Sio/Sio_StreamWindow.h"
@@ -22,7 +23,7 @@ class QsbStrategyDataC;
 struct QsbBoundingBoxC;
 struct QsbPointC;
 
-class QsbC final : public PointCloudFormatI
+class alignas(s_nCacheLineBytes) QsbC final : public PointCloudFormatI
 {
 public:
     QsbC() = default;

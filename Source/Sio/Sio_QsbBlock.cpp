@@ -282,6 +282,16 @@ void QsbBlockListC::Clear() noexcept
     ForgetFirstsFrom(0);
 }
 
+void QsbBlockListC::Swap(QsbBlockListC& other) noexcept
+{
+    std::swap(m_oEntryMemory, other.m_oEntryMemory);
+    m_oRecords.swap(other.m_oRecords);
+    m_oRuns.swap(other.m_oRuns);
+    std::swap(m_ullCount, other.m_ullCount);
+    std::swap(m_ullEntryCount, other.m_ullEntryCount);
+    std::swap(m_allFirst, other.m_allFirst);
+}
+
 void QsbBlockListC::ForgetFirstsFrom(std::uint64_t ullIndex) noexcept
 {
     for (std::int64_t& llFirst : m_allFirst) {

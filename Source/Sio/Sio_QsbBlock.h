@@ -14,6 +14,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace SIO {
@@ -184,6 +185,16 @@ public:
 
     using RecordsT = StableListT<QsbBlockC>;
 
+    QsbBlockListC() = default;
+
+    /// Leaves the other list empty.
+    QsbBlockListC(QsbBlockListC&& other) noexcept { Swap(other); }
+    QsbBlockListC& operator=(QsbBlockListC&& other) noexcept
+    {
+        QsbBlockListC(std::move(other)).Swap(*this);
+        return *this;
+    }
+
     bool IsEmpty() const noexcept { return m_oRecords.empty(); }
 
     /// Number of blocks in the file.
@@ -242,6 +253,8 @@ public:
     void RemoveLast();
 
     void Clear() noexcept;
+
+    void Swap(QsbBlockListC& other) noexcept;
 
 private:
     /// A record that stands for several blocks, and the index of the first of them.

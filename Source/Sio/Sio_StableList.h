@@ -64,8 +64,13 @@ public:
     using const_iterator = IteratorT<const StableListT, const T>;
 
     StableListT() = default;
-    StableListT(const StableListT&) = delete;
-    StableListT& operator=(const StableListT&) = delete;
+    /// Leaves the other one empty. Its items stay where they are.
+    StableListT(StableListT&& other) noexcept { swap(other); }
+    StableListT& operator=(StableListT&& other) noexcept
+    {
+        StableListT(std::move(other)).swap(*this);
+        return *this;
+    }
     ~StableListT() { clear(); }
 
     std::size_t size() const noexcept { return m_nItems; }
@@ -80,6 +85,16 @@ public:
     iterator end() noexcept { return {this, m_nItems}; }
     const_iterator begin() const noexcept { return {this, 0}; }
     const_iterator end() const noexcept { return {this, m_nItems}; }
+
+    void swap(StableListT& other) noexcept
+    {
+        std::swap(m_pFirst, other.m_pFirst);
+        std::swap(m_vecPieces, other.m_vecPieces);
+        std::swap(m_nItems, other.m_nItems);
+        std::swap(m_pLast, other.m_pLast);
+        std::swap(m_pNext, other.m_pNext);
+        std::swap(m_pEnd, other.m_pEnd);
+    }
 
     /// Throws std::bad_alloc, and then nothing has changed.
     template<typename... ArgumentsT>

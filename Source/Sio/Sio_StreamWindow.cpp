@@ -23,7 +23,7 @@ void StreamWindowC::Attach(std::FILE* stream)
     Forget();
     if (stream == nullptr) return;
     std::setvbuf(stream, nullptr, _IONBF, 0);
-    if (m_pBytes == nullptr) m_pBytes.reset(new char[s_nLargest]);
+    if (m_pBuffer == nullptr) m_pBuffer.reset(new BytesT); // whose bytes stay as they are
 }
 
 void StreamWindowC::Forget() noexcept
@@ -55,14 +55,14 @@ const char* StreamWindowC::ViewAll(std::uint64_t ullOffset, std::size_t nBytes, 
     const std::size_t nSkipped = static_cast<std::size_t>(ullOffset - m_ullBegin);
     if (nBytes <= m_nFill - nSkipped) {
         nShown = m_nFill - nSkipped;
-        return m_pBytes.get() + nSkipped;
+        return Bytes() + nSkipped;
     }
     m_nFill -= nSkipped;
-    std::memmove(m_pBytes.get(), m_pBytes.get() + nSkipped, m_nFill);
+    std::memmove(Bytes(), Bytes() + nSkipped, m_nFill);
     m_ullBegin = ullOffset;
     Fill(nBytes);
     nShown = m_nFill;
-    return m_pBytes.get();
+    return Bytes();
 }
 
 void StreamWindowC::Fill(std::size_t nWanted)
@@ -72,7 +72,7 @@ void StreamWindowC::Fill(std::size_t nWanted)
         return;
     }
     const std::size_t nTarget = std::min(std::max(m_nNextFill, nWanted), s_nLargest);
-    const std::size_t nRead = std::fread(m_pBytes.get() + m_nFill, 1, nTarget - m_nFill, m_pStream);
+    const std::size_t nRead = std::fread(Bytes() + m_nFill, 1, nTarget - m_nFill, m_pStream);
     m_bFailed = std::ferror(m_pStream) != 0;
     m_nFill += nRead;
     m_ullStreamAt += nRead;

@@ -8,6 +8,7 @@
 #include "API_Hdr/GMAT_Algebra.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Sio/SIO_QsbPointDefinition.h"
+#include "Sio/Sio_CacheLine.h"
 #include "Sio/Sio_QsbPointIterator.h"
 #include "Sio/Sio_QsbReader.h"
 
@@ -89,7 +90,7 @@ QsbPoint& QsbPoint::operator=(QsbPoint&& other) noexcept
     return *this = static_cast<const QsbPoint&>(other);
 }
 
-struct QsbReadIterator::State
+struct alignas(SIO::s_nCacheLineBytes) QsbReadIterator::State
 {
     explicit State(unsigned int size) : vecPoints(size), oIterator(size), oPointIterator(FirstRecord()) {}
 
@@ -100,12 +101,12 @@ struct QsbReadIterator::State
     }
 
     SIO::QsbPointC oScratch;
-    std::vector<SIO::QsbPointC> vecPoints;
+    std::vector<SIO::QsbPointC, SIO::CacheLineAllocatorT<SIO::QsbPointC>> vecPoints;
     SIO::QsbReaderIteratorC oIterator;
     SIO::QsbPointArrayIteratorC oPointIterator;
 };
 
-struct QsbReader::State
+struct alignas(SIO::s_nCacheLineBytes) QsbReader::State
 {
     State() { strMessage.reserve(s_nMessageCapacity); }
 
