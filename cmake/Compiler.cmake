@@ -8,6 +8,13 @@ target_compile_options(scanreader_warnings INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wno-string-conversion>
   # Results are the same bit for bit on every path and compiler; a fused multiply-add would change them.
   -ffp-contract=off)
+if(MINGW)
+  # Windows 7 is the oldest system that is asked for.
+  target_compile_definitions(scanreader_warnings INTERFACE _WIN32_WINNT=0x0601)
+  # The stack is aligned to 16 bytes only, while the compiler expects 32 where it keeps wide vectors there. The assembler
+  # therefore turns every aligned vector move into one that takes any address.
+  target_compile_options(scanreader_warnings INTERFACE -Wa,-muse-unaligned-vector-move)
+endif()
 if(SCANREADER_WARNINGS_AS_ERRORS)
   target_compile_options(scanreader_warnings INTERFACE -Werror)
 endif()

@@ -4,7 +4,8 @@
 // What a stored point consists of: the interfaces of one element (position, intensity, ...) and of the
 // container that holds the elements of a block. They turn stored bytes into calls of a point modifier and
 // back; they know neither the file nor the record a point ends up in. Decoding and encoding change nothing in
-// the definition, so one definition may decode on several threads as long as nobody adds elements.
+// the definition, so one definition may decode on several threads as long as nobody adds elements (a
+// container remembers its size when it is first asked).
 #pragma once
 
 #include <cstddef>

@@ -75,6 +75,7 @@ bool QsbC::OpenChecked(const std::wstring& path, bool bRead, bool bWrite, bool& 
     m_pStream = Hal::OpenStream(path, StreamMode(bRead, bWrite));
     if (m_pStream == nullptr) return false;
     m_oWindow.Attach(m_pStream);
+    m_oBlocks.Clear();
     if (bRead) {
         bWholeChain = WalkBlockChain(m_pStream, m_oWindow, m_oBlocks);
         if (!bWholeChain || !HasSupportedVersion()) return false;
@@ -141,7 +142,10 @@ bool QsbC::CreateReadStrategyData(StrategyI& strategy, bool bApplyTransformation
     } catch (const std::bad_alloc&) {
         // Ends as a refusal.
     }
-    if (!bCreated) Close();
+    if (!bCreated) {
+        Close();
+        if (pStrategy != nullptr) pStrategy->ResetData();
+    }
     return bCreated;
 }
 

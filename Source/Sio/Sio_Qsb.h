@@ -60,8 +60,8 @@ public:
     /// As the operation above, with the points in an array.
     [[nodiscard]] bool WritePoints(const QsbPointC* poPoints, std::uint32_t uiPoints, StrategyI& strategy);
 
-    /// Whether the file at `path` can be opened and is a whole block chain that begins with a file header.
-    /// Says nothing of its version or of what is in its blocks. Throws nothing but std::bad_alloc.
+    /// Whether the file at `path` can be opened and is a whole block chain: no block at all, or a file header
+    /// first. Says nothing of its version or of what is in its blocks. Throws nothing but std::bad_alloc.
     static bool IsQsbFile(const std::wstring& path);
 
     /// Appends an empty block. Returns its index, or -1 and nothing has changed.

@@ -233,6 +233,7 @@ bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
     }
     if (!HasRoomFor(0)) return false;
     Append(ullOffset, uiId, 0, nullptr, QsbBlockC::s_ullSealed);
+    m_ullMemory += MemoryOf(0);
     if (ullRunLength > 1) LengthenLast(ullRunLength - 1);
     return true;
 }
@@ -265,7 +266,7 @@ QsbBlockC& QsbBlockListC::IsolateLast()
 void QsbBlockListC::RemoveLast()
 {
     const QsbBlockC& last = IsolateLast();
-    m_ullEntryCount -= std::min<std::uint64_t>(m_ullEntryCount, last.GetEntryCount());
+    m_ullMemory -= std::min(m_ullMemory, MemoryOf(last.GetEntryCount()));
     m_oRecords.pop_back();
     --m_ullCount;
     if (!m_oRuns.empty() && m_oRuns.back().nRecord == m_oRecords.size()) m_oRuns.pop_back();
@@ -278,7 +279,7 @@ void QsbBlockListC::Clear() noexcept
     m_oRuns.clear();
     m_oEntryMemory.Clear();
     m_ullCount = 0;
-    m_ullEntryCount = 0;
+    m_ullMemory = 0;
     ForgetFirstsFrom(0);
 }
 
@@ -288,7 +289,7 @@ void QsbBlockListC::Swap(QsbBlockListC& other) noexcept
     m_oRecords.swap(other.m_oRecords);
     m_oRuns.swap(other.m_oRuns);
     std::swap(m_ullCount, other.m_ullCount);
-    std::swap(m_ullEntryCount, other.m_ullEntryCount);
+    std::swap(m_ullMemory, other.m_ullMemory);
     std::swap(m_allFirst, other.m_allFirst);
 }
 

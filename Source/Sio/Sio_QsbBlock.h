@@ -177,11 +177,9 @@ private:
 class QsbBlockListC
 {
 public:
-    /// What the records and entries of one list may take in memory.
+    /// What the records and entries that are read from one file may take in memory, counted with what
+    /// allocating them costs.
     static constexpr std::uint64_t s_ullMemoryLimit = std::uint64_t{512} << 20;
-
-    /// What a record is reckoned to take, with what belongs to it beside entries.
-    static constexpr std::uint64_t s_ullRecordMemory = 48;
 
     using RecordsT = StableListT<QsbBlockC>;
 
@@ -218,9 +216,8 @@ public:
     /// Whether `nEntries` more entries and one more record stay within the limit.
     bool HasRoomFor(std::uint64_t nEntries) const noexcept
     {
-        const std::uint64_t ullEntries = m_ullEntryCount + nEntries; // each at most 2^28, so no wrap
-        return (m_oRecords.size() + 1) * s_ullRecordMemory + ullEntries * sizeof(QsbHeaderEntryC) <=
-               s_ullMemoryLimit;
+        return m_ullMemory + MemoryOf(nEntries) <=
+               s_ullMemoryLimit; // entries number 2^28 at most, so no wrap
     }
 
     /// Appends a block that was read from a file: sealed, not dirty. False at the memory limit.
@@ -235,7 +232,7 @@ public:
         if (!HasRoomFor(nEntries)) return false;
         QsbEntryArrayT* const pKept = nEntries != 0 ? m_oEntryMemory.Keep(pEntries, nEntries) : nullptr;
         Append(ullOffset, uiId, uiDataBytes, pKept, QsbBlockC::s_ullSealed);
-        m_ullEntryCount += nEntries;
+        m_ullMemory += MemoryOf(nEntries);
         return true;
     }
 
@@ -274,6 +271,14 @@ private:
         return record;
     }
 
+    /// What a block of so many entries is reckoned to take: more than its record and its array do.
+    static constexpr std::uint64_t MemoryOf(std::uint64_t nEntries)
+    {
+        constexpr std::uint64_t ullRecord = 64;
+        constexpr std::uint64_t ullArray = 64;
+        return ullRecord + (nEntries == 0 ? 0 : ullArray + nEntries * sizeof(QsbHeaderEntryC));
+    }
+
     void LengthenLast(std::uint64_t ullBlocks);
     void ForgetFirstsFrom(std::uint64_t ullIndex) noexcept;
 
@@ -283,7 +288,7 @@ private:
     RecordsT m_oRecords;
     StableListT<RunT> m_oRuns; ///< in the order of the file
     std::uint64_t m_ullCount = 0;
-    std::uint64_t m_ullEntryCount = 0;
+    std::uint64_t m_ullMemory = 0; ///< what the records and entries read from a file take, about
     /// The first blocks with the small identifiers, which point clouds have: with a million blocks it takes
     /// long to look for one.
     std::array<std::int64_t, s_nWatchedIds> m_allFirst = {-1, -1, -1, -1};

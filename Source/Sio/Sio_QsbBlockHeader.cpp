@@ -42,6 +42,8 @@ class ElementCollectorC
 public:
     explicit ElementCollectorC(bool bApplyTransformation) : m_bApplyTransformation(bApplyTransformation) {}
 
+    bool IsFull() const { return m_vecElements.size() >= s_nMaxPointElements; }
+
     void Add(std::uint32_t kind, std::uint32_t typeCode)
     {
         if (!PointDefinitionC::CanCreateElement(kind, typeCode) && ++m_nFailed > s_nReportedElements) return;
@@ -135,6 +137,7 @@ bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, Qsb
         const std::uint32_t tag = entry.GetTag();
         if (tag > s_uiTagColor) return false;
         if (tag > s_uiTagPosition) {
+            if (collector.IsFull()) return false;
             collector.Add(KindOfTag(tag), entry.GetType());
         } else {
             TakeHeaderValue(entry, data.m_oInfo);

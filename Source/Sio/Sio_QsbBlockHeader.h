@@ -5,9 +5,14 @@
 // read, from a strategy to entries when one is created. Works on block records in memory only.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace SIO {
+
+/// Most elements of one stored point, the position included: far beyond any scan, and few enough that a
+/// header of millions of them takes no memory.
+inline constexpr std::size_t s_nMaxPointElements = 65536;
 
 class PointDefinitionContainerI;
 class QsbBlockC;

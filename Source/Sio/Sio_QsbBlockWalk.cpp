@@ -125,8 +125,6 @@ private:
         m_ullNextQuestion = ullOffset + s_ullQuestionDistance;
         std::uint64_t ullStored = 0;
         const bool bAnswered = BSS::HAL::NextStoredOffset(m_pStream, ullOffset, ullStored);
-        m_rWindow.Forget();
-        m_nShown = 0;
         if (!bAnswered || ullStored <= ullOffset) return true;
         const std::uint64_t ullBlocks = (ullStored - ullOffset) / QsbFormat::s_nBlockHeadBytes;
         if (ullBlocks == 0) return true;
@@ -136,7 +134,7 @@ private:
         return true;
     }
 
-    static constexpr std::uint64_t s_ullQuestionDistance = std::uint64_t{1} << 20;
+    static constexpr std::uint64_t s_ullQuestionDistance = 4096;
 
     std::FILE* m_pStream;
     std::uint64_t m_ullFileSize;

@@ -42,6 +42,14 @@ SIO_AVX2 inline __m128d LoadZ(const char* pSource)
     return _mm_cvtss_sd(_mm_setzero_pd(), _mm_set_ss(fZ));
 }
 
+/// A double at any address, in all four lanes.
+SIO_AVX2 inline __m256d Broadcast(const char* pSource)
+{
+    double d;
+    std::memcpy(&d, pSource, sizeof d);
+    return _mm256_set1_pd(d);
+}
+
 template<bool bDouble, bool bRaw>
 SIO_AVX2 void DecodeStretch(const QsbDecodeStretchT& stretch)
 {
@@ -69,9 +77,9 @@ SIO_AVX2 void DecodeStretch(const QsbDecodeStretchT& stretch)
         } else {
             __m256d x, y, z;
             if constexpr (bDouble) {
-                x = _mm256_broadcast_sd(reinterpret_cast<const double*>(pSource));
-                y = _mm256_broadcast_sd(reinterpret_cast<const double*>(pSource) + 1);
-                z = _mm256_broadcast_sd(reinterpret_cast<const double*>(pSource) + 2);
+                x = Broadcast(pSource);
+                y = Broadcast(pSource + sizeof(double));
+                z = Broadcast(pSource + 2 * sizeof(double));
             } else {
                 const __m128d xy = LoadXY(pSource);
                 x = _mm256_broadcastsd_pd(xy);

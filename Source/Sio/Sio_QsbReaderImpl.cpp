@@ -22,8 +22,10 @@ constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Sio\Sio_QsbReaderImpl)";
 
 bool IsThere(const boost::filesystem::path& path)
 {
+    // In the form in which it is opened, so that what can be opened is there.
+    const std::wstring wide = BSS::HAL::LongPath(BSS::HAL::WidePathOf(path));
     boost::system::error_code error;
-    return boost::filesystem::exists(boost::filesystem::status(path, error));
+    return boost::filesystem::exists(boost::filesystem::status(BSS::HAL::FilesystemPath(wide), error));
 }
 
 } // namespace
@@ -131,7 +133,11 @@ BSS::ResultCodeT QsbReaderImplC::Read(QsbReaderIteratorImplC& iterator, QsbPoint
         return BSS::RC_FAILED;
     }
     // Several iterators may share the reader: each reads at its own position.
-    (void)iterator.SeekStrategy();
+    if (!iterator.SeekStrategy()) {
+        // Beyond the last point, as after a change to a reader with fewer: there is nothing to deliver.
+        iCount = 0;
+        return BSS::RC_OK;
+    }
     if (!iterator.CanHoldBatch()) {
         // The buffer is as large as what the file holds, so a batch that it cannot take is not in the file.
         iCount = -1;

@@ -63,7 +63,7 @@ public:
     std::uint64_t m_ullNumberOfPoints = 0;
     std::uint64_t m_ullDataBytes = 0; ///< what the block's head says
     std::uint64_t m_ullDataBytesPresent =
-        0; ///< as much of it as the file held when the block was interpreted
+        0; ///< as much of it as the file held when the block was interpreted, or was written since
 };
 
 /// What the container and the reader know of a strategy.

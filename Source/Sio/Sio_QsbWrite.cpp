@@ -30,10 +30,11 @@ constexpr std::size_t s_nEncodeBytes = 65536;
 /// Whether two definitions lay out a stored point in the same way.
 bool HaveSameLayout(const PointDefinitionContainerI& a, const PointDefinitionContainerI& b)
 {
-    if (a.GetCount() != b.GetCount()) return false;
+    if (a.GetCount() != b.GetCount() || a.GetSizeInBytes() != b.GetSizeInBytes()) return false;
     for (std::size_t i = 0; i < a.GetCount(); ++i) {
         const PointDefinitionI* pA = a.GetElement(i);
         const PointDefinitionI* pB = b.GetElement(i);
+        if (pA == nullptr || pB == nullptr) return false;
         if (pA->GetAvailablePointData() != pB->GetAvailablePointData() ||
             pA->GetTypeCode() != pB->GetTypeCode()) {
             return false;
@@ -163,7 +164,7 @@ bool QsbC::DropLastBlock()
 {
     if (!m_bWrite || m_oBlocks.GetCount() < 2 || m_pStream == nullptr) return false;
     try {
-        return DropLastBlockAndReopen(Hal::FilesystemPath(m_strPath));
+        return DropLastBlockAndReopen(Hal::FilesystemPath(Hal::LongPath(m_strPath)));
     } catch (const std::bad_alloc&) {
         return false;
     }
@@ -183,7 +184,9 @@ bool QsbC::DropLastBlockAndReopen(const boost::filesystem::path& path)
     boost::filesystem::resize_file(path, ullLength, error);
     m_pStream = Hal::OpenStream(m_strPath, "w+b");
     m_oWindow.Attach(m_pStream);
-    return m_pStream != nullptr;
+    if (m_pStream != nullptr) return true;
+    Close(); // nothing is left of the file, so nothing may be left of its blocks
+    return false;
 }
 
 bool QsbC::WritePoints(QsbPointSourceI& source, std::uint32_t uiPoints, StrategyI& strategy)
@@ -252,14 +255,16 @@ bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& d
 {
     QsbBlockC* block = BlockOf(data);
     if (block == nullptr) return false;
-    const std::uint64_t ullRecordBytes = definition.GetSizeInBytes();
+    if (uiPoints == 0) return true;
+    const std::uint64_t ullRecordBytes = data.m_oPointDefinition.GetSizeInBytes();
     const std::uint64_t ullEnd = data.m_ullPosition + uiPoints * ullRecordBytes;
+    // The points are written in pieces, so what cannot be written whole is refused before the first of them.
+    if (!IsLastBlock(data.m_llBlockIndex) && ullEnd > block->GetDataBytes()) return false;
     const std::uint64_t ullPointsAfter = ullEnd / ullRecordBytes;
     if (ullPointsAfter > data.m_ullNumberOfPoints && !CanChangePointCount(*block, ullPointsAfter))
         return false;
 
-    const std::size_t nChunk =
-        std::clamp<std::size_t>(s_nEncodeBytes / ullRecordBytes, 1, std::max(uiPoints, 1u));
+    const std::size_t nChunk = std::clamp<std::size_t>(s_nEncodeBytes / ullRecordBytes, 1, uiPoints);
     const std::unique_ptr<char[]> buffer(new char[nChunk * ullRecordBytes]);
     for (std::uint32_t uiDone = 0; uiDone < uiPoints;) {
         const auto uiPart = static_cast<std::uint32_t>(std::min<std::size_t>(nChunk, uiPoints - uiDone));

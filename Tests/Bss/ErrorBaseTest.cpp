@@ -4,6 +4,7 @@
 // The exceptions: their text, their codes, and what a copy carries.
 #include "Bss/Bss_Err/BSS_ERR_ErrorBase.h"
 #include "Bss/Bss_Err/BSS_ERR_OverflowException.h"
+#include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
 #include "Bss/Bss_Err/BSS_ERR_SysServiceError.h"
 
 #include <gtest/gtest.h>
@@ -111,6 +112,26 @@ TEST(OverflowException, IsASystemServiceErrorWithItsOwnCodeAndName)
 TEST(ErrorBase, IsCaughtAsTheStandardException)
 {
     EXPECT_THROW(throw SysServiceErrorC("", 1), std::exception);
+}
+
+TEST(ResultCode, EveryCodeHasItsNumber)
+{
+    EXPECT_EQ(BSS::RC_OK, 0u);
+    EXPECT_EQ(BSS::RC_INVALID_ARGUMENT, 0x02000002u);
+    EXPECT_EQ(BSS::RC_OBJECT_MISSING, 0x02000004u);
+    EXPECT_EQ(BSS::RC_TIMED_OUT, 0x02000006u);
+    EXPECT_EQ(BSS::RC_ENTRY_FOUND, 0x02000008u);
+    EXPECT_EQ(BSS::RC_BUFFER_BOUNDS, 0x02000009u);
+    EXPECT_EQ(BSS::RC_INVALID_SOCKET, 0x0200000Au);
+    EXPECT_EQ(BSS::RC_FAILED, 0x0200001Au);
+    EXPECT_EQ(BSS::RC_NOT_FOUND, 0x0200001Bu);
+    EXPECT_EQ(BSS::RC_BUFFER_TOO_SMALL, 0x0200001Cu);
+    EXPECT_EQ(BSS::RC_CLOSED, 0x0200001Du);
+    EXPECT_EQ(BSS::RC_VALUE_REJECTED, 0x0200001Eu);
+    EXPECT_EQ(BSS::PANIC_TYPE, 0x01200001u);
+    EXPECT_EQ(BSS::RC_WAIT_FAILED, 0x03101001u);
+    EXPECT_EQ(BSS::RC_SERVICE_FAILED, 0x03101002u);
+    EXPECT_EQ(BSS::RC_SERVICE_UNSPECIFIED, 0x03101004u);
 }
 
 } // namespace

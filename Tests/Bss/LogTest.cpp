@@ -7,6 +7,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
+#include "Bss/Bss_Hal/BSS_HAL_ConfigValue.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Os/BSS_OS_PathMap.h"
 #include "Support/DebugOutputCapture.h"
@@ -370,10 +371,9 @@ TEST(LogMgrDeathTest, ConfiguredLimitIsKept)
 {
     const auto logMuch = [] {
         const std::string own = Support::LogDirectory() + "/limited";
-        Support::SetEnvironment("SCANREADER_CONFIG_DIR", own);
+        const Support::PrivateConfiguration configuration(own);
         BSS::OS::SetLogDirectory(BSS::HAL::WidePath(own));
-        boost::filesystem::create_directories(own);
-        Support::WriteAll(own + "/scanreader.conf", "[Configuration]\nErrorLogSize = 2\n");
+        if (!BSS::HAL::WriteConfigValue(L"Configuration", L"ErrorLogSize", 2)) std::_Exit(2);
         for (int i = 0; i < 100; ++i)
             DbgLogMgrC::instance().getSystemErrorLogger()->Log(LEVEL_ERROR, "line");
         const bool kept = Support::ReadAll(own + "/ErrorLog.txt").size() <= 2048 &&

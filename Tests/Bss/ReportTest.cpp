@@ -7,6 +7,7 @@
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
+#include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
 #include "Support/Files.h"
@@ -14,6 +15,7 @@
 #include "Support/ReportCapture.h"
 #include "Support/TemporaryDirectory.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <thread>
@@ -273,7 +275,8 @@ TEST(ReportDeathTest, HandlerLeftRegisteredAtTheEndIsReportedAtItsFixedLine)
 TEST(ReportDeathTest, ReportAfterTheEndOfTheLogGoesToTheDebugOutput)
 {
     const auto reportLate = [] {
-        Support::SetEnvironment("SCANREADER_DEBUG_OUTPUT", "stderr");
+        BSS::HAL::SetDebugOutputSink(
+            [](const wchar_t* text, void*) { std::fputs(BSS::HAL::Utf8FromWide(text).c_str(), stderr); }, nullptr);
         // Registered before the log manager is made, so it runs after the manager is gone.
         std::atexit([] { AssertFailed("too late", 0, 0, "File", 3); });
         AssertFailed("in time", 0, 0, "File", 2);

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <functional>
+#include <ostream>
 
 namespace Support {
 
@@ -29,6 +30,12 @@ inline constexpr Call s_allCalls[] = {Call::Allocation, Call::Open,   Call::Fdop
                                       Call::Fwrite,     Call::Fclose};
 
 const char* NameOf(Call call);
+
+/// How a failing test names the call.
+inline void PrintTo(Call call, std::ostream* out)
+{
+    *out << NameOf(call);
+}
 
 /// While it lives, the nth call from its making on fails, once; n = 0 only counts.
 class Fault

@@ -31,6 +31,11 @@ struct SpoiltRow
     const char* message;
 };
 
+void PrintTo(const SpoiltRow& row, std::ostream* out)
+{
+    *out << row.what;
+}
+
 class Spoilt : public Fixture, public testing::WithParamInterface<SpoiltRow>
 {};
 

@@ -197,6 +197,11 @@ struct GridRow
     std::uint64_t second;
 };
 
+void PrintTo(const GridRow& row, std::ostream* out)
+{
+    *out << row.stored0 << " and " << row.stored1;
+}
+
 class Grid : public Reader, public testing::WithParamInterface<GridRow>
 {};
 
@@ -543,6 +548,38 @@ TEST_F(Reader, TheGettersLeaveTheMessage)
     reader.GetInstrumentHeight();
     Matrix();
     EXPECT_EQ(Message(), s_szNoQsbFile);
+}
+
+TEST_F(Reader, AnIteratorUsedBeforeFindsTheEndInAClosedReader)
+{
+    ASSERT_EQ(Open(Support::SmallScan(5)), 0);
+    QsbReadIterator iterator(2);
+    ASSERT_EQ(Read(iterator), (ReadResult{0, 2, ""}));
+    reader.Close();
+    EXPECT_EQ(Read(iterator), s_end);
+}
+
+TEST_F(Reader, AnIteratorAtTheEndOfOneReaderFindsTheEndInTheNextOneToo)
+{
+    ASSERT_EQ(Open(Support::SmallScan(5)), 0);
+    QsbReadIterator iterator(5);
+    ASSERT_EQ(Read(iterator), (ReadResult{0, 5, ""}));
+    QsbReader other;
+    ASSERT_EQ(other.Open(folder.Write("other.qsb", Support::SmallScan(50)).c_str()), 0);
+    EXPECT_EQ(ReadWith(other, iterator), s_end);
+}
+
+TEST_F(Reader, AnIteratorBeyondTheLastPointOfItsNextReaderGetsNoPoints)
+{
+    ASSERT_EQ(Open(Support::SmallScan(50)), 0);
+    QsbReadIterator iterator(20);
+    ASSERT_EQ(Read(iterator), (ReadResult{0, 20, ""}));
+    QsbReader other;
+    ASSERT_EQ(other.Open(folder.Write("other.qsb", Support::SmallScan(5)).c_str()), 0);
+    EXPECT_EQ(ReadWith(other, iterator), (ReadResult{0, 0, ""}));
+    EXPECT_EQ(iterator.GetPoint(0)->x, 0.0);
+    EXPECT_EQ(iterator.GetPoint(19)->x, 19.0);
+    EXPECT_EQ(ReadWith(other, iterator), s_end);
 }
 
 } // namespace

@@ -254,6 +254,11 @@ struct ElementRow
     std::size_t bytes;
 };
 
+void PrintTo(const ElementRow& row, std::ostream* out)
+{
+    *out << "kind " << row.kind << " type " << row.type;
+}
+
 class EveryPointElement : public PointElement, public testing::WithParamInterface<ElementRow>
 {
 protected:

@@ -204,4 +204,22 @@ TEST_F(QsbAppend, DroppingTheLastOfARunLeavesTheOthers)
     EXPECT_EQ(Block(2).GetOffset(), 28u + 12);
 }
 
+TEST_F(QsbAppend, ManyPointsThatCrossTheEndOfABlockBeforeTheLastLeaveTheFileAsItWas)
+{
+    const QsbBytes file = Support::SmallScan(6000).Block(9).Data(BytesT(5));
+    Reopen(file);
+    ASSERT_TRUE(scan.Interpret(1));
+    EXPECT_FALSE(Write(6001, 9));
+    EXPECT_TRUE(scan.container.Close());
+    EXPECT_TRUE(File() == file.Get());
+}
+
+TEST_F(QsbAppend, WritingNoPointsSucceedsWhateverTheBlockCounts)
+{
+    Reopen(
+        QsbBytes().Block(3).Entry(5, 1, 2).Entry(40, 100, 12).Entry(5, 101, 2).Data(Support::SmallPoints(2)));
+    ASSERT_TRUE(scan.Interpret());
+    EXPECT_TRUE(Write(0));
+}
+
 } // namespace

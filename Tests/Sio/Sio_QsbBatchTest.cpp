@@ -15,6 +15,16 @@
 #include <sstream>
 #include <tuple>
 
+namespace SIO {
+
+static void PrintTo(QsbInstructionSetT set, std::ostream* out)
+{
+    static const char* const names[] = {"virtual", "baseline", "AVX2"};
+    *out << names[static_cast<int>(set)];
+}
+
+} // namespace SIO
+
 namespace {
 
 using SIO::QsbInstructionSetT;

@@ -159,16 +159,15 @@ TEST(QsbBlockList, RemovingTheLastBlockShortensARunByOne)
 TEST(QsbBlockList, RefusesWhatWouldPassItsMemoryLimit)
 {
     QsbBlockListC blocks;
-    constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16;
-    EXPECT_TRUE(blocks.HasRoomFor(entries - 3));
-    EXPECT_FALSE(blocks.HasRoomFor(entries - 2));
-    EXPECT_FALSE(blocks.HasRoomFor(entries));
+    constexpr std::uint64_t entries = (QsbBlockListC::s_ullMemoryLimit - 128) / 16; // beside record and array
+    EXPECT_TRUE(blocks.HasRoomFor(entries));
+    EXPECT_FALSE(blocks.HasRoomFor(entries + 1));
 }
 
 TEST(QsbBlockList, WhatItHoldsCountsAgainstTheLimitUntilItIsRemovedOrCleared)
 {
     QsbBlockListC blocks;
-    constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16 - 6;
+    constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16 - 20;
     EXPECT_TRUE(blocks.HasRoomFor(entries));
     ASSERT_TRUE(blocks.AppendRead(0, 1, 0, SIO::QsbHeaderEntriesT(1000)));
     EXPECT_FALSE(blocks.HasRoomFor(entries));

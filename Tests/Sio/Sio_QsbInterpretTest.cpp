@@ -5,6 +5,7 @@
 #include "ScanTest.h"
 
 #include "RecordingModifier.h"
+#include "Sio/Sio_QsbBlockHeader.h"
 
 #include <bit>
 #include <limits>
@@ -202,10 +203,10 @@ TEST_F(QsbInterpret, MillionsOfElementsThatCannotBeMadeGiveAFewReportsAndOneSumm
     EXPECT_EQ(reports.Reports().back().file, SioTest::s_szQsb);
 }
 
-TEST_F(QsbInterpret, MillionsOfGoodElementsAreTakenInReasonableTime)
+TEST_F(QsbInterpret, ThousandsOfElementsInAnyOrderAreTaken)
 {
     QsbBytes file;
-    const std::uint32_t entries = 500000;
+    const std::uint32_t entries = 60000;
     file.Block(1).ClaimHeaderBytes(16 * entries);
     BytesT bytes = file.Get();
     for (std::uint32_t i = 0; i < entries; ++i) {
@@ -344,6 +345,26 @@ TEST_F(QsbInterpret, TheFlagChoosesBetweenMappedAndRawPositions)
                                                    Info().oTransformation);
         EXPECT_EQ(modifier.point.x, transform ? 10.0 : 0.0);
     }
+}
+
+TEST_F(QsbInterpret, AfterAFailedInterpretationTheStrategyKeepsNoData)
+{
+    ASSERT_TRUE(scan.Open(folder.Write("scan.qsb", Support::SmallScan(3))));
+    ASSERT_TRUE(scan.Interpret());
+    EXPECT_FALSE(scan.Interpret(99));
+    EXPECT_FALSE(scan.strategy.HasData());
+    EXPECT_EQ(scan.strategy.GetNumberOfPoints(), 0u);
+    EXPECT_FALSE(scan.strategy.Seek(0));
+}
+
+TEST_F(QsbInterpret, ABlockOfMoreElementsThanAnyScanHasIsRefused)
+{
+    Support::QsbBytes file;
+    file.Block(1);
+    for (std::size_t i = 0; i < SIO::s_nMaxPointElements; ++i)
+        file.Entry(5, 101, 2);
+    ASSERT_TRUE(scan.Open(folder.Write("scan.qsb", file)));
+    EXPECT_FALSE(scan.Interpret());
 }
 
 } // namespace

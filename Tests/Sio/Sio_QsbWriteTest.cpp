@@ -506,4 +506,14 @@ TEST_F(QsbWrite, UntilCloseANewBlockOnDiskIsAHeadWithSizesOfZero)
     EXPECT_EQ(Support::Slice(File(), 28, 12), Bytes(1, 0, 0));
 }
 
+TEST_F(QsbWrite, DirtyHeadersAreWrittenInTheOrderOfTheBlocks)
+{
+    Create();
+    ASSERT_TRUE(Write(2));
+    EXPECT_TRUE(Block(0).IsHeaderDirty());
+    EXPECT_TRUE(Block(1).IsHeaderDirty());
+    EXPECT_TRUE(scan.container.Close());
+    EXPECT_EQ(File(), SioTest::WrittenSmallScan(2).Get());
+}
+
 } // namespace

@@ -18,6 +18,20 @@ void ClearEnvironment(const char* name);
 /// The variable's value, if it is set.
 std::optional<std::string> GetEnvironment(const char* name);
 
+/// Keeps the user's configuration out of this process, and this process out of the user's: as long as it lives, values are
+/// read from and written to a place of its own, in `folder` or, on Windows, in the registry.
+class PrivateConfiguration
+{
+public:
+    explicit PrivateConfiguration(const std::string& folder);
+    ~PrivateConfiguration();
+    PrivateConfiguration(const PrivateConfiguration&) = delete;
+    PrivateConfiguration& operator=(const PrivateConfiguration&) = delete;
+
+private:
+    std::wstring m_key; ///< of the registry
+};
+
 /// Sets a variable, or takes it away, for as long as this lives.
 class ScopedEnvironment
 {

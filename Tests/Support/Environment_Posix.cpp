@@ -24,4 +24,11 @@ std::optional<std::string> GetEnvironment(const char* name)
     return value == nullptr ? std::nullopt : std::optional<std::string>(value);
 }
 
+PrivateConfiguration::PrivateConfiguration(const std::string& folder)
+{
+    SetEnvironment("SCANREADER_CONFIG_DIR", folder);
+}
+
+PrivateConfiguration::~PrivateConfiguration() = default; // the directory goes with the run's others
+
 } // namespace Support

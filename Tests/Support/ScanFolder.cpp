@@ -4,7 +4,9 @@
 // Files through the standard library's own streams, not the ones under test.
 #include "Support/ScanFolder.h"
 
-#include <boost/filesystem/operations.hpp>
+#include "Support/Files.h"
+
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -23,7 +25,7 @@ void Require(bool done, const std::string& path)
 std::string ScanFolder::Write(const std::string& name, const BytesT& bytes) const
 {
     const std::string path = Path(name);
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    std::ofstream file(StandardPath(path), std::ios::binary | std::ios::trunc);
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     file.close();
     Require(file.good(), path);
@@ -32,19 +34,19 @@ std::string ScanFolder::Write(const std::string& name, const BytesT& bytes) cons
 
 BytesT ReadFile(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(StandardPath(path), std::ios::binary);
     Require(file.good(), path);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 std::uint64_t FileSize(const std::string& path)
 {
-    return boost::filesystem::file_size(path);
+    return std::filesystem::file_size(StandardPath(path));
 }
 
 void WriteAt(const std::string& path, std::uint64_t offset, const BytesT& bytes)
 {
-    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    std::fstream file(StandardPath(path), std::ios::binary | std::ios::in | std::ios::out);
     file.seekp(static_cast<std::streamoff>(offset));
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     file.close();
@@ -53,8 +55,8 @@ void WriteAt(const std::string& path, std::uint64_t offset, const BytesT& bytes)
 
 bool Resize(const std::string& path, std::uint64_t size)
 {
-    boost::system::error_code error;
-    boost::filesystem::resize_file(path, size, error);
+    std::error_code error;
+    std::filesystem::resize_file(StandardPath(path), size, error);
     return !error;
 }
 

@@ -4,6 +4,8 @@
 // A directory of one test's own, removed with all it holds when the object goes.
 #pragma once
 
+#include "Bss/Bss_Hal/BSS_HAL_Path.h"
+
 #include <boost/filesystem/operations.hpp>
 #include <boost/filesystem/path.hpp>
 #include <string>
@@ -28,8 +30,12 @@ public:
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
     const boost::filesystem::path& Path() const { return m_path; }
-    std::string Narrow(const std::string& name) const { return (m_path / name).string(); }
-    std::wstring Wide(const std::string& name) const { return (m_path / name).wstring(); }
+    /// Path of `name`, UTF-8 on Windows, in it.
+    std::string Narrow(const std::string& name) const { return BSS::HAL::NarrowPath(Wide(name)); }
+    std::wstring Wide(const std::string& name) const
+    {
+        return BSS::HAL::JoinPath(BSS::HAL::WidePathOf(m_path), BSS::HAL::WidePath(name));
+    }
 
 private:
     boost::filesystem::path m_path;

@@ -9,24 +9,19 @@
 #include "Support/TemporaryDirectory.h"
 
 #include <boost/filesystem/operations.hpp>
-#include <cstdlib>
 
 namespace Support {
 
 QsbRunT RunQsb(const std::vector<std::string>& arguments)
 {
     const TemporaryDirectory directory;
-    std::string command = ShellQuoted(QSB_COMMAND);
-    for (const std::string& argument : arguments)
-        command.append(" ").append(ShellQuoted(argument));
-    command.append(" <").append(ShellQuoted(directory.Narrow("in")));
-    command.append(" >").append(ShellQuoted(directory.Narrow("out")));
-    command.append(" 2>").append(ShellQuoted(directory.Narrow("err")));
+    std::vector<std::string> command = arguments;
+    command.insert(command.begin(), QSB_COMMAND);
     WriteAll(directory.Narrow("in"), "");
     QsbRunT run;
-    run.iExitCode = ExitCodeOfSystem(std::system(command.c_str()));
-    run.out = ReadAll(directory.Narrow("out"));
-    run.err = ReadAll(directory.Narrow("err"));
+    run.iExitCode = RunProgram(command, {directory.Narrow("in"), directory.Narrow("out"), directory.Narrow("err")});
+    run.out = LinesOf(ReadAll(directory.Narrow("out")));
+    run.err = LinesOf(ReadAll(directory.Narrow("err")));
     return run;
 }
 

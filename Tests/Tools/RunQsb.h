@@ -4,6 +4,7 @@
 // The qsb command as a person runs it: arguments in, both outputs and the exit code back.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -19,10 +20,12 @@ struct QsbRunT
 /// Runs qsb with these arguments, stdin closed, and waits for its end.
 QsbRunT RunQsb(const std::vector<std::string>& arguments);
 
-/// An argument as the shell must be given it, and the exit code in what std::system returns: one source per
-/// platform.
-std::string ShellQuoted(const std::string& argument);
-int ExitCodeOfSystem(int iStatus);
+/// Runs a program with these arguments and waits for its end; one source per platform. Its standard streams are the
+/// files named, of which the first exists. Returns the exit code as above, -1 when it cannot be started.
+int RunProgram(const std::vector<std::string>& command, const std::array<std::string, 3>& streams);
+
+/// What a program wrote, with lines that end in a newline alone.
+std::string LinesOf(const std::string& output);
 
 /// Path of a file of the real scans; empty when they are not there. Use REAL_DATA in tests.
 std::string RealDataPath(const std::string& name);

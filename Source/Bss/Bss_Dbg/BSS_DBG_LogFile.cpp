@@ -72,9 +72,10 @@ bool DbgLogFileC::flush()
 bool DbgLogFileC::makeRoom(const std::wstring& path, std::uint64_t bytes) const
 {
     if (m_limitBytes == 0) return true;
-    const StreamPtr stream(HAL::OpenStream(path, "rb"));
+    StreamPtr stream(HAL::OpenStream(path, "rb"));
     std::uint64_t size = 0;
     if (!stream || !HAL::StreamSize(stream.get(), size) || size + bytes <= m_limitBytes) return true;
+    stream.reset(); // not every system renames a file that is open
     return HAL::RenameOver(path, OlderName(path)) == HAL::RenameResult::Done;
 }
 

@@ -26,8 +26,8 @@ public:
     FlagNotifierC(const FlagNotifierC&) = delete;
     FlagNotifierC& operator=(const FlagNotifierC&) = delete;
 
-    /// Returns the number under which the callback can be unsubscribed; never 0. An empty callback is
-    /// ignored.
+    /// Returns the number under which the callback can be unsubscribed; never 0. An empty callback gets a
+    /// number too and is not called.
     std::uint32_t Subscribe(CallbackT callback);
 
     /// Does nothing when the number is not known.

@@ -25,8 +25,8 @@ constinit int s_installed = 0;
 void OnInvalidParameter()
 try {
     BSS_ASSERT_AT(!"Invalid parameter handler called!", LINE_INVALID_PARAMETER);
-} catch (const std::bad_alloc&) {
-    // The C runtime cannot carry an exception.
+} catch (...) {
+    // A handler may throw what it likes. The C runtime cannot carry an exception.
 }
 
 } // namespace

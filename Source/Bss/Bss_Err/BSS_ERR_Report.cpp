@@ -12,6 +12,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
 #include "Bss/Bss_Err/BSS_ERR_PanicHandlerRegistry.h"
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
+#include "Bss/Bss_Err/BSS_ERR_SysServiceError.h"
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
@@ -50,6 +51,19 @@ std::string ReportText(const char* kind, const char* expression, std::uint32_t f
     return text + end;
 }
 
+// A lock whose event the system refuses throws; a report must not. What a handler throws is the handler's
+// affair.
+template<typename ReportT>
+auto WithoutSystemErrors(ReportT report, decltype(report()) otherwise) -> decltype(report())
+{
+    try {
+        return report();
+    } catch (const SysServiceErrorC& error) {
+        HAL::DebugOutput(HAL::WideFromUtf8(error.what()).c_str());
+        return otherwise;
+    }
+}
+
 bool OnlyDebugOutputIsLeft() noexcept
 {
     return DBG::DbgLogConsumerC::isWriting() || DBG::DbgLogMgrC::isGone();
@@ -73,8 +87,12 @@ bool AssertFailed(const char* expression, std::uint32_t first, std::uint32_t sec
                   std::int32_t line)
 {
     const std::string text = ReportText("ASSERT", expression, first, second, file, line, ">>\n");
-    if (!LogReport(DBG::LEVEL_ERROR, text)) return true;
-    return GetPanicHandlerRegistry().Assert(expression, first, second, file, line);
+    return WithoutSystemErrors(
+        [&] {
+            if (!LogReport(DBG::LEVEL_ERROR, text)) return true;
+            return GetPanicHandlerRegistry().Assert(expression, first, second, file, line);
+        },
+        true);
 }
 
 void Panic(const char* format, std::uint32_t, std::uint32_t first, std::uint32_t second, const char* file,
@@ -82,8 +100,13 @@ void Panic(const char* format, std::uint32_t, std::uint32_t first, std::uint32_t
 {
     const std::string end = UTI::Format(" - type 0x%lx>>\n", PANIC_TYPE);
     const std::string text = ReportText("PANIC", format, first, second, file, line, end);
-    if (!LogReport(DBG::LEVEL_FATAL, text)) return;
-    GetPanicHandlerRegistry().Panic(format, PANIC_TYPE, first, second, file, line);
+    WithoutSystemErrors(
+        [&] {
+            if (!LogReport(DBG::LEVEL_FATAL, text)) return false;
+            GetPanicHandlerRegistry().Panic(format, PANIC_TYPE, first, second, file, line);
+            return true;
+        },
+        false);
 }
 
 } // namespace BSS::ERR

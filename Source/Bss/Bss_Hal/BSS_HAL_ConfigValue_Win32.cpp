@@ -30,12 +30,19 @@ private:
     HKEY m_key = nullptr;
 };
 
+// The registry would take an empty name for the key itself or its unnamed value, and cut a name at a null character.
+bool IsUnusable(const std::wstring& name)
+{
+    return name.empty() || name.find(L'\0') != std::wstring::npos;
+}
+
 constexpr wchar_t ROOT[] = LR"(Software\ScanReader)";
 
 } // namespace
 
 bool ReadConfigValue(const std::wstring& key, const std::wstring& name, std::uint32_t& value)
 {
+    if (IsUnusable(key) || IsUnusable(name)) return false;
     const RegistryKey root(HKEY_CURRENT_USER, ROOT, KEY_READ);
     if (root.Get() == nullptr) return false;
     const RegistryKey opened(root.Get(), key, KEY_READ);
@@ -53,6 +60,7 @@ bool ReadConfigValue(const std::wstring& key, const std::wstring& name, std::uin
 
 bool WriteConfigValue(const std::wstring& key, const std::wstring& name, std::uint32_t value)
 {
+    if (IsUnusable(key) || IsUnusable(name)) return false;
     const RegistryKey root(HKEY_CURRENT_USER, ROOT, KEY_READ | KEY_WRITE);
     if (root.Get() == nullptr) return false;
     const RegistryKey opened(root.Get(), key, KEY_READ | KEY_WRITE);

@@ -5,7 +5,14 @@
 // installs signal handlers.
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace BSS::HAL {
+
+/// The program's arguments, its name first, as narrow paths and texts: what main was given on Linux, on Windows UTF-8
+/// whatever the code page.
+std::vector<std::string> ProgramArguments(int count, char** arguments);
 
 /// True when standard error is a terminal, so that progress may be drawn on it.
 bool StderrIsTerminal() noexcept;

@@ -34,6 +34,11 @@ void CatchOnce(int signal) noexcept
 
 } // namespace
 
+std::vector<std::string> ProgramArguments(int count, char** arguments)
+{
+    return {arguments, arguments + count};
+}
+
 bool StderrIsTerminal() noexcept
 {
     return ::isatty(STDERR_FILENO) == 1;

@@ -24,7 +24,8 @@ std::wstring UserLogDirectory();
 /// Empty when there is none.
 std::wstring UserConfigDirectory();
 
-/// Makes a directory and those above it, readable by the user alone; existing ones are left as they are. True
+/// Makes a directory and those above it, readable by the user alone; existing ones are left as they are. On Windows
+/// they inherit who may read them from the directory above, which is the user's own below the usual places. True
 /// when the directory is there afterwards.
 bool MakePrivateDirectory(const std::wstring& path);
 

@@ -30,9 +30,9 @@ std::wstring AbsoluteFromEnvironment(const wchar_t* name)
 
 std::wstring TemporaryDirectory()
 {
-    wchar_t path[MAX_PATH + 2] = {};
+    wchar_t path[MAX_PATH + 1] = {};
     const DWORD length = GetTempPathW(MAX_PATH + 1, path);
-    return length == 0 || length > MAX_PATH + 1 ? std::wstring() : std::wstring(path, length);
+    return length == 0 || length > MAX_PATH ? std::wstring() : std::wstring(path, length);
 }
 
 bool IsDirectory(const std::wstring& path)

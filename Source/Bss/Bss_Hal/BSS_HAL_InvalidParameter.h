@@ -14,7 +14,8 @@ using InvalidParameterCallback = void (*)();
 /// called.
 void InstallInvalidParameterHandler(InvalidParameterCallback callback) noexcept;
 
-/// Gives the hook back to whoever had it before; does nothing when nothing is installed.
+/// Gives the hook back to whoever had it before, unless somebody else has taken it since; does nothing when nothing is
+/// installed.
 void RestoreInvalidParameterHandler() noexcept;
 
 /// Calls the installed callback, as the C runtime would; does nothing when none is installed.

@@ -32,7 +32,10 @@ void InstallInvalidParameterHandler(InvalidParameterCallback callback) noexcept
 
 void RestoreInvalidParameterHandler() noexcept
 {
-    if (s_callback.exchange(nullptr) != nullptr) _set_invalid_parameter_handler(s_before.exchange(nullptr));
+    if (s_callback.exchange(nullptr) == nullptr) return;
+    const _invalid_parameter_handler replaced = _set_invalid_parameter_handler(s_before.exchange(nullptr));
+    // Whoever took the hook after us keeps it.
+    if (replaced != &RuntimeHandler) _set_invalid_parameter_handler(replaced);
 }
 
 void InvokeInvalidParameterHandler()

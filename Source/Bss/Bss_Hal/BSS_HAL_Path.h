@@ -21,10 +21,10 @@ std::wstring WidePath(const std::string& narrow);
 /// and, on Linux, for any bytes.
 std::string NarrowPath(const std::wstring& wide);
 
-/// File-system path of a path given as wide text.
+/// File-system path of a path given as wide text; on Windows of what LongPath makes of it.
 boost::filesystem::path FilesystemPath(const std::wstring& wide);
 
-/// Wide text of a file-system path. Inverse of FilesystemPath.
+/// Wide text of a file-system path. Inverse of FilesystemPath but for the long form, which stays.
 std::wstring WidePathOf(const boost::filesystem::path& path);
 
 /// Path of `name` inside `directory`, with the system's separator between them.

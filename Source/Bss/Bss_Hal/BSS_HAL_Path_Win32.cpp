@@ -49,7 +49,7 @@ std::string NarrowPath(const std::wstring& wide)
 
 boost::filesystem::path FilesystemPath(const std::wstring& wide)
 {
-    return {wide};
+    return {LongPath(wide)}; // the library that works on it does not lift the limit by itself
 }
 
 std::wstring WidePathOf(const boost::filesystem::path& path)

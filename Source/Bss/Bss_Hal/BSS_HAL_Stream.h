@@ -31,8 +31,7 @@ std::FILE* OpenStream(const std::wstring& path, const char* mode) noexcept;
 
 /// Finds the first offset at or after `from` whose bytes the file system may have stored; all bytes from
 /// `from` up to it are known to be zero. The end of the file counts as stored. Returns false when the file
-/// system cannot tell. The position does not change, but the stream must have been moved by SeekStream before
-/// it reads on.
+/// system cannot tell. The position does not change.
 [[nodiscard]] bool NextStoredOffset(std::FILE* stream, std::uint64_t from, std::uint64_t& next) noexcept;
 
 /// Writes the stream's buffer and then everything of the file that the system still holds to the device.

@@ -1,21 +1,35 @@
-// SPDX-License-Identifier: MIT
-// Copyright (c) 2026 The ScanReader developers
-//
-// Marks what the shared library exports. A host needs to define nothing; the library's own build defines
-// SCANREADER_BUILD, a static link of its parts SCANREADER_STATIC.
+/* SPDX-License-Identifier: MIT
+ * Copyright (c) 2026 The ScanReader developers
+ *
+ * Marks what the shared libraries export. A host needs to define nothing; the build of the libraries themselves defines
+ * SCANREADER_BUILD or SCANREADER_C_BUILD, a static link of their parts SCANREADER_STATIC.
+ */
 #ifndef SCANREADER_EXPORT_H
 #define SCANREADER_EXPORT_H
 
 #if defined(SCANREADER_STATIC)
-#define SCANREADER_API
+#define SCANREADER_EXPORTED
+#define SCANREADER_IMPORTED
 #elif defined(_WIN32)
-#if defined(SCANREADER_BUILD)
-#define SCANREADER_API __declspec(dllexport)
+#define SCANREADER_EXPORTED __declspec(dllexport)
+#define SCANREADER_IMPORTED __declspec(dllimport)
 #else
-#define SCANREADER_API __declspec(dllimport)
+#define SCANREADER_EXPORTED __attribute__((visibility("default")))
+#define SCANREADER_IMPORTED __attribute__((visibility("default")))
 #endif
+
+/* The C++ classes, library ScanReader. */
+#if defined(SCANREADER_BUILD)
+#define SCANREADER_API SCANREADER_EXPORTED
 #else
-#define SCANREADER_API __attribute__((visibility("default")))
+#define SCANREADER_API SCANREADER_IMPORTED
+#endif
+
+/* The C functions, library ScanReaderC. */
+#if defined(SCANREADER_C_BUILD)
+#define SCANREADER_C_API SCANREADER_EXPORTED
+#else
+#define SCANREADER_C_API SCANREADER_IMPORTED
 #endif
 
 #endif

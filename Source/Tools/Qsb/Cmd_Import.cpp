@@ -9,6 +9,7 @@
 #include "Tools/Qsb/Tool_Encodings.h"
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_Interrupt.h"
+#include "Tools/Qsb/Tool_Numerals.h"
 #include "Tools/Qsb/Tool_OpenSource.h"
 #include "Tools/Qsb/Tool_OutputFile.h"
 #include "Tools/Qsb/Tool_Progress.h"
@@ -16,6 +17,7 @@
 #include "Tools/Qsb/Tool_ScanWriter.h"
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <fmt/format.h>
 #include <memory>
 
@@ -110,6 +112,14 @@ int Import(const ImportOptionsC& options)
     return s_iDone;
 }
 
+/// A check of an option's text; the library's own lets NaN pass.
+std::string CheckPositive(const std::string& text)
+{
+    const auto oNumber = ParseNumber(text, NumberTypeT::Double);
+    const bool bPositive = oNumber && *oNumber > 0.0 && std::isfinite(*oNumber);
+    return bPositive ? "" : fmt::format("{} is not a number above 0", text);
+}
+
 void AddEncodingOption(CLI::App& verb, const std::string& name, std::string& value, SIO::PointDataKindT eKind,
                        const std::string& what)
 {
@@ -135,11 +145,11 @@ void AddImport(CLI::App& app, VerbActionT& action)
     AddEncodingOption(verb, "--grid", options->strGrid, SIO::PD_GRID, "Encoding of grid indices");
     AddEncodingOption(verb, "--color", options->strColor, SIO::PD_COLOR, "Encoding of colours");
     verb.add_option("--intensity-scale", options->dIntensityScale, "Multiply intensities by this")
-        ->check(CLI::PositiveNumber)
+        ->check(CheckPositive)
         ->capture_default_str();
     verb.add_option("--color-max", options->dColorMax,
                     "Value of full colour in the source; told by its values if not given")
-        ->check(CLI::PositiveNumber);
+        ->check(CheckPositive);
     AddConversionFlags(verb, options->oCommon);
     verb.footer(s_szFooter);
     verb.callback([options, &action] { action = [options] { return Import(*options); }; });

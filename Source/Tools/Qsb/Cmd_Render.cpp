@@ -222,8 +222,11 @@ int Render(const OptionsC& options)
     report.strView = NameOf(eView);
     report.ullInvalidPosition = survey.GetInvalid();
     report.strDamage = damage;
-    if (!options.bQuiet) fmt::print(stderr, "{}", TextOf(report));
-    if (options.bJson) PrintJson(JsonOf(report));
+    if (options.bJson) {
+        PrintJson(JsonOf(report));
+    } else if (!options.bQuiet) {
+        PrintResult(TextOf(report));
+    }
     if (damage.empty()) return s_iDone;
     throw ToolErrorC(s_iDamaged, damage + "; the picture shows these");
 }

@@ -72,6 +72,8 @@ SynthSettingsC SettingsOf(const OptionsC& options)
 {
     SynthSettingsC settings = options.oSettings;
     ChooseLines(options, settings);
+    // The range check of the option lets NaN through.
+    if (std::isnan(options.dRangeNoiseMm)) Misuse("--range-noise is not a number");
     settings.dRangeNoiseM = options.dRangeNoiseMm * 1e-3;
     settings.oFormat.uiPosition = EncodingOf(SIO::PD_POSITION, options.position);
     settings.oFormat.uiIntensity = EncodingOf(SIO::PD_INTENSITY, options.intensity);
@@ -150,18 +152,22 @@ JsonT Summary(const OptionsC& options, const SynthSettingsC& settings, const SIO
     return json;
 }
 
-void TellPeople(const OptionsC& options, const SynthSettingsC& settings, const TallyT& tally)
+std::string Text(const OptionsC& options, const SynthSettingsC& settings, const TallyT& tally)
 {
-    fmt::print(
-        stderr,
-        "{}: {} points from {} rows x {} columns; no point: {} nothing there, {} too weak, {} drop-outs\n",
-        options.output, CountOf(tally, AnswerT::Point), settings.uiRows, settings.uiColumns,
-        CountOf(tally, AnswerT::Nothing), CountOf(tally, AnswerT::TooWeak), CountOf(tally, AnswerT::DropOut));
-    if (settings.oFormat.uiGrid != 0 && (settings.uiRows == 1 || settings.uiColumns == 1)) {
-        fmt::print(stderr,
-                   "{}: a grid of one line cannot be told from none in the file; readers will see no grid\n",
-                   options.output);
-    }
+    return fmt::format("{}: {} points from {} rows x {} columns\n"
+                       "  no point: {} nothing there, {} too weak, {} drop-outs\n",
+                       options.output, CountOf(tally, AnswerT::Point), settings.uiRows, settings.uiColumns,
+                       CountOf(tally, AnswerT::Nothing), CountOf(tally, AnswerT::TooWeak),
+                       CountOf(tally, AnswerT::DropOut));
+}
+
+void WarnOfOneLine(const OptionsC& options, const SynthSettingsC& settings)
+{
+    if (options.bQuiet || settings.oFormat.uiGrid == 0 || (settings.uiRows > 1 && settings.uiColumns > 1))
+        return;
+    fmt::print(stderr,
+               "{}: a grid of one line cannot be told from none in the file; readers will see no grid\n",
+               options.output);
 }
 
 int Synth(const OptionsC& options)
@@ -175,8 +181,12 @@ int Synth(const OptionsC& options)
     const TallyT tally = WriteScan(scanner, settings, writer, options.bQuiet);
     writer.Finish();
     output.Commit();
-    if (!options.bQuiet) TellPeople(options, settings, tally);
-    if (options.bJson) PrintJson(Summary(options, settings, info, tally));
+    WarnOfOneLine(options, settings);
+    if (options.bJson) {
+        PrintJson(Summary(options, settings, info, tally));
+    } else if (!options.bQuiet) {
+        PrintResult(Text(options, settings, tally));
+    }
     return s_iDone;
 }
 
@@ -203,6 +213,7 @@ void AddSynth(CLI::App& app, VerbActionT& action)
         ->excludes(rows)
         ->excludes(columns);
     verb.add_option("--seed", options->oSettings.ullSeed, "Another number, another scan")
+        ->check(CLI::NonNegativeNumber)
         ->capture_default_str();
     verb.add_option("--range-noise", options->dRangeNoiseMm, "Deviation of ranges of middling strength, mm")
         ->check(CLI::Range(0.0, 1000.0))

@@ -3,6 +3,7 @@
 //
 // The qsb command: reads the command line, runs the chosen verb and turns its end into an exit code. stdout
 // carries a verb's result alone; messages go to stderr.
+#include "Bss/Bss_Hal/BSS_HAL_Console.h"
 #include "Tools/Qsb/Cmd_Check.h"
 #include "Tools/Qsb/Cmd_Export.h"
 #include "Tools/Qsb/Cmd_Import.h"
@@ -14,10 +15,14 @@
 #include "Tools/Qsb/Tool_Verb.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fmt/format.h>
 #include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -51,7 +56,11 @@ int main(int argc, char** argv)
     Tool::AddSynth(app, action);
 
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = BSS::HAL::ProgramArguments(argc, argv);
+        // The name is known, and the parser takes the others from behind.
+        if (!arguments.empty()) arguments.erase(arguments.begin());
+        std::reverse(arguments.begin(), arguments.end());
+        app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? Tool::s_iDone : Tool::s_iUsage;
     }

@@ -12,8 +12,7 @@ std::string TextOf(const RenderReportC& report)
 {
     std::string text = fmt::format("{}: {} x {} pixels, {} {}\n", report.strPicture, report.oSize.uiWidth,
                                    report.oSize.uiHeight, report.strBy, report.strOrientation);
-    text += fmt::format("{}: {} points in {} pixels", report.strPicture, report.ullPoints,
-                        report.ullPixelsFilled);
+    text += fmt::format("  {} points in {} pixels", report.ullPoints, report.ullPixelsFilled);
     if (report.strBy != "color")
         text += fmt::format("; shown from {:.6g} to {:.6g}", report.dShownFrom, report.dShownTo);
     const auto leftOut = [&](std::uint64_t ullCount, const char* why) {

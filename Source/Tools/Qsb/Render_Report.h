@@ -27,7 +27,7 @@ struct RenderReportC
     std::string strDamage; ///< why the file ends early; empty for a whole one
 };
 
-/// Two lines, each beginning with the picture's name.
+/// A line for the picture and one for what is in it.
 std::string TextOf(const RenderReportC& report);
 
 JsonT JsonOf(const RenderReportC& report);

@@ -24,7 +24,7 @@ constexpr double s_dSiteTurns = 0.0861;                      ///< turn of the ro
 
 constexpr double s_dLowestTurns = -60.0 / 360.0; ///< below is the tripod
 constexpr double s_dHighestTurns = 90.0 / 360.0;
-constexpr double s_dDropOutShare = 0.002;
+constexpr double s_dDropOutShare = 0.001;
 constexpr double s_dSquare = 0.9995; ///< cosine up to which glass answers
 constexpr double s_dGlassAnswer = 0.003;
 

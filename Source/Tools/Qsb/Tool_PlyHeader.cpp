@@ -241,7 +241,7 @@ PlyHeaderC ReadPlyHeader(TextInputC& input)
     return HeaderReaderC(input).Read();
 }
 
-std::string PlyScanComments(const ScanHeaderC& scan)
+std::string PlyScanComments(const ScanFrameC& scan)
 {
     std::string text;
     if (scan.oPose) AppendComment(text, "pose", scan.oPose->data(), 16);

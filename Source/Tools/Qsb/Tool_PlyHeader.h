@@ -48,7 +48,7 @@ struct PlyHeaderC
 {
     PlyFormatT eFormat = PlyFormatT::Ascii;
     std::vector<PlyElementC> vecElements;
-    ScanHeaderC oScan;
+    ScanFrameC oScan;
     std::uint64_t ullRemarks = 0; ///< comments that are not the command's own
 };
 
@@ -57,6 +57,6 @@ struct PlyHeaderC
 PlyHeaderC ReadPlyHeader(TextInputC& input);
 
 /// The comment lines for what is known of a scan.
-std::string PlyScanComments(const ScanHeaderC& scan);
+std::string PlyScanComments(const ScanFrameC& scan);
 
 } // namespace Tool

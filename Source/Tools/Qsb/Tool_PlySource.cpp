@@ -101,7 +101,7 @@ public:
 
     const std::string& GetName() const override { return m_oFile.strName; }
     const std::vector<SourceFieldC>& GetFields() const override { return m_vecFields; }
-    const ScanHeaderC& GetHeader() const override { return m_oHeader.oScan; }
+    const ScanFrameC& GetHeader() const override { return m_oHeader.oScan; }
     const std::vector<SourceExtraC>& GetExtras() const override { return m_vecExtras; }
     std::uint64_t GetNumberOfPoints() const override { return m_poVertex->ullCount; }
 

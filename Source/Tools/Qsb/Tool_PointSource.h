@@ -25,8 +25,8 @@ struct SourceFieldC
     NumberTypeT eType = NumberTypeT::Double;
 };
 
-/// What stands beside the points.
-struct ScanHeaderC
+/// What stands beside the points: where the scanner stood, and its grid.
+struct ScanFrameC
 {
     std::optional<std::array<double, 16>> oPose;        ///< row-major, maps column vectors; finite
     std::optional<std::array<std::uint64_t, 2>> oGrid;  ///< rows and columns, 1 to 2^32 each
@@ -53,7 +53,7 @@ public:
     virtual const std::string& GetName() const = 0;
 
     virtual const std::vector<SourceFieldC>& GetFields() const = 0;
-    virtual const ScanHeaderC& GetHeader() const = 0;
+    virtual const ScanFrameC& GetHeader() const = 0;
     virtual const std::vector<SourceExtraC>& GetExtras() const = 0;
     virtual std::uint64_t GetNumberOfPoints() const = 0;
 

@@ -161,7 +161,7 @@ private:
         }
     }
 
-    void ReadPose(ScanHeaderC& scan) const
+    void ReadPose(ScanFrameC& scan) const
     {
         const json* pose = Find("pose");
         if (pose == nullptr) return;
@@ -171,7 +171,7 @@ private:
             (*scan.oPose)[i] = Number((*pose)[i], fmt::format("\"pose\"[{}]", i));
     }
 
-    void ReadGrid(ScanHeaderC& scan) const
+    void ReadGrid(ScanFrameC& scan) const
     {
         const json* grid = Find("grid");
         if (grid == nullptr) return;

@@ -17,7 +17,7 @@ struct RawHeaderC
 {
     std::uint64_t ullPoints = 0;
     std::vector<SourceFieldC> vecFields;
-    ScanHeaderC oScan;
+    ScanFrameC oScan;
     std::vector<SourceExtraC> vecExtras; ///< keys that have no place in a scan file
 
     std::size_t GetRecordBytes() const noexcept;

@@ -26,7 +26,7 @@ public:
 
     const std::string& GetName() const override { return m_oData.strName; }
     const std::vector<SourceFieldC>& GetFields() const override { return m_oHeader.vecFields; }
-    const ScanHeaderC& GetHeader() const override { return m_oHeader.oScan; }
+    const ScanFrameC& GetHeader() const override { return m_oHeader.oScan; }
     const std::vector<SourceExtraC>& GetExtras() const override { return m_oHeader.vecExtras; }
     std::uint64_t GetNumberOfPoints() const override { return m_oHeader.ullPoints; }
     void Select(const std::vector<std::size_t>& fields) override { m_oRecords.Select(fields); }

@@ -4,7 +4,6 @@
 // The report as text and as JSON.
 #include "Tools/Qsb/Tool_Report.h"
 
-#include "Tools/Qsb/Tool_Numerals.h"
 #include "Tools/Qsb/Tool_TextTable.h"
 
 #include <algorithm>
@@ -23,13 +22,6 @@ const char* NameOf(OutcomeT eOutcome)
     return s_apszOutcomes[static_cast<std::size_t>(eOutcome)];
 }
 
-std::string NumberText(double dValue)
-{
-    std::string text;
-    AppendNumber(text, dValue, NumberTypeT::Double);
-    return text;
-}
-
 std::string Types(const ReportRowC& row)
 {
     if (row.strStoredType.empty() || row.strSourceType.empty()) return row.strSourceType + row.strStoredType;
@@ -40,7 +32,7 @@ std::string Types(const ReportRowC& row)
 std::string Result(const ReportRowC& row)
 {
     std::string text = NameOf(row.eOutcome);
-    if (row.eOutcome == OutcomeT::Scaled) text += fmt::format(" by {}", NumberText(row.dFactor));
+    if (row.eOutcome == OutcomeT::Scaled) text += fmt::format(" by {:.6g}", row.dFactor);
     if (row.ullChanged != 0) {
         text += fmt::format(", {} values differ, by {:.3g} at most", row.ullChanged, row.dLargestChange);
     }

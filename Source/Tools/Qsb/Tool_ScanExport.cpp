@@ -12,7 +12,10 @@ namespace Tool {
 
 namespace {
 
-bool IsPosition(ScanValueT eValue) { return eValue <= ScanValueT::Z; }
+bool IsPosition(ScanValueT eValue)
+{
+    return eValue <= ScanValueT::Z;
+}
 
 } // namespace
 
@@ -50,7 +53,8 @@ void ScanExportC::PrepareHeader()
     if (bFinite) (m_bApplyPose ? m_oHeader.oScan.oAppliedPose : m_oHeader.oScan.oPose) = adPose;
     if (std::isfinite(info.dInstrumentHeight)) m_oHeader.oScan.oInstrumentHeight = info.dInstrumentHeight;
     if (m_rReader.HasGridSize()) {
-        m_oHeader.oScan.oGrid = {{std::uint64_t{info.auiGridSize[0]} + 1, std::uint64_t{info.auiGridSize[1]} + 1}};
+        m_oHeader.oScan.oGrid = {
+            {std::uint64_t{info.auiGridSize[0]} + 1, std::uint64_t{info.auiGridSize[1]} + 1}};
     }
 }
 
@@ -62,13 +66,15 @@ std::size_t ScanExportC::Read(std::vector<std::vector<double>>& columns)
     m_ullRead += m_vecPoints.size();
     if (m_bApplyPose) {
         const GMAT::Matrix4C& pose = m_rReader.GetInfo().oTransformation;
-        for (ScanPointC& point : m_vecPoints) GMAT::TransformPosition(pose, point.x, point.y, point.z);
+        for (ScanPointC& point : m_vecPoints)
+            GMAT::TransformPosition(pose, point.x, point.y, point.z);
     }
     columns.resize(m_vecFields.size());
     for (std::size_t i = 0; i < m_vecFields.size(); ++i) {
         columns[i].resize(m_vecPoints.size());
         const ScanValueT eValue = m_vecFields[i].eValue;
-        for (std::size_t j = 0; j < m_vecPoints.size(); ++j) columns[i][j] = ValueIn(m_vecPoints[j], eValue);
+        for (std::size_t j = 0; j < m_vecPoints.size(); ++j)
+            columns[i][j] = ValueIn(m_vecPoints[j], eValue);
         m_vecFields[i].oConversion.Convert(columns[i]);
     }
     return m_vecPoints.size();
@@ -91,39 +97,45 @@ void ScanExportC::AddTo(ConversionReportC& report) const
 
 void ScanExportC::AddScanHeader(ConversionReportC& report) const
 {
-    const ScanHeaderC& scan = m_oHeader.oScan;
+    const ScanFrameC& scan = m_oHeader.oScan;
     if (scan.oAppliedPose) {
         report.Add(PartRow("pose", OutcomeT::Kept, "as the applied one"));
     } else {
-        report.Add(scan.oPose ? PartRow("pose", OutcomeT::Kept, "")
-                              : PartRow("pose", OutcomeT::Dropped, "it has numbers that are not finite", true));
+        report.Add(scan.oPose
+                       ? PartRow("pose", OutcomeT::Kept, "")
+                       : PartRow("pose", OutcomeT::Dropped, "it has numbers that are not finite", true));
     }
     const auto& auiGrid = m_rReader.GetInfo().auiGridSize;
     if (scan.oGrid) {
-        report.Add(PartRow("grid", OutcomeT::Kept, fmt::format("{} rows, {} columns", (*scan.oGrid)[0], (*scan.oGrid)[1])));
+        report.Add(PartRow("grid", OutcomeT::Kept,
+                           fmt::format("{} rows, {} columns", (*scan.oGrid)[0], (*scan.oGrid)[1])));
     } else if (auiGrid[0] != 0 || auiGrid[1] != 0) {
         report.Add(PartRow("grid", OutcomeT::Dropped,
-                           fmt::format("the largest indices are stored as {} and {}, which makes no grid", auiGrid[0],
-                                       auiGrid[1])));
+                           fmt::format("the largest indices are stored as {} and {}, which makes no grid",
+                                       auiGrid[0], auiGrid[1])));
     } else {
         report.Add(PartRow("grid", OutcomeT::Absent, ""));
     }
-    report.Add(scan.oInstrumentHeight ? PartRow("instrument_height", OutcomeT::Kept, "")
-                                      : PartRow("instrument_height", OutcomeT::Dropped, "it is not finite", true));
+    report.Add(scan.oInstrumentHeight
+                   ? PartRow("instrument_height", OutcomeT::Kept, "")
+                   : PartRow("instrument_height", OutcomeT::Dropped, "it is not finite", true));
 }
 
 void ScanExportC::AddWhatIsHidden(ConversionReportC& report) const
 {
     if (const std::size_t nHidden = m_rReader.GetNumberOfHiddenElements(); nHidden != 0) {
         report.Add(PartRow("repeated elements", OutcomeT::Dropped,
-                           fmt::format("{} stand beside another one of their kind, which counts", nHidden), true));
+                           fmt::format("{} stand beside another one of their kind, which counts", nHidden),
+                           true));
     }
     if (const std::uint64_t ullClouds = m_rReader.GetNumberOfPointClouds(); ullClouds > 1) {
-        report.Add(PartRow("point clouds", OutcomeT::Dropped, fmt::format("one of {} is exported", ullClouds), true));
+        report.Add(PartRow("point clouds", OutcomeT::Dropped, fmt::format("one of {} is exported", ullClouds),
+                           true));
     }
     if (IsTorn()) {
         report.Add(PartRow("points", OutcomeT::Dropped,
-                           fmt::format("{} are missing, the file is torn", m_rReader.GetNumberOfPoints() - m_oHeader.ullPoints),
+                           fmt::format("{} are missing, the file is torn",
+                                       m_rReader.GetNumberOfPoints() - m_oHeader.ullPoints),
                            true));
     }
 }

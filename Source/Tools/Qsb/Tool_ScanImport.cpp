@@ -29,7 +29,7 @@ ScanImportC::ScanImportC(PointSourceI& source, const ImportChoicesC& choices, co
 
 void ScanImportC::PrepareHeader()
 {
-    const ScanHeaderC& header = m_oSource.GetHeader();
+    const ScanFrameC& header = m_oSource.GetHeader();
     if (header.oPose) {
         for (int i = 0; i < 16; ++i)
             m_oInfo.oTransformation.At(i / 4, i % 4) = (*header.oPose)[static_cast<std::size_t>(i)];
@@ -120,7 +120,7 @@ ReportRowC ScanImportC::RowOf(const CarriedT& carried) const
 
 void ScanImportC::AddHeader(ConversionReportC& report) const
 {
-    const ScanHeaderC& header = m_oSource.GetHeader();
+    const ScanFrameC& header = m_oSource.GetHeader();
     report.Add(header.oPose ? PartRow("pose", OutcomeT::Kept, "")
                             : PartRow("pose", OutcomeT::Added, "the source has none; the identity"));
     report.Add(GridRow());
