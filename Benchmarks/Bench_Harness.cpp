@@ -15,6 +15,16 @@ namespace {
 
 volatile double s_dSink;
 
+struct ExpectationT
+{
+    std::string strWhat;
+    RatioT ratio;
+    double dWanted;
+    bool bAtLeast;
+};
+
+std::vector<ExpectationT> s_vecExpectations;
+
 double SmallestOf(const std::vector<double>& values)
 {
     return *std::min_element(values.begin(), values.end());
@@ -98,6 +108,34 @@ void PrintTimes(const std::vector<CandidateT>& candidates)
                     dThread / MedianOf(candidates[0].vecThreadSeconds));
     }
     std::fflush(stdout);
+}
+
+RatioT SpeedOf(const CandidateT& candidate, const CandidateT& reference)
+{
+    return {MedianOf(reference.vecClockSeconds) / MedianOf(candidate.vecClockSeconds),
+            MedianOf(reference.vecThreadSeconds) / MedianOf(candidate.vecThreadSeconds)};
+}
+
+void ExpectAtLeast(const std::string& strWhat, const RatioT& ratio, double dWanted)
+{
+    s_vecExpectations.push_back({strWhat, ratio, dWanted, true});
+}
+
+void ExpectAtMost(const std::string& strWhat, const RatioT& ratio, double dWanted)
+{
+    s_vecExpectations.push_back({strWhat, ratio, dWanted, false});
+}
+
+void PrintSummary()
+{
+    std::printf("== summary\n  %-58s %8s %8s  %s\n", "", "clock", "thread", "wanted");
+    for (const ExpectationT& each : s_vecExpectations) {
+        const bool bMet =
+            each.bAtLeast ? each.ratio.dClock >= each.dWanted : each.ratio.dClock <= each.dWanted;
+        std::printf("  %-58s %8.2f ", each.strWhat.c_str(), each.ratio.dClock);
+        each.ratio.dThread != 0 ? std::printf("%8.2f", each.ratio.dThread) : std::printf("%8s", "");
+        std::printf("  %s %.2f: %s\n", each.bAtLeast ? ">=" : "<=", each.dWanted, bMet ? "met" : "MISSED");
+    }
 }
 
 void Use(double dValue)

@@ -81,5 +81,6 @@ int main(int argc, char** argv)
         each->run(options);
         std::printf("\n");
     }
+    Bench::PrintSummary();
     return 0;
 }

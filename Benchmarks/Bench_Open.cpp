@@ -94,6 +94,7 @@ void RunOpen(const OptionsT& options)
         RunInterleaved(candidates, options.nRounds);
         std::printf("%s\n", shape.pszName);
         PrintTimes(candidates);
+        ExpectAtMost(std::string("open ") + shape.pszName, SpeedOf(candidates[0], candidates[1]), 3);
     }
     std::remove(strPath.c_str());
 }

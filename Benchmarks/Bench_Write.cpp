@@ -74,6 +74,9 @@ void RunWrite(const OptionsT& options)
         RunInterleaved(candidates, options.nRounds);
         std::printf("%s\n", layout.pszName);
         PrintRates(candidates, s_uiPoints / 1e6, "Mpt/s", {0, 2});
+        const std::string strName = std::string("write ") + layout.pszShortName;
+        ExpectAtLeast(strName + " of the write limit", SpeedOf(candidates[1], candidates[0]), 0.5);
+        ExpectAtLeast(strName + " against virtual calls", SpeedOf(candidates[1], candidates[2]), 3);
     }
 }
 

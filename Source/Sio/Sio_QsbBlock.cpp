@@ -97,7 +97,7 @@ void QsbBlockC::SetRunLength(std::uint64_t ullRunLength) noexcept
 
 void QsbBlockC::FreeEntries() noexcept
 {
-    if (HasEntries() && GetEntries()->uiCapacity != 0) ::operator delete(GetEntries());
+    if (HasEntries() && !HasSharedEntries()) ::operator delete(GetEntries());
 }
 
 std::uint32_t QsbBlockC::GetHeaderBytes() const noexcept
@@ -159,13 +159,9 @@ QsbEntryArrayT* QsbEntryMemoryC::Keep(const void* pEntries, std::size_t nEntries
 char* QsbEntryMemoryC::Take(std::size_t nBytes)
 {
     if (nBytes > m_nFree) {
-        if (nBytes > s_nLargestInCompany) {
-            m_vecSmall.emplace_back(new char[nBytes]);
-            return m_vecSmall.back().get();
-        }
+        if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
         if (m_pFree == nullptr) {
-            m_vecSmall.emplace_back(new char[s_nLargestInCompany]);
-            m_pFree = m_vecSmall.back().get();
+            m_pFree = TakeAlone(s_nLargestInCompany);
             m_nFree = s_nLargestInCompany;
         } else {
             m_vecLarge.push_back(MakeLargeMemory());
@@ -175,6 +171,13 @@ char* QsbEntryMemoryC::Take(std::size_t nBytes)
     }
     m_nFree -= nBytes;
     return std::exchange(m_pFree, m_pFree + nBytes);
+}
+
+char* QsbEntryMemoryC::TakeAlone(std::size_t nBytes)
+{
+    std::unique_ptr<char[]> pBytes(new char[nBytes]); // which stay as they are
+    m_vecSmall.push_back(std::move(pBytes));
+    return m_vecSmall.back().get();
 }
 
 void QsbEntryMemoryC::Clear() noexcept
@@ -233,7 +236,6 @@ bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
     }
     if (!HasRoomFor(0)) return false;
     Append(ullOffset, uiId, 0, nullptr, QsbBlockC::s_ullSealed);
-    m_ullMemory += MemoryOf(0);
     if (ullRunLength > 1) LengthenLast(ullRunLength - 1);
     return true;
 }
@@ -259,6 +261,7 @@ QsbBlockC& QsbBlockListC::IsolateLast()
     const std::uint64_t ullOffset = last.GetEndOffset() - QsbFormat::s_nBlockHeadBytes;
     const std::uint64_t ullFlags = last.IsSealed() ? QsbBlockC::s_ullSealed : 0;
     QsbBlockC& record = m_oRecords.emplace_back(ullOffset, last.m_uiId, std::uint32_t{0}, nullptr, ullFlags);
+    m_ullMemory += MemoryOf(0);
     last.SetRunLength(last.GetRunLength() - 1);
     return record;
 }
@@ -266,7 +269,7 @@ QsbBlockC& QsbBlockListC::IsolateLast()
 void QsbBlockListC::RemoveLast()
 {
     const QsbBlockC& last = IsolateLast();
-    m_ullMemory -= std::min(m_ullMemory, MemoryOf(last.GetEntryCount()));
+    m_ullMemory -= MemoryOf(last.HasSharedEntries() ? last.GetEntryCount() : 0);
     m_oRecords.pop_back();
     --m_ullCount;
     if (!m_oRuns.empty() && m_oRuns.back().nRecord == m_oRecords.size()) m_oRuns.pop_back();

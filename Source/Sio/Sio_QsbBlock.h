@@ -140,6 +140,9 @@ private:
     }
 
     bool HasEntries() const noexcept { return !HasFlag(s_ullRun) && m_ullRest > s_ullFlags; }
+
+    /// Whether its entries lie in memory that the list owns: they were read, and none was added since.
+    bool HasSharedEntries() const noexcept { return HasEntries() && GetEntries()->uiCapacity == 0; }
     QsbEntryArrayT* GetEntries() const noexcept
     {
         return reinterpret_cast<QsbEntryArrayT*>(static_cast<std::uintptr_t>(m_ullRest & ~s_ullFlags));
@@ -166,6 +169,7 @@ public:
 
 private:
     char* Take(std::size_t nBytes);
+    char* TakeAlone(std::size_t nBytes);
 
     std::vector<LargeMemoryT> m_vecLarge;
     std::vector<std::unique_ptr<char[]>> m_vecSmall; ///< the first ones, and those that have many entries
@@ -232,7 +236,7 @@ public:
         if (!HasRoomFor(nEntries)) return false;
         QsbEntryArrayT* const pKept = nEntries != 0 ? m_oEntryMemory.Keep(pEntries, nEntries) : nullptr;
         Append(ullOffset, uiId, uiDataBytes, pKept, QsbBlockC::s_ullSealed);
-        m_ullMemory += MemoryOf(nEntries);
+        m_ullMemory += MemoryOf(nEntries) - MemoryOf(0);
         return true;
     }
 
@@ -268,6 +272,7 @@ private:
         if (uiId < s_nWatchedIds && m_allFirst[uiId] < 0)
             m_allFirst[uiId] = static_cast<std::int64_t>(m_ullCount);
         ++m_ullCount;
+        m_ullMemory += MemoryOf(0);
         return record;
     }
 
@@ -288,7 +293,7 @@ private:
     RecordsT m_oRecords;
     StableListT<RunT> m_oRuns; ///< in the order of the file
     std::uint64_t m_ullCount = 0;
-    std::uint64_t m_ullMemory = 0; ///< what the records and entries read from a file take, about
+    std::uint64_t m_ullMemory = 0; ///< what all records and the entries read from a file take, at the most
     /// The first blocks with the small identifiers, which point clouds have: with a million blocks it takes
     /// long to look for one.
     std::array<std::int64_t, s_nWatchedIds> m_allFirst = {-1, -1, -1, -1};

@@ -17,7 +17,8 @@ boost::shared_array<char> MakeBuffer(std::size_t nBytes)
 {
     SIO::CacheLineAllocatorT<char> allocator;
     const auto free = [allocator, nBytes](char* pBytes) mutable { allocator.deallocate(pBytes, nBytes); };
-    return boost::shared_array<char>(allocator.allocate(std::max<std::size_t>(nBytes, 1)), free);
+    // Every batch counts its use, so the count has a line of its own as well.
+    return boost::shared_array<char>(allocator.allocate(std::max<std::size_t>(nBytes, 1)), free, allocator);
 }
 
 } // namespace

@@ -21,6 +21,7 @@ class StableListT
 {
     static constexpr std::size_t s_nFirstItems = 64;
     static constexpr std::size_t s_nPieceItems = s_nLargeMemoryBytes / sizeof(T);
+    static_assert(s_nPieceItems > 0 && alignof(T) <= s_nLargeMemoryBytes, "an item lies in one piece");
 
     /// By index, so that it stays valid as long as its item does.
     template<typename ListT, typename ItemT>

@@ -42,6 +42,9 @@ constexpr char s_szEndOfFile[] = "End-of-file";
 constexpr char s_szReadFailed[] = "QsbReader:Read: Failed to read points.";
 constexpr char s_szNoMemory[] = "QsbReader: Out of memory.";
 
+/// In cache lines of its own, since every operation sets it.
+using MessageT = std::basic_string<char, std::char_traits<char>, SIO::CacheLineAllocatorT<char>>;
+
 // The batch is decoded into the reader core's records and handed out as the exported ones.
 static_assert(sizeof(QsbPoint) == sizeof(SIO::QsbPointC) && alignof(QsbPoint) == alignof(SIO::QsbPointC));
 static_assert(std::is_standard_layout_v<QsbPoint> && std::is_standard_layout_v<SIO::QsbPointC>);
@@ -116,7 +119,7 @@ struct alignas(SIO::s_nCacheLineBytes) QsbReader::State
     void SetOpenError(BSS::ResultCodeT code, const char* suffix)
     {
         strMessage = s_szOpenError;
-        strMessage += std::to_string(static_cast<std::int32_t>(code));
+        strMessage += std::to_string(static_cast<std::int32_t>(code)).c_str();
         strMessage += suffix;
     }
 
@@ -131,7 +134,7 @@ struct alignas(SIO::s_nCacheLineBytes) QsbReader::State
         return 0;
     }
 
-    std::string strMessage; ///< never grows beyond what it has room for, so setting it cannot fail
+    MessageT strMessage; ///< never grows beyond what it has room for, so setting it cannot fail
     SIO::QsbReaderC oReader;
     std::uint32_t uiContentFlags = 0;
 };
