@@ -117,6 +117,8 @@ bool QsbC::Close()
         m_strPath.clear();
     }
     m_oBlocks.Clear();
+    m_pEncodeBytes.reset();
+    m_nEncodeBytes = 0;
     m_bRead = m_bWrite = false;
     m_ullSession = 0;
     return bWritten;

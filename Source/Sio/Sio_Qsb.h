@@ -13,7 +13,9 @@
 #include "Sio/Sio_StreamWindow.h"
 
 #include <boost/filesystem/path.hpp>
+#include <cstddef>
 #include <cstdio>
+#include <memory>
 
 namespace SIO {
 
@@ -103,6 +105,7 @@ private:
     bool DropLastBlockAndReopen(const boost::filesystem::path& path);
     bool EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& definition,
                     QsbPointSourceI& source, std::uint32_t uiPoints);
+    char* EncodeBuffer(std::size_t nBytes);
     QsbBlockC* BlockOf(const QsbStrategyDataC& data) noexcept;
     bool IsLastBlock(std::int64_t llBlockIndex) const noexcept;
     bool SeekToWrite(std::uint64_t ullOffset);
@@ -114,6 +117,8 @@ private:
     std::FILE* m_pStream = nullptr;
     StreamWindowC m_oWindow; ///< on the stream, for reading
     QsbBlockListC m_oBlocks;
+    std::unique_ptr<char[]> m_pEncodeBytes; ///< kept from batch to batch until the file is closed
+    std::size_t m_nEncodeBytes = 0;
     std::uint64_t m_ullSession = 0; ///< tells this opening of a file from every other one of the process
 };
 
