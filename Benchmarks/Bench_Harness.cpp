@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <sys/resource.h>
 
 namespace Bench {
 
@@ -53,7 +54,13 @@ double ThreadSeconds()
 {
     timespec time = {};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    rusage children = {};
+    getrusage(RUSAGE_CHILDREN, &children);
+    const auto seconds = [](const timeval& t) {
+        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
+    };
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9 +
+           seconds(children.ru_utime) + seconds(children.ru_stime);
 }
 
 void RunInterleaved(std::vector<CandidateT>& candidates, int nRounds)

@@ -26,6 +26,8 @@ struct CandidateT
 
 double MedianOf(std::vector<double> values);
 double ClockSeconds();
+
+/// Processor time of this thread and of the programs that it ran and waited for.
 double ThreadSeconds();
 
 /// Runs every candidate once to warm up and then `nRounds` times, interleaved.

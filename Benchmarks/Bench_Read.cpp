@@ -22,7 +22,8 @@ struct WantedT
     double dVirtual;
 };
 
-constexpr WantedT s_aWanted[] = {{0.70, 0.50, 5}, {0.85, 0.70, 5}, {0.62, 0.48, 0}, {0, 0, 3}, {0, 0, 3}, {0, 0, 3}};
+constexpr WantedT s_aWanted[] = {{0.70, 0.50, 5}, {0.85, 0.70, 5}, {0.62, 0.48, 0},
+                                 {0, 0, 3},       {0, 0, 3},       {0, 0, 3}};
 
 void Expect(const LayoutT& layout, const WantedT& wanted, const std::vector<CandidateT>& candidates)
 {
@@ -31,7 +32,8 @@ void Expect(const LayoutT& layout, const WantedT& wanted, const std::vector<Cand
     const CandidateT& avx2 = candidates[2];
     const CandidateT& baseline = candidates[3];
     const CandidateT& oneByOne = candidates[4];
-    if (wanted.dAvx2 > 0) ExpectAtLeast(strName + ", AVX2 of the copy limit", SpeedOf(avx2, limit), wanted.dAvx2);
+    if (wanted.dAvx2 > 0)
+        ExpectAtLeast(strName + ", AVX2 of the copy limit", SpeedOf(avx2, limit), wanted.dAvx2);
     if (wanted.dBaseline > 0)
         ExpectAtLeast(strName + ", SSE2 of the copy limit", SpeedOf(baseline, limit), wanted.dBaseline);
     if (wanted.dVirtual > 0)

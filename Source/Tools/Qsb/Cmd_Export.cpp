@@ -50,8 +50,10 @@ FileKindT KindOf(const ExportOptionsC& options)
     if (options.strFormat == "raw") return FileKindT::Raw;
     const FileKindT eKind = FileKindOf(options.oCommon.strOutput);
     if (eKind != FileKindT::Unknown) return eKind;
-    throw ToolErrorC(s_iUsage, fmt::format("{}: its name tells no form; end it in .ply, .csv, .json or .bin, or use --format",
-                                           options.oCommon.strOutput));
+    throw ToolErrorC(
+        s_iUsage,
+        fmt::format("{}: its name tells no form; end it in .ply, .csv, .json or .bin, or use --format",
+                    options.oCommon.strOutput));
 }
 
 /// The points first, so that a header or sidecar never names points that are not there.
@@ -87,10 +89,11 @@ ConversionReportC ReportOf(const ExportOptionsC& options, const ScanReaderC& rea
 
 [[noreturn]] void TellTorn(const ExportOptionsC& options, const ScanReaderC& reader, const ScanExportC& scan)
 {
-    throw ToolErrorC(s_iDamaged, fmt::format("{}: the data is torn; {} of {} points are readable, {}",
-                                             options.oCommon.strInput, scan.GetHeader().ullPoints,
-                                             reader.GetNumberOfPoints(),
-                                             options.oCommon.bStrict ? "nothing was written" : "these were exported"));
+    throw ToolErrorC(s_iDamaged,
+                     fmt::format("{}: the data is torn; {} of {} points are readable, {}",
+                                 options.oCommon.strInput, scan.GetHeader().ullPoints,
+                                 reader.GetNumberOfPoints(),
+                                 options.oCommon.bStrict ? "nothing was written" : "these were exported"));
 }
 
 int Export(const ExportOptionsC& options)
@@ -108,16 +111,15 @@ int Export(const ExportOptionsC& options)
 
     const auto poSink = MakeSink(eKind, outputs, scan.GetHeader(), ScanName(options.oCommon.strOutput));
     ProgressC progress("exporting", scan.GetHeader().ullPoints, options.oCommon.bQuiet);
-    std::vector<std::vector<double>> columns;
-    while (const std::size_t nPoints = scan.Read(columns)) {
-        poSink->Write(columns, nPoints);
+    while (const std::size_t nPoints = scan.Forward(*poSink)) {
         progress.Advance(nPoints);
         StopIfInterrupted();
     }
     poSink->Finish();
     const ConversionReportC report = ReportOf(options, reader, scan);
     RefuseLoss(options.oCommon, report);
-    for (const auto& poOutput : outputs) poOutput->Commit();
+    for (const auto& poOutput : outputs)
+        poOutput->Commit();
     PrintConversion(options.oCommon, report);
     if (scan.IsTorn()) TellTorn(options, reader, scan);
     return s_iDone;
@@ -130,7 +132,8 @@ void AddExport(CLI::App& app, VerbActionT& action)
     auto options = std::make_shared<ExportOptionsC>();
     CLI::App& verb = *app.add_subcommand("export", "Write a scan's points as PLY, CSV or in the raw form");
     verb.add_option("IN", options->oCommon.strInput, "Scan file")->required();
-    verb.add_option("OUT", options->oCommon.strOutput, "File to write: .ply, .csv, or .json or .bin of the raw form")
+    verb.add_option("OUT", options->oCommon.strOutput,
+                    "File to write: .ply, .csv, or .json or .bin of the raw form")
         ->required();
     verb.add_option("--format", options->strFormat, "Form to write, whatever the name says")
         ->check(CLI::IsMember({"auto", "ply", "csv", "raw"}))

@@ -24,7 +24,8 @@ OutputStreamC::OutputStreamC(const OutputFileC& file)
       m_pStream(BSS::HAL::OpenStream(BSS::HAL::WidePath(file.GetTemporaryPath()), "wb"), &std::fclose)
 {
     if (!m_pStream) {
-        throw ToolErrorC(s_iFailed, fmt::format("{}: cannot be written; may you write to its folder?", m_strTarget));
+        throw ToolErrorC(s_iFailed,
+                         fmt::format("{}: cannot be written; may you write to its folder?", m_strTarget));
     }
     std::setbuf(m_pStream.get(), nullptr);
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Writes a file in large pieces. ToolErrorC with s_iFailed when the system does not take them. One thread at a time.
+// Writes a file in large pieces. ToolErrorC with s_iFailed when the system does not take them. One thread at
+// a time.
 #pragma once
 
 #include <cstdio>

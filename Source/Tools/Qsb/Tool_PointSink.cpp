@@ -9,6 +9,7 @@
 #include "Tools/Qsb/Tool_PlyHeader.h"
 
 #include <fmt/format.h>
+#include <stdexcept>
 
 namespace Tool {
 
@@ -35,8 +36,19 @@ public:
 
     void Write(const ColumnsT& columns, std::size_t nPoints) override
     {
-        AppendRecords(m_oStream.Buffer(), m_oHeader, columns, nPoints);
+        Tool::AppendRecords(m_oStream.Buffer(), m_oHeader, columns, nPoints);
         m_oStream.Written();
+    }
+
+    bool TakesRecords() const override { return true; }
+
+    char* AppendRecords(std::size_t nPoints) override
+    {
+        m_oStream.Written(); // the records of the last call
+        std::string& bytes = m_oStream.Buffer();
+        const std::size_t nOffset = bytes.size();
+        bytes.resize(nOffset + nPoints * m_oHeader.GetRecordBytes());
+        return bytes.data() + nOffset;
     }
 
     void Finish() override { m_oStream.Close(); }
@@ -52,7 +64,8 @@ public:
     CsvSinkC(const OutputFileC& file, const RawHeaderC& header) : m_oHeader(header), m_oStream(file)
     {
         std::string& text = m_oStream.Buffer();
-        for (const SourceFieldC& field : header.vecFields) text.append(text.empty() ? "" : ",").append(field.strName);
+        for (const SourceFieldC& field : header.vecFields)
+            text.append(text.empty() ? "" : ",").append(field.strName);
         text += '\n';
     }
 
@@ -88,6 +101,11 @@ std::string PlyHeaderText(const RawHeaderC& header)
 
 } // namespace
 
+char* PointSinkI::AppendRecords(std::size_t)
+{
+    throw std::logic_error("this form has no records");
+}
+
 void AppendRecords(std::string& bytes, const RawHeaderC& header, const ColumnsT& columns, std::size_t nPoints)
 {
     const std::size_t nRecordBytes = header.GetRecordBytes();
@@ -105,15 +123,15 @@ std::unique_ptr<PointSinkI> MakePlySink(const OutputFileC& file, const RawHeader
     return std::make_unique<RecordSinkC>(file, header, PlyHeaderText(header));
 }
 
-std::unique_ptr<PointSinkI> MakeCsvSink(const OutputFileC& table, const OutputFileC& sidecar, const RawHeaderC& header,
-                                        const std::string& name)
+std::unique_ptr<PointSinkI> MakeCsvSink(const OutputFileC& table, const OutputFileC& sidecar,
+                                        const RawHeaderC& header, const std::string& name)
 {
     WriteWhole(sidecar, SidecarText(header, name));
     return std::make_unique<CsvSinkC>(table, header);
 }
 
-std::unique_ptr<PointSinkI> MakeRawSink(const OutputFileC& data, const OutputFileC& jsonHeader, const RawHeaderC& header,
-                                        const std::string& name)
+std::unique_ptr<PointSinkI> MakeRawSink(const OutputFileC& data, const OutputFileC& jsonHeader,
+                                        const RawHeaderC& header, const std::string& name)
 {
     WriteWhole(jsonHeader, RawHeaderText(header, name));
     return std::make_unique<RecordSinkC>(data, header, "");

@@ -4,6 +4,8 @@
 // Points to columns, and the account.
 #include "Tools/Qsb/Tool_ScanExport.h"
 
+#include "Tools/Qsb/Tool_PointSink.h"
+
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
@@ -24,6 +26,7 @@ ScanExportC::ScanExportC(ScanReaderC& reader, const ExportChoicesC& choices)
 {
     ChooseFields(choices);
     PrepareHeader();
+    PrepareMoves();
 }
 
 void ScanExportC::ChooseFields(const ExportChoicesC& choices)
@@ -36,8 +39,22 @@ void ScanExportC::ChooseFields(const ExportChoicesC& choices)
         const bool bMapped = m_bApplyPose && IsPosition(eValue);
         const NumberTypeT eSource = bMapped ? NumberTypeT::Double : eStored;
         const NumberTypeT eWritten = IsPosition(eValue) ? choices.oPosition.value_or(eSource) : eStored;
-        m_vecFields.push_back({eValue, eStored, ValueConversionC(eSource, eWritten)});
+        const std::size_t nOffset =
+            m_rReader.GetOffsetOf(KindOf(eValue)) + IndexInElement(eValue) * SizeOf(eStored);
+        m_vecFields.push_back({eValue, eStored, ValueConversionC(eSource, eWritten), nOffset});
         m_oHeader.vecFields.push_back({std::string(NameOf(eValue)), eWritten});
+    }
+}
+
+void ScanExportC::PrepareMoves()
+{
+    m_bKeepsBytes =
+        !m_bApplyPose && std::all_of(m_vecFields.begin(), m_vecFields.end(),
+                                     [](const FieldT& field) { return field.oConversion.KeepsBytes(); });
+    std::size_t nTarget = 0;
+    for (const FieldT& field : m_vecFields) {
+        m_oMoves.Add(field.nOffset, nTarget, SizeOf(field.eStored));
+        nTarget += SizeOf(field.eStored);
     }
 }
 
@@ -78,6 +95,26 @@ std::size_t ScanExportC::Read(std::vector<std::vector<double>>& columns)
         m_vecFields[i].oConversion.Convert(columns[i]);
     }
     return m_vecPoints.size();
+}
+
+std::size_t ScanExportC::Forward(PointSinkI& sink)
+{
+    if (m_bKeepsBytes && sink.TakesRecords()) return ForwardStored(sink);
+    const std::size_t nPoints = Read(m_vecColumns);
+    if (nPoints != 0) sink.Write(m_vecColumns, nPoints);
+    return nPoints;
+}
+
+std::size_t ScanExportC::ForwardStored(PointSinkI& sink)
+{
+    if (m_ullRead == m_oHeader.ullPoints) return 0; // As in Read.
+    const ScanReaderC::StoredT stored = m_rReader.ReadStored();
+    m_ullRead += stored.nPoints;
+    char* const pRecords = sink.AppendRecords(stored.nPoints);
+    m_oMoves.Move(stored.pFirst, stored.nStride, pRecords, m_oHeader.GetRecordBytes(), stored.nPoints);
+    for (FieldT& field : m_vecFields)
+        field.oConversion.NoteKept(stored.pFirst + field.nOffset, stored.nStride, stored.nPoints);
+    return stored.nPoints;
 }
 
 void ScanExportC::AddTo(ConversionReportC& report) const
