@@ -11,6 +11,7 @@
 #include "Tools/Qsb/Tool_ScanExport.h"
 #include "Tools/TinyScan.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -101,6 +102,25 @@ protected:
         return bytes + Report(scan);
     }
 
+    /// The records as the virtual calls of the point definition decode them.
+    std::string PointByPoint()
+    {
+        ScanReaderC reader(Path());
+        const Tool::RawHeaderC header = ScanExportC(reader, {}).GetHeader();
+        const std::vector<Tool::ScanPointC> points = Support::ReadScan(Path());
+        std::vector<std::vector<double>> columns(header.vecFields.size());
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            const auto& names = Tool::s_astrScanValueNames;
+            const auto name = std::find(names.begin(), names.end(), header.vecFields[i].strName);
+            for (const Tool::ScanPointC& point : points)
+                columns[i].push_back(
+                    Tool::ValueIn(point, static_cast<Tool::ScanValueT>(name - names.begin())));
+        }
+        std::string bytes;
+        Tool::AppendRecords(bytes, header, columns, points.size());
+        return bytes;
+    }
+
     static std::string Report(const ScanExportC& scan)
     {
         Tool::ConversionReportC report("export", "in", "out");
@@ -151,6 +171,7 @@ TEST_F(ScanExport, RecordsAreTheSameMovedAndThroughNumbersForEveryFormat)
                     Support::WriteScan(Path(), points, 3, 3, format);
                     const std::string moved = Moved();
                     EXPECT_NE(moved.find("are not finite"), std::string::npos);
+                    EXPECT_EQ(moved.rfind(PointByPoint(), 0), 0u);
                     EXPECT_TRUE(moved == ThroughNumbers()) << uiPosition << " " << uiIntensity << " "
                                                            << uiNoise << " " << uiGrid << " " << uiColor;
                 }
@@ -170,6 +191,7 @@ TEST_F(ScanExport, OfSeveralElementsOfAKindTheLastOneIsMoved)
     Support::WriteAll(Path(), std::string(bytes.begin(), bytes.end()));
     const std::string moved = Moved();
     EXPECT_EQ(moved.substr(12, 2), "\x34\x12");
+    EXPECT_EQ(moved.rfind(PointByPoint(), 0), 0u);
     EXPECT_EQ(moved, ThroughNumbers());
 }
 

@@ -77,24 +77,31 @@ void ScanExportC::PrepareHeader()
 
 std::size_t ScanExportC::Read(std::vector<std::vector<double>>& columns)
 {
-    // Whether there are points beyond the readable ones is known, so the reader need not stumble over it.
-    m_vecPoints.clear();
-    if (m_ullRead < m_oHeader.ullPoints) m_rReader.Read(m_vecPoints);
-    m_ullRead += m_vecPoints.size();
-    if (m_bApplyPose) {
-        const GMAT::Matrix4C& pose = m_rReader.GetInfo().oTransformation;
-        for (ScanPointC& point : m_vecPoints)
-            GMAT::TransformPosition(pose, point.x, point.y, point.z);
-    }
+    const ScanReaderC::StoredT stored = ReadStored();
     columns.resize(m_vecFields.size());
     for (std::size_t i = 0; i < m_vecFields.size(); ++i) {
-        columns[i].resize(m_vecPoints.size());
-        const ScanValueT eValue = m_vecFields[i].eValue;
-        for (std::size_t j = 0; j < m_vecPoints.size(); ++j)
-            columns[i][j] = ValueIn(m_vecPoints[j], eValue);
-        m_vecFields[i].oConversion.Convert(columns[i]);
+        columns[i].resize(stored.nPoints);
+        LoadNumbers(m_vecFields[i].eStored, false, stored.pFirst + m_vecFields[i].nOffset, stored.nStride,
+                    stored.nPoints, columns[i].data());
     }
-    return m_vecPoints.size();
+    if (m_bApplyPose) {
+        const GMAT::Matrix4C pose = m_rReader.GetInfo().oTransformation;
+        // Every scan has positions, and they are its first fields.
+        for (std::size_t i = 0; i < stored.nPoints; ++i)
+            GMAT::TransformPosition(pose, columns[0][i], columns[1][i], columns[2][i]);
+    }
+    for (std::size_t i = 0; i < m_vecFields.size(); ++i)
+        m_vecFields[i].oConversion.Convert(columns[i]);
+    return stored.nPoints;
+}
+
+ScanReaderC::StoredT ScanExportC::ReadStored()
+{
+    // Whether there are points beyond the readable ones is known, so the reader need not stumble over it.
+    if (m_ullRead == m_oHeader.ullPoints) return {};
+    const ScanReaderC::StoredT stored = m_rReader.ReadStored();
+    m_ullRead += stored.nPoints;
+    return stored;
 }
 
 std::size_t ScanExportC::Forward(PointSinkI& sink)
@@ -107,9 +114,8 @@ std::size_t ScanExportC::Forward(PointSinkI& sink)
 
 std::size_t ScanExportC::ForwardStored(PointSinkI& sink)
 {
-    if (m_ullRead == m_oHeader.ullPoints) return 0; // As in Read.
-    const ScanReaderC::StoredT stored = m_rReader.ReadStored();
-    m_ullRead += stored.nPoints;
+    const ScanReaderC::StoredT stored = ReadStored();
+    if (stored.nPoints == 0) return 0;
     char* const pRecords = sink.AppendRecords(stored.nPoints);
     m_oMoves.Move(stored.pFirst, stored.nStride, pRecords, m_oHeader.GetRecordBytes(), stored.nPoints);
     for (FieldT& field : m_vecFields)

@@ -61,6 +61,7 @@ private:
     void ChooseFields(const ExportChoicesC& choices);
     void PrepareHeader();
     void PrepareMoves();
+    ScanReaderC::StoredT ReadStored();
     std::size_t ForwardStored(PointSinkI& sink);
     void AddScanHeader(ConversionReportC& report) const;
     void AddWhatIsHidden(ConversionReportC& report) const;
@@ -70,7 +71,6 @@ private:
     std::vector<FieldT> m_vecFields;
     RawHeaderC m_oHeader;
     std::uint64_t m_ullRead = 0;
-    std::vector<ScanPointC> m_vecPoints;
     std::vector<std::vector<double>> m_vecColumns;
     RecordMovesC m_oMoves;
     bool m_bKeepsBytes = false; ///< every field is written as it is stored, so that its bytes can be moved
