@@ -58,8 +58,10 @@ void CopyAndWrite(const std::string& strPath, std::size_t nRecordBytes, const st
 }
 
 /// Encodes as many points as are written, a batch at a time over the same memory.
-void Encode(const LayoutT& layout, const std::vector<QsbPointC>& points, QsbInstructionSetT eSet)
+void Encode(const LayoutT& layout, const std::vector<QsbPointC>& points, QsbInstructionSetT eAsked)
 {
+    SetInstructionSet(eAsked);
+    const QsbInstructionSetT eSet = GetInstructionSet(); // the machine may have less
     PointDefinitionC definition;
     layout.Define(definition);
     const QsbEncodePlanC plan(definition);
