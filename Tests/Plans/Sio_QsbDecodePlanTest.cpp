@@ -138,8 +138,8 @@ TEST(QsbDecodePlan, WritesNoByteOfAbsentElementsOrOfAlignment)
             const std::vector<bool> written = WrittenBytes(layout);
             for (const QsbInstructionSetT eSet : PlanSets()) {
                 const ExactBytesC target(strBefore.data(), strBefore.size(), 8);
-                QsbDecodePlanC(definition).Decode(stored.data(), s_nMostPoints, Matrices()[1], RecordsIn(target),
-                                                  eSet);
+                QsbDecodePlanC(definition)
+                    .Decode(stored.data(), s_nMostPoints, Matrices()[1], RecordsIn(target), eSet);
                 for (std::size_t i = 0; i < strBefore.size(); ++i) {
                     ASSERT_TRUE(written[i % sizeof(QsbPointC)] || target.Get()[i] == strBefore[i])
                         << layout.Name() << ", byte " << i << ", set " << static_cast<int>(eSet);
