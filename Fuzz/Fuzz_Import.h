@@ -6,6 +6,7 @@
 #pragma once
 
 #include "Tools/Qsb/Tool_Error.h"
+#include "Tools/Qsb/Tool_Json.h"
 #include "Tools/Qsb/Tool_Report.h"
 #include "Tools/Qsb/Tool_ScanImport.h"
 #include "Tools/Qsb/Tool_ScanInput.h"

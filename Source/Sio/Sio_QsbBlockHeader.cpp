@@ -42,14 +42,18 @@ class ElementCollectorC
 public:
     explicit ElementCollectorC(bool bApplyTransformation) : m_bApplyTransformation(bApplyTransformation) {}
 
-    bool IsFull() const { return m_vecElements.size() >= s_nMaxPointElements; }
-
-    void Add(std::uint32_t kind, std::uint32_t typeCode)
+    /// False when there would be more elements than a point may have. Those that cannot be made do not count.
+    bool Add(std::uint32_t kind, std::uint32_t typeCode)
     {
-        if (!PointDefinitionC::CanCreateElement(kind, typeCode) && ++m_nFailed > s_nReportedElements) return;
+        if (!PointDefinitionC::CanCreateElement(kind, typeCode)) {
+            if (++m_nFailed > s_nReportedElements) return true;
+        } else if (m_vecElements.size() >= s_nMaxPointElements) {
+            return false;
+        }
         auto pPointDef = PointDefinitionC::CreateElement(kind, typeCode, m_bApplyTransformation);
         BSS_ASSERT(0 != pPointDef);
         if (pPointDef != nullptr) m_vecElements.push_back(std::move(pPointDef));
+        return true;
     }
 
     /// Hands the elements over sorted, since a container takes elements in order at no cost.
@@ -132,13 +136,12 @@ bool InterpretBlockHeader(const QsbBlockC& block, bool bApplyTransformation, Qsb
     if (!PointDefinitionC::CanCreateElement(PD_POSITION, uiPositionType)) return false;
 
     ElementCollectorC collector(bApplyTransformation);
-    collector.Add(PD_POSITION, uiPositionType);
+    (void)collector.Add(PD_POSITION, uiPositionType); // the first
     for (const QsbHeaderEntryC& entry : block) {
         const std::uint32_t tag = entry.GetTag();
         if (tag > s_uiTagColor) return false;
         if (tag > s_uiTagPosition) {
-            if (collector.IsFull()) return false;
-            collector.Add(KindOfTag(tag), entry.GetType());
+            if (!collector.Add(KindOfTag(tag), entry.GetType())) return false;
         } else {
             TakeHeaderValue(entry, data.m_oInfo);
         }

@@ -73,7 +73,8 @@ void StreamWindowC::Fill(std::size_t nWanted)
     }
     const std::size_t nTarget = std::min(std::max(m_nNextFill, nWanted), s_nLargest);
     const std::size_t nRead = std::fread(Bytes() + m_nFill, 1, nTarget - m_nFill, m_pStream);
-    m_bFailed = std::ferror(m_pStream) != 0;
+    // Not every C library marks a stream that may not be read as failed; but none as at its end.
+    m_bFailed = nRead < nTarget - m_nFill && std::feof(m_pStream) == 0;
     m_nFill += nRead;
     m_ullStreamAt += nRead;
     m_nNextFill = std::min(2 * nTarget, s_nLargest);

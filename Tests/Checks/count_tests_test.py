@@ -11,11 +11,12 @@ LAZY = '<testcase name="Waits" status="run" result="skipped" classname="Thing"><
 LEFT_OUT = '<testcase name="Away" status="notrun" result="suppressed" classname="Thing"/>'
 
 class CountTests(unittest.TestCase):
-    def run_on(self, ctest, reports=None, left_out="", environment=None):
-        """`ctest` maps entries to their state, `reports` executables to what they wrote."""
+    def run_on(self, ctest, reports=None, left_out="", environment=None, said=""):
+        """`ctest` maps entries, which all said `said`, to their state, `reports` executables to what they wrote."""
         with tempfile.TemporaryDirectory() as folder:
             root = pathlib.Path(folder)
-            entries = "".join(f'<testcase name="{name}" status="{status}"/>' for name, status in ctest.items())
+            entries = "".join(f'<testcase name="{name}" status="{status}"><system-out>{said}</system-out></testcase>'
+                              for name, status in ctest.items())
             (root / "ctest.xml").write_text(f"<testsuite>{entries}</testsuite>", encoding="utf-8")
             for name, cases in (reports or {}).items():
                 (root / f"{name}.xml").write_text(f"<testsuites><testsuite>{cases}</testsuite></testsuites>", encoding="utf-8")
@@ -41,6 +42,11 @@ class CountTests(unittest.TestCase):
 
     def test_an_executable_that_wrote_nothing_counts_as_its_entry(self):
         self.assertEqual(self.run_on({"all": "fail"})[0], 1)
+
+    def test_an_executable_whose_results_are_not_there_is_named(self):
+        code, output = self.run_on({"all": "run"}, said="[==========] Running 2 tests from 1 test suite.")
+        self.assertEqual(code, 1)
+        self.assertIn("all wrote no results", output)
 
     def test_an_executable_that_ran_nothing_is_named(self):
         code, output = self.run_on({"all": "run"}, {"all": LEFT_OUT})

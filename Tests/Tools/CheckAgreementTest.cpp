@@ -3,6 +3,7 @@
 //
 // Check finds an error exactly when the exported reader refuses the file or does not deliver every point: for
 // every way to spoil one byte, every length, and many ways to spoil several.
+#include "Sio/Sio_QsbBlockHeader.h"
 #include "Support/ScanFolder.h"
 #include "Tools/CheckTest.h"
 
@@ -183,6 +184,27 @@ TEST_F(CheckAgreement, OnMoreEntriesThanAReaderKeeps)
     Tool::FileInputC input(path);
     EXPECT_EQ(Found(Tool::CheckScan(input, false, [](std::uint64_t) {})), "error QSB-006");
     EXPECT_EQ(PointsDelivered(path), -1);
+}
+
+TEST_F(CheckAgreement, OfTheNumberOfElementsInAPoint)
+{
+    const auto scan = [](std::size_t nElements, std::uint32_t uiFurtherType) {
+        Support::QsbBytes file;
+        file.Block(1);
+        for (std::size_t i = 1; i < nElements; ++i)
+            file.Entry(5, 101, 2); // the positions are an element too
+        file.Entry(uiFurtherType, 102, 2);
+        return file.Get();
+    };
+    constexpr std::uint32_t uiUnknownType = 77;
+    constexpr std::size_t nMost = SIO::s_nMaxPointElements;
+    ASSERT_TRUE(Find(Check(scan(nMost, 5)), "QSB-220"));
+    ASSERT_FALSE(Find(Check(scan(nMost, uiUnknownType)), "QSB-220"));
+    Compare(scan(nMost - 1, 5), "the most elements");
+    Compare(scan(nMost, uiUnknownType), "the most elements and an unknown one");
+    EXPECT_EQ(m_nDamaged, 0);
+    Compare(scan(nMost, 5), "one element too many");
+    EXPECT_EQ(m_nDamaged, 1);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 
 #include <algorithm>
+#include <system_error>
 #include <windows.h>
 
 namespace Support {
@@ -62,7 +63,9 @@ int RunProgram(const std::vector<std::string>& command, const std::array<std::st
     start.hStdOutput = out.Get();
     start.hStdError = err.Get();
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) return -1;
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "CreateProcess");
+    }
     WaitForSingleObject(process.hProcess, INFINITE);
     DWORD code = 0;
     GetExitCodeProcess(process.hProcess, &code);

@@ -4,16 +4,20 @@
 // qsb synth: what is in the files it writes, and how the command behaves.
 #include "Support/Files.h"
 #include "Support/TemporaryDirectory.h"
+#include "Tools/Qsb/Cmd_Render.h"
 #include "Tools/Qsb/Cmd_Synth.h"
 #include "Tools/Qsb/Synth_Scanner.h"
 #include "Tools/Qsb/Tool_Encodings.h"
 #include "Tools/Qsb/Tool_Error.h"
+#include "Tools/Qsb/Tool_Interrupt.h"
 #include "Tools/RunQsb.h"
 #include "Tools/TinyScan.h"
 #include "Tools/VerbRun.h"
 
 #include <ScanReader/QsbReader.h>
 #include <cmath>
+#include <csignal>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -77,7 +81,6 @@ TEST_F(Synth, AnotherSeedGivesAnotherFile)
 
 TEST_F(Synth, EveryCombinationOfEncodingsIsWrittenAndReadBack)
 {
-    const SynthScannerC scanner({12, 24, 1, 0.0005, {}});
     std::size_t nCombinations = 0;
     for (const std::string& position : EncodingNames(SIO::PD_POSITION)) {
         for (const std::string& intensity : EncodingNames(SIO::PD_INTENSITY)) {
@@ -347,6 +350,32 @@ TEST_F(Synth, JsonSaysWhatWasWrittenAndNothingElseIsOnStdout)
     EXPECT_EQ(json["elements"]["position"], "float");
     EXPECT_EQ(json["pose"].size(), 16u);
     EXPECT_EQ(json["instrument_height"], 1.65);
+}
+
+/// Works after an interrupt has come. The exit code, or another number when something is left behind.
+int WorkAfterAnInterrupt(void (*add)(CLI::App&, VerbActionT&), const std::string& input)
+{
+    const Support::TemporaryDirectory directory;
+    std::vector<std::string> arguments{input.empty() ? "synth" : "render", input, directory.Narrow("out")};
+    if (input.empty()) arguments.erase(arguments.begin() + 1);
+    CatchInterrupts();
+    (void)std::raise(SIGINT);
+    int iExitCode = 0;
+    try {
+        iExitCode = Support::RunVerb(add, arguments);
+    } catch (const ToolErrorC& error) {
+        iExitCode = error.GetExitCode();
+    }
+    return boost::filesystem::is_empty(directory.Path()) ? iExitCode : 99;
+}
+
+TEST(SynthDeathTest, AnInterruptEndsSynthAndRenderAndLeavesNoFile)
+{
+    const Support::TemporaryDirectory directory;
+    Support::WriteScan(directory.Narrow("scan.qsb"), {ScanPointC{1.0, 1.0, 1.0}});
+    EXPECT_EXIT(std::exit(WorkAfterAnInterrupt(AddSynth, "")), testing::ExitedWithCode(s_iInterrupted), "");
+    EXPECT_EXIT(std::exit(WorkAfterAnInterrupt(AddRender, directory.Narrow("scan.qsb"))),
+                testing::ExitedWithCode(s_iInterrupted), "");
 }
 
 TEST_F(Synth, QuietSaysNothing)

@@ -17,6 +17,7 @@ namespace Support {
 inline int RunVerb(void (*add)(CLI::App&, Tool::VerbActionT&), std::vector<std::string> arguments)
 {
     CLI::App app;
+    app.allow_windows_style_options(false); // as the command does
     Tool::VerbActionT action;
     add(app, action);
     std::reverse(arguments.begin(), arguments.end()); // The parser takes them from the back.

@@ -95,7 +95,8 @@ void CheckElement(const OptionsC& options, const ScanReaderC& reader)
                      fmt::format("{}: the points have no {}; choose another --by", options.input, missing));
 }
 
-ViewKindT ChooseView(const OptionsC& options, const SurveyC& survey, const GridC& grid)
+/// The view to take; why the grid is not used although there is one goes into `warning`.
+ViewKindT ChooseView(const OptionsC& options, const SurveyC& survey, const GridC& grid, std::string& warning)
 {
     if (options.view == "direction") return ViewKindT::Direction;
     if (options.view == "top") return ViewKindT::Top;
@@ -108,8 +109,7 @@ ViewKindT ChooseView(const OptionsC& options, const SurveyC& survey, const GridC
     if (options.view == "grid") {
         throw ToolErrorC(s_iFailed, fmt::format("{}: {}; choose another --view", options.input, problem));
     }
-    if (grid.rows != 0 && !options.bQuiet)
-        fmt::print(stderr, "{}: {}; it is not used\n", options.input, problem);
+    if (grid.rows != 0) warning = problem + "; it is not used";
     return survey.OriginIsStation() ? ViewKindT::Direction : ViewKindT::Top;
 }
 
@@ -179,56 +179,62 @@ const char* NameOf(ViewKindT eView)
 }
 
 /// The second pass, and the picture's file.
-RenderReportC MakePicture(const OptionsC& options, ScanReaderC& reader, ProgressC& progress,
-                          const ViewI& view, const OutputFileC& output)
+void MakePicture(ScanReaderC& reader, ProgressC& progress, const ViewI& view, const OutputFileC& output,
+                 RenderReportC& report)
 {
-    RenderReportC report;
     PictureC picture(view.GetSize());
     reader.Rewind();
     // What damage there is, the first pass has told.
     (void)ForEachBatch(reader, progress,
-                       [&](const auto& points) { Draw(options.by, view, points, picture, report); });
-    const ToneC tone(ToneOf(options.by), picture);
+                       [&](const auto& points) { Draw(report.strBy, view, points, picture, report); });
+    const ToneC tone(ToneOf(report.strBy), picture);
     WritePicture(output, picture, tone, view.GetZoom());
     report.oSize = {view.GetSize().uiWidth * view.GetZoom(), view.GetSize().uiHeight * view.GetZoom()};
     report.ullPixelsFilled = picture.CountFilled();
     report.dShownFrom = tone.GetLow();
     report.dShownTo = tone.GetHigh();
     report.strOrientation = view.Describe();
+}
+
+RenderReportC RenderScan(const OptionsC& options)
+{
+    RenderReportC report;
+    report.strFile = options.input;
+    report.strPicture = options.output;
+    report.strBy = options.by;
+    ScanReaderC reader(options.input);
+    OutputFileC output(options.output, options.bOverwrite, {options.input});
+    CheckElement(options, reader);
+
+    const GridC grid = GridOf(reader);
+    ProgressC progress("rendering", 2 * reader.GetNumberOfPoints(), options.bQuiet);
+    SurveyC survey(grid.rows, grid.columns);
+    report.strDamage = ForEachBatch(reader, progress, [&](const auto& points) { survey.Take(points); });
+    report.ullInvalidPosition = survey.GetInvalid();
+    CheckSomethingToSee(options, survey.GetPoints(), report.strDamage);
+    const ViewKindT eView = ChooseView(options, survey, grid, report.strWarning);
+    report.strView = NameOf(eView);
+    if (eView != ViewKindT::Top)
+        CheckSomethingToSee(options, survey.GetPoints() - survey.GetAtOrigin(), report.strDamage);
+
+    const auto view = MakeView(eView, survey, grid.rows, grid.columns, options.uiWidth);
+    MakePicture(reader, progress, *view, output, report);
+    output.Commit();
     return report;
 }
 
 int Render(const OptionsC& options)
 {
-    ScanReaderC reader(options.input);
-    OutputFileC output(options.output, options.bOverwrite, {options.input});
-    CheckElement(options, reader);
-    const GridC grid = GridOf(reader);
-    ProgressC progress("rendering", 2 * reader.GetNumberOfPoints(), options.bQuiet);
-    SurveyC survey(grid.rows, grid.columns);
-    const std::string damage =
-        ForEachBatch(reader, progress, [&](const auto& points) { survey.Take(points); });
-    CheckSomethingToSee(options, survey.GetPoints(), damage);
-    const ViewKindT eView = ChooseView(options, survey, grid);
-    if (eView != ViewKindT::Top)
-        CheckSomethingToSee(options, survey.GetPoints() - survey.GetAtOrigin(), damage);
-
-    const auto view = MakeView(eView, survey, grid.rows, grid.columns, options.uiWidth);
-    RenderReportC report = MakePicture(options, reader, progress, *view, output);
-    output.Commit();
-    report.strFile = options.input;
-    report.strPicture = options.output;
-    report.strBy = options.by;
-    report.strView = NameOf(eView);
-    report.ullInvalidPosition = survey.GetInvalid();
-    report.strDamage = damage;
+    const RenderReportC report = RenderScan(options);
+    if (!options.bQuiet && !report.strWarning.empty())
+        fmt::print(stderr, "{}: {}\n", options.input, report.strWarning);
     if (options.bJson) {
         PrintJson(JsonOf(report));
     } else if (!options.bQuiet) {
         PrintResult(TextOf(report));
     }
-    if (damage.empty()) return s_iDone;
-    throw ToolErrorC(s_iDamaged, damage + "; the picture shows these");
+    if (report.strDamage.empty()) return s_iDone;
+    throw ToolErrorC(s_iDamaged, report.strDamage + "; the picture shows these");
 }
 
 } // namespace

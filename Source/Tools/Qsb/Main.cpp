@@ -46,6 +46,7 @@ int Run(const Tool::VerbActionT& action)
 int main(int argc, char** argv)
 {
     CLI::App app{"Looks at, checks, makes and converts QSB scan files.", "qsb"};
+    app.allow_windows_style_options(false); // "/scans/a.qsb" is a file there too
     app.require_subcommand(1);
     Tool::VerbActionT action;
     Tool::AddInfo(app, action);

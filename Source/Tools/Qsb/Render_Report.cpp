@@ -43,6 +43,7 @@ JsonT JsonOf(const RenderReportC& report)
                         {"no_value", report.ullNoValue}};
     json["shown_from"] = bScalar ? JsonT(report.dShownFrom) : JsonT(nullptr);
     json["shown_to"] = bScalar ? JsonT(report.dShownTo) : JsonT(nullptr);
+    json["warning"] = report.strWarning.empty() ? JsonT(nullptr) : JsonT(report.strWarning);
     json["damage"] = report.strDamage.empty() ? JsonT(nullptr) : JsonT(report.strDamage);
     return json;
 }

@@ -24,7 +24,8 @@ struct RenderReportC
     std::uint64_t ullNoPlace = 0; ///< outside the grid or at the origin
     std::uint64_t ullNoValue = 0; ///< what was to be shown is NaN or an infinity
     double dShownFrom = 0.0, dShownTo = 0.0;
-    std::string strDamage; ///< why the file ends early; empty for a whole one
+    std::string strWarning; ///< empty when there is nothing to warn of
+    std::string strDamage;  ///< why the file ends early; empty for a whole one
 };
 
 /// A line for the picture and one for what is in it.

@@ -23,7 +23,7 @@ void Table(SceneBuilderC& b)
 
 void TableWare(SceneBuilderC& b)
 {
-    // A laptop, its screen leaning back in three steps too small to see.
+    // A laptop, opened upright.
     b.Box({-0.58, -0.30, 0.75}, {-0.24, -0.06, 0.765}, s_iSteel);
     b.Box({-0.58, -0.055, 0.765}, {-0.24, -0.045, 0.985}, s_iSteel);
     b.Box({-0.565, -0.059, 0.785}, {-0.255, -0.0555, 0.97}, s_iScreen);

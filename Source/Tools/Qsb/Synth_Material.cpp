@@ -182,8 +182,6 @@ double ShareOfSecond(const MaterialC& material, const SurfacePlaceC& place, cons
         return PlankShare(at, size);
     case Panels:
         return PanelShare(at, size);
-    case Checker:
-        return static_cast<double>((CellOf(at.u / size) + CellOf(at.v / size)) & 1);
     case Stripes:
         return static_cast<double>(CellOf(at.v / size) & 1);
     case Border:

@@ -21,7 +21,6 @@ enum class PatternT
     Mottled,  ///< between both, irregular
     Planks,   ///< boards along the first direction, with joints
     Panels,   ///< squares with thin lines between them
-    Checker,  ///< squares in turn
     Stripes,  ///< along the second direction
     Border,   ///< the second colour in bands along the edge of a carpet
     Target,   ///< four quadrants around the middle

@@ -14,11 +14,6 @@ namespace {
 constexpr std::uint32_t s_nLeafShapes = 3;
 constexpr double s_dNearest = 1e-6; ///< a ray does not meet the surface it starts on
 
-double Coordinate(const Vec3C& v, int axis)
-{
-    return v[axis];
-}
-
 ExtentC Joined(const ExtentC& a, const ExtentC& b)
 {
     return {{std::min(a.oMin.x, b.oMin.x), std::min(a.oMin.y, b.oMin.y), std::min(a.oMin.z, b.oMin.z)},
@@ -73,7 +68,7 @@ std::uint32_t SceneC::Build(std::uint32_t uiFirst, std::uint32_t uiEnd)
     const int axis = size.x >= size.y && size.x >= size.z ? 0 : size.y >= size.z ? 1 : 2;
     // A stable sort gives one order on every platform, also where middles coincide.
     std::stable_sort(begin, end, [axis](const ShapeC& a, const ShapeC& b) {
-        return Coordinate(a.oFrame.oOrigin, axis) < Coordinate(b.oFrame.oOrigin, axis);
+        return a.oFrame.oOrigin[axis] < b.oFrame.oOrigin[axis];
     });
     const std::uint32_t uiMiddle = uiFirst + (uiEnd - uiFirst) / 2;
     Build(uiFirst, uiMiddle);

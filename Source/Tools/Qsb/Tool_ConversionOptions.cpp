@@ -5,6 +5,7 @@
 #include "Tools/Qsb/Tool_ConversionOptions.h"
 
 #include "Tools/Qsb/Tool_Error.h"
+#include "Tools/Qsb/Tool_Json.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

@@ -99,6 +99,10 @@ public:
                         fmt::format("an entry with tag {} and type 4, 5 or 8", Format::s_uiTagIntensity),
                         "none");
         }
+        if (header.ullElements > SIO::s_nMaxPointElements) {
+            ReportBlock(RuleT::TooManyElements, fmt::format("up to {} elements", SIO::s_nMaxPointElements),
+                        fmt::format("{}", header.ullElements));
+        }
         if (!header.HasRecord()) return;
         CheckNumberOfPoints(header);
         const std::uint64_t ullRemainder = header.ullDataBytes % header.ullRecordBytes;

@@ -66,6 +66,7 @@ const char* NameOf(SeverityT eSeverity);
     RULE(CountIgnored, "QSB-217", Note, "number of points stated where it does not count")                   \
     RULE(DataRemainder, "QSB-218", Note, "the data do not end with a whole point")                           \
     RULE(NoPoints, "QSB-219", Note, "no points")                                                             \
+    RULE(TooManyElements, "QSB-220", Error, "more elements in a point than readers take")                    \
     /* What the header says of the scan. */                                                                  \
     RULE(PoseNotFinite, "QSB-301", Warning, "the pose is not finite")                                        \
     RULE(PoseLastRow, "QSB-302", Warning, "the last row of the pose is not 0 0 0 1")                         \

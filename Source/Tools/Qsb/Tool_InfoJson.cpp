@@ -14,8 +14,6 @@ namespace {
 
 namespace Format = SIO::QsbFormat;
 
-constexpr std::size_t s_nMaxElements = 1000; ///< a hostile header has millions
-
 bool HasAnyTag(const ScanHeaderC& header, std::uint32_t uiFirst, std::uint32_t uiLast)
 {
     for (std::uint32_t i = uiFirst; i <= uiLast; ++i) {
@@ -47,8 +45,7 @@ JsonT BlocksJson(const ScanCheckC& check, std::uint64_t ullMaxBlocks)
 JsonT ElementsJson(const ScanHeaderC& header)
 {
     JsonT elements = JsonT::array();
-    for (const ScanElementC& element : header.vecElements) {
-        if (elements.size() == s_nMaxElements) break;
+    for (const ScanElementC& element : header.vecShown) {
         JsonT json;
         json["kind"] = NameOfKind(element.uiKind);
         json["encoding"] = EncodingName(element.uiKind, element.uiTypeCode);
@@ -96,7 +93,7 @@ JsonT ScanJson(const ScanCheckC& check)
     json["points"] = check.CanReadPoints() ? JsonT(header.GetPoints()) : JsonT(nullptr);
     json["points_readable"] = check.GetReadable();
     json["point_bytes"] = check.CanReadPoints() ? JsonT(header.ullRecordBytes) : JsonT(nullptr);
-    json["element_count"] = header.vecElements.size();
+    json["element_count"] = header.ullElements;
     json["elements"] = ElementsJson(header);
     json["grid"] = GridJson(header);
     const bool bHeight = header.HasTag(Format::s_uiTagInstrumentHeight);

@@ -76,13 +76,13 @@ std::string ElementsText(const ScanHeaderC& header)
 {
     TextTableC table("llr");
     std::size_t n = 0;
-    for (const ScanElementC& element : header.vecElements) {
+    for (const ScanElementC& element : header.vecShown) {
         if (n++ == s_nMaxElements) break;
         table.AddRow({NameOfKind(element.uiKind), NameOfElement(element.uiKind, element.uiTypeCode),
                       fmt::format("{} byte{}", element.nBytes, element.nBytes == 1 ? " " : "s")});
     }
     std::string text = table.ToText("");
-    if (n > s_nMaxElements) text += fmt::format("{} more\n", header.vecElements.size() - s_nMaxElements);
+    if (n > s_nMaxElements) text += fmt::format("{} more\n", header.ullElements - s_nMaxElements);
     return text.empty() ? "none" : text;
 }
 

@@ -4,6 +4,7 @@
 // The report as text and as JSON.
 #include "Tools/Qsb/Tool_Report.h"
 
+#include "Tools/Qsb/Tool_Json.h"
 #include "Tools/Qsb/Tool_TextTable.h"
 
 #include <algorithm>

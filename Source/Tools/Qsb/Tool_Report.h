@@ -5,9 +5,8 @@
 // counts. Conversions fill it, verbs print it. Nothing that a conversion loses is missing from it.
 #pragma once
 
-#include "Tools/Qsb/Tool_Json.h"
-
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
@@ -64,7 +63,7 @@ public:
     /// One line per row with loss, each beginning with `prefix`.
     std::string GetLossText(const std::string& prefix) const;
 
-    JsonT GetJson() const;
+    nlohmann::ordered_json GetJson() const;
 
 private:
     std::string m_strVerb;

@@ -8,6 +8,7 @@
 #include "Sio/Sio_QsbBlockHeader.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace Tool {
 
@@ -15,11 +16,9 @@ namespace Format = SIO::QsbFormat;
 
 namespace {
 
-void AddElement(std::vector<ScanElementC>& elements, std::uint32_t uiKind, std::uint32_t uiTypeCode)
+std::size_t IndexOf(std::uint32_t uiKind)
 {
-    if (!SIO::PointDefinitionC::CanCreateElement(uiKind, uiTypeCode)) return;
-    const auto element = SIO::PointDefinitionC::CreateElement(uiKind, uiTypeCode, false);
-    elements.push_back({uiKind, uiTypeCode, element->GetSizeInBytes()});
+    return static_cast<std::size_t>(std::countr_zero(uiKind));
 }
 
 } // namespace
@@ -29,21 +28,20 @@ ScanHeaderC::ScanHeaderC(const SIO::QsbBlockC& block, std::uint64_t ullFileSize)
       ullDataPresent(std::min(ullDataBytes, ullFileSize - std::min(ullFileSize, ullDataOffset)))
 {
     const SIO::QsbHeaderEntryC* position = block.FindEntry(Format::s_uiTagPosition);
-    AddElement(vecElements, SIO::PD_POSITION, position ? position->GetType() : Format::s_uiTypeDoubleTriple);
-    const bool bPositionKnown = !vecElements.empty();
+    AddElement(SIO::PD_POSITION, position ? position->GetType() : Format::s_uiTypeDoubleTriple);
 
     for (const SIO::QsbHeaderEntryC& entry : block) {
         const std::uint32_t uiTag = entry.GetTag();
         if (uiTag > Format::s_uiTagColor) continue;
         bsTags.set(uiTag);
         SIO::TakeHeaderValue(entry, oInfo);
-        if (uiTag > Format::s_uiTagPosition) AddElement(vecElements, SIO::KindOfTag(uiTag), entry.GetType());
+        if (uiTag > Format::s_uiTagPosition) AddElement(SIO::KindOfTag(uiTag), entry.GetType());
     }
-    std::stable_sort(vecElements.begin(), vecElements.end(),
+    std::stable_sort(vecShown.begin(), vecShown.end(),
                      [](const ScanElementC& a, const ScanElementC& b) { return a.uiKind < b.uiKind; });
-    if (bPositionKnown) {
-        for (const ScanElementC& element : vecElements)
-            ullRecordBytes += element.nBytes;
+    if (FindElement(SIO::PD_POSITION) != nullptr) {
+        for (const ScanElementsC& elements : aByKind)
+            ullRecordBytes += elements.ullBytes;
     }
     if (block.GetId() == Format::s_uiCountedPointCloudId && HasTag(Format::s_uiTagPointCount)) {
         oStatedPoints = SIO::PointCountOf(*block.FindEntry(Format::s_uiTagPointCount));
@@ -57,16 +55,31 @@ std::uint64_t ScanHeaderC::GetReadable() const noexcept
 
 const ScanElementC* ScanHeaderC::FindElement(std::uint32_t uiKind) const noexcept
 {
-    const auto found = std::find_if(vecElements.rbegin(), vecElements.rend(),
-                                    [&](const ScanElementC& element) { return element.uiKind == uiKind; });
-    return found == vecElements.rend() ? nullptr : &*found;
+    const ScanElementsC& elements = aByKind[IndexOf(uiKind)];
+    return elements.ullCount == 0 ? nullptr : &elements.oLast;
 }
 
-void ScanHeaderC::Define(SIO::PointDefinitionC& definition) const
+std::vector<std::pair<ScanElementC, std::uint64_t>> ScanHeaderC::GetCountingElements() const
 {
-    for (const ScanElementC& element : vecElements) {
-        definition.Add(SIO::PointDefinitionC::CreateElement(element.uiKind, element.uiTypeCode, false));
+    std::vector<std::pair<ScanElementC, std::uint64_t>> counting;
+    std::uint64_t ullEnd = 0;
+    for (const ScanElementsC& elements : aByKind) {
+        ullEnd += elements.ullBytes;
+        if (elements.ullCount != 0) counting.emplace_back(elements.oLast, ullEnd - elements.oLast.nBytes);
     }
+    return counting;
+}
+
+void ScanHeaderC::AddElement(std::uint32_t uiKind, std::uint32_t uiTypeCode)
+{
+    if (!SIO::PointDefinitionC::CanCreateElement(uiKind, uiTypeCode)) return;
+    const auto definition = SIO::PointDefinitionC::CreateElement(uiKind, uiTypeCode, false);
+    const ScanElementC element{uiKind, uiTypeCode, definition->GetSizeInBytes()};
+    ScanElementsC& elements = aByKind[IndexOf(uiKind)];
+    ++elements.ullCount;
+    elements.ullBytes += element.nBytes;
+    elements.oLast = element;
+    if (++ullElements <= s_nShown) vecShown.push_back(element);
 }
 
 } // namespace Tool

@@ -9,9 +9,11 @@
 #include "Sio/Sio_QsbFileFormat.h"
 #include "Sio/Sio_QsbStrategy.h"
 
+#include <array>
 #include <bitset>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace SIO {
@@ -26,6 +28,14 @@ struct ScanElementC
     std::uint32_t uiKind = 0; ///< PointDataKindT
     std::uint32_t uiTypeCode = 0;
     std::size_t nBytes = 0;
+};
+
+/// All elements of one kind. They stand together in a stored point, and the values of the last one count.
+struct ScanElementsC
+{
+    std::uint64_t ullCount = 0;
+    std::uint64_t ullBytes = 0; ///< of all of them
+    ScanElementC oLast;
 };
 
 struct ScanHeaderC
@@ -55,17 +65,26 @@ struct ScanHeaderC
     /// The element of a kind whose values count, null when there is none.
     const ScanElementC* FindElement(std::uint32_t uiKind) const noexcept;
 
-    /// Adds the elements to an empty definition; positions are decoded as stored.
-    void Define(SIO::PointDefinitionC& definition) const;
+    /// The elements whose values count, in the order of their bytes, and where in a stored point each begins.
+    std::vector<std::pair<ScanElementC, std::uint64_t>> GetCountingElements() const;
 
-    std::vector<ScanElementC> vecElements; ///< in the order of their bytes; unknown encodings are left out
-    std::uint64_t ullRecordBytes = 0;      ///< of a stored point; 0: unknown
+    /// Elements that are kept for showing.
+    static constexpr std::size_t s_nShown = 1000;
+
+    std::vector<ScanElementC>
+        vecShown;                  ///< the first ones, in the order of their bytes; without unknown encodings
+    std::uint64_t ullElements = 0; ///< how many there are; a hostile header has millions
+    std::array<ScanElementsC, 5> aByKind;
+    std::uint64_t ullRecordBytes = 0; ///< of a stored point; 0: unknown
     std::uint64_t ullDataOffset = 0;
     std::uint64_t ullDataBytes = 0;   ///< as stated
     std::uint64_t ullDataPresent = 0; ///< as many of them as the file holds
     std::optional<std::uint64_t> oStatedPoints;
     SIO::QsbScanInfoC oInfo;
     std::bitset<SIO::QsbFormat::s_uiTagColor + 1> bsTags;
+
+private:
+    void AddElement(std::uint32_t uiKind, std::uint32_t uiTypeCode);
 };
 
 } // namespace Tool

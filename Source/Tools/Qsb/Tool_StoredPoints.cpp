@@ -21,7 +21,11 @@ StoredPointsC::StoredPointsC(ScanInputI& input, const ScanHeaderC& header)
     : m_rInput(input), m_nRecordBytes(static_cast<std::size_t>(header.ullRecordBytes)),
       m_ullDataOffset(header.ullDataOffset), m_ullReadable(header.GetReadable())
 {
-    header.Define(m_oDefinition);
+    for (const auto& [element, ullOffset] : header.GetCountingElements()) {
+        m_vecElements.push_back(
+            {SIO::PointDefinitionC::CreateElement(element.uiKind, element.uiTypeCode, false),
+             static_cast<std::size_t>(ullOffset)});
+    }
 }
 
 bool StoredPointsC::Next()
@@ -40,7 +44,9 @@ bool StoredPointsC::Next()
     ScanPointIteratorC iterator(m_vecPoints.data());
     const GMAT::Matrix4C unused;
     for (std::size_t i = 0; i < nRead; ++i, iterator.Advance()) {
-        m_oDefinition.Decode(iterator.Current(), GetRecord(i), unused);
+        SIO::QsbPointModifierI& modifier = iterator.Current();
+        for (const ElementC& element : m_vecElements)
+            element.pDefinition->Decode(modifier, GetRecord(i) + element.nOffset, unused);
     }
     return nRead != 0;
 }

@@ -8,6 +8,7 @@
 #include "Tools/Qsb/Tool_ScanHeader.h"
 #include "Tools/Qsb/Tool_ScanPoint.h"
 
+#include <memory>
 #include <vector>
 
 namespace Tool {
@@ -32,8 +33,14 @@ public:
     std::uint64_t GetFirst() const noexcept { return m_ullFirst; }
 
 private:
+    struct ElementC
+    {
+        std::unique_ptr<SIO::PointDefinitionI> pDefinition;
+        std::size_t nOffset; ///< in a stored point
+    };
+
     ScanInputI& m_rInput;
-    SIO::PointDefinitionC m_oDefinition;
+    std::vector<ElementC> m_vecElements; ///< those whose values count
     std::size_t m_nRecordBytes;
     std::uint64_t m_ullDataOffset;
     std::uint64_t m_ullReadable;
