@@ -36,22 +36,37 @@ void RunExport(const OptionsT& options)
         std::remove(strPly.c_str());
         return;
     }
+    const auto require = [](int iExitCode) {
+        if (iExitCode != 0) std::abort();
+    };
+    const std::string strCat = "cat '" + strPly + "' > '" + strOther + "'";
+    const auto remove = [&] { std::remove(strOther.c_str()); };
     std::vector<CandidateT> candidates = {
-        {"cat of the scan to nowhere", [&] { Run("cat '" + scan.Path() + "'"); }},
-        {"cat of the PLY to a file",
-         [&] {
-             std::system(("cat '" + strPly + "' > '" + strOther + "'").c_str()) == 0 ? void() : std::abort();
-         },
-         [&] { std::remove(strOther.c_str()); }},
+        {"cat of the scan to nowhere", [&] { require(Run("cat '" + scan.Path() + "'")); }},
+        {"cat of the PLY to a file", [&] { require(std::system(strCat.c_str())); }, remove},
+        {"the same, synced to disk",
+         [&] { require(std::system((strCat + " && sync '" + strOther + "'").c_str())); }, remove},
         {"reading all points", [&] { ReadAll(scan, SIO::QsbInstructionSetT::eAvx2); }},
-        {"export to PLY", [&] { Run(strExport) == 0 ? void() : std::abort(); }},
+        {"reading bytes alone", [&] { FreadAll(scan); }},
+        {"export to PLY", [&] { require(Run(strExport)); }},
+        {"export, pose applied", [&] { require(Run(strExport + " --apply-pose")); }},
     };
     RunInterleaved(candidates, options.nRounds);
-    std::printf("%u points, %s\n", s_uiPoints, AllLayouts()[0].pszName);
+    std::printf("%u points, %s; the command syncs what it has written, cat does not\n", s_uiPoints,
+                AllLayouts()[0].pszName);
     PrintTimes(candidates);
-    const auto median = [&](std::size_t n) { return MedianOf(candidates[n].vecClockSeconds); };
-    std::printf("  export against cat in, cat out and reading: %.2f\n",
-                median(3) / (median(0) + median(1) + median(2)));
+    // Against the sum of several candidates.
+    const auto against = [&](std::size_t nExport, std::size_t nCatOut) {
+        RatioT ratio = {};
+        for (const std::size_t n : {std::size_t{0}, nCatOut, std::size_t{3}}) {
+            const RatioT one = SpeedOf(candidates[nExport], candidates[n]);
+            ratio.dClock += one.dClock;
+            ratio.dThread += one.dThread;
+        }
+        return RatioT{1 / ratio.dClock, 1 / ratio.dThread};
+    };
+    ExpectAtMost("export against cat in, cat out and reading", against(5, 1), 1.5);
+    ExpectAtMost("export against cat in, cat out, sync and reading", against(5, 2), 1.5);
     std::remove(strPly.c_str());
 }
 

@@ -11,6 +11,7 @@
 #include "Sio/Sio_LittleEndian.h"
 #include "Sio/Sio_QsbFileFormat.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -118,6 +119,8 @@ void Measure(const OptionsT& options, const char* pszName, SparseFileC& file, st
     std::printf("  %-42s %7.2f GiB %9llu points  %8.2f MiB of %8.2f allowed: %s\n", pszName, dGiB,
                 answer.ullPoints, dUsed, dAllowed, answer.nKiB >= 0 && dUsed <= dAllowed ? "met" : "NOT MET");
     std::fflush(stdout);
+    ExpectAtMost(std::string("peak memory of the allowed, ") + pszName,
+                 {answer.nKiB >= 0 ? dUsed / dAllowed : HUGE_VAL, 0}, 1);
 }
 
 } // namespace

@@ -22,6 +22,7 @@ namespace Bench {
 /// The elements of a stored point, as kind and type code.
 struct LayoutT
 {
+    const char* pszShortName;
     const char* pszName;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> elements;
 

@@ -45,6 +45,8 @@ void RunSizes(const OptionsT& options)
             d *= 1e6 / scans[i]->Points();
     }
     PrintTimes(candidates);
+    for (std::size_t i = 1; i < candidates.size(); ++i)
+        ExpectAtMost("a point of " + candidates[i].strName, SpeedOf(candidates[0], candidates[i]), 1.1);
 }
 
 } // namespace Bench

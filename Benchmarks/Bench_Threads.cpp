@@ -91,6 +91,8 @@ void RunThreads(const OptionsT& options)
         const double dReaderGain = median(2) / median(3);
         std::printf("  gain of a second thread: copies %.2f, readers %.2f, ratio %.2f\n", dCopyGain,
                     dReaderGain, dReaderGain / dCopyGain);
+        ExpectAtLeast(std::string("second thread for readers against copies, ") + layout.pszShortName,
+                      {dReaderGain / dCopyGain, 0}, 0.9);
     }
 }
 

@@ -156,6 +156,19 @@ TEST_F(QsbReaderBatch, DeliversTheSamePointsWithEachInstructionSet)
     }
 }
 
+TEST_F(QsbReaderBatch, AnOpenedScanHasPlansForItsLayout)
+{
+    for (const LayoutT& layout : s_aLayouts) {
+        Make(layout);
+        QsbC container;
+        QsbStrategyC strategy;
+        ASSERT_TRUE(container.Open(BSS::HAL::WidePath(Path()), true, false));
+        ASSERT_TRUE(container.CreateReadStrategyData(strategy, true, -1));
+        EXPECT_TRUE(strategy.GetData()->m_oDecodePlan.IsUsable()) << layout.Name();
+        EXPECT_TRUE(strategy.GetData()->m_oEncodePlan.IsUsable()) << layout.Name();
+    }
+}
+
 TEST_F(QsbReaderBatch, DeliversMoreElementsThanAPlanTakes)
 {
     LayoutT layout{{{PD_POSITION, F::s_uiTypeFloatTriple}}};

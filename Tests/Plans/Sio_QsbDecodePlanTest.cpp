@@ -109,6 +109,46 @@ TEST(QsbDecodePlan, OfSeveralElementsOfAKindTheLastOneWins)
     }
 }
 
+/// Bytes of a record that decoding these elements may write.
+std::vector<bool> WrittenBytes(const LayoutT& layout)
+{
+    std::vector<bool> written(sizeof(QsbPointC), false);
+    const auto mark = [&](std::size_t nOffset, std::size_t nBytes) {
+        std::fill_n(written.begin() + static_cast<std::ptrdiff_t>(nOffset), nBytes, true);
+    };
+    mark(offsetof(QsbPointC, x), 24);
+    for (const ElementT& element : layout.elements) {
+        if (element.uiKind == PD_INTENSITY) mark(offsetof(QsbPointC, intensity), 2);
+        if (element.uiKind == PD_LEVEL_OF_NOISE) mark(offsetof(QsbPointC, levelOfNoise), 2);
+        if (element.uiKind == PD_COLOR) mark(offsetof(QsbPointC, red), 3);
+        if (element.uiKind == PD_GRID) mark(offsetof(QsbPointC, gridIndex0), 8);
+    }
+    return written;
+}
+
+TEST(QsbDecodePlan, WritesNoByteOfAbsentElementsOrOfAlignment)
+{
+    std::mt19937 random(8);
+    const std::string strBefore(s_nMostPoints * sizeof(QsbPointC), '\xA5');
+    for (const std::uint32_t uiPositionType : {F::s_uiTypeFloatTriple, F::s_uiTypeDoubleTriple}) {
+        for (const LayoutT& layout : AllCombinations(uiPositionType, false)) {
+            PointDefinitionC definition;
+            layout.Define(definition);
+            const std::vector<char> stored = RandomStoredPoints(definition, s_nMostPoints, random);
+            const std::vector<bool> written = WrittenBytes(layout);
+            for (const QsbInstructionSetT eSet : PlanSets()) {
+                const ExactBytesC target(strBefore.data(), strBefore.size(), 8);
+                QsbDecodePlanC(definition)
+                    .Decode(stored.data(), s_nMostPoints, Matrices()[1], RecordsIn(target), eSet);
+                for (std::size_t i = 0; i < strBefore.size(); ++i) {
+                    ASSERT_TRUE(written[i % sizeof(QsbPointC)] || target.Get()[i] == strBefore[i])
+                        << layout.Name() << ", byte " << i << ", set " << static_cast<int>(eSet);
+                }
+            }
+        }
+    }
+}
+
 TEST(QsbDecodePlan, DecodesLongBatchesTileByTile)
 {
     constexpr std::size_t nPoints = 1000; // more than a tile, and no multiple of one
