@@ -158,27 +158,22 @@ void ReadAll(const ScanFileC& scan, QsbInstructionSetT eSet, unsigned int uiBatc
     Use(dSum);
 }
 
-void CopyPart(const ScanFileC& scan, std::uint32_t uiFirst, std::uint32_t uiEnd, unsigned int uiBatch)
+void CopyAll(const ScanFileC& scan, unsigned int uiBatch)
 {
     const std::size_t nRecordBytes = scan.RecordBytes();
-    const auto stream = OpenAt(scan.Path(), scan.DataOffset() + std::uint64_t{uiFirst} * nRecordBytes);
+    const auto stream = OpenAt(scan.Path(), scan.DataOffset());
     const std::unique_ptr<char[]> raw(new char[uiBatch * nRecordBytes + s_nSlackBytes]);
     std::vector<QsbPointC> points(uiBatch);
     char* const pPoints = reinterpret_cast<char*>(points.data());
     double dSum = 0;
-    for (std::uint32_t uiDone = uiFirst; uiDone < uiEnd;) {
-        const std::size_t nPart = std::min(uiBatch, uiEnd - uiDone);
+    for (std::uint32_t uiDone = 0; uiDone < scan.Points();) {
+        const std::size_t nPart = std::min(uiBatch, scan.Points() - uiDone);
         Require(std::fread(raw.get(), nRecordBytes, nPart, stream.get()) == nPart, "did not read all bytes");
         WithRecordBytes(nRecordBytes, [&]<std::size_t n>() { CopyToRecords<n>(raw.get(), nPart, pPoints); });
         dSum += points[nPart / 2].x;
         uiDone += static_cast<std::uint32_t>(nPart);
     }
     Use(dSum);
-}
-
-void CopyAll(const ScanFileC& scan, unsigned int uiBatch)
-{
-    CopyPart(scan, 0, scan.Points(), uiBatch);
 }
 
 void FreadAll(const ScanFileC& scan, unsigned int uiBatch)

@@ -63,9 +63,6 @@ void ReadAll(const ScanFileC& scan, SIO::QsbInstructionSetT eSet, unsigned int u
 /// The limit: reads the stored points batch by batch and makes 40 bytes of each, without looking at them.
 void CopyAll(const ScanFileC& scan, unsigned int uiBatch = 10000);
 
-/// The same for the points from `uiFirst` up to `uiEnd`.
-void CopyPart(const ScanFileC& scan, std::uint32_t uiFirst, std::uint32_t uiEnd, unsigned int uiBatch);
-
 /// Reads the stored points and does nothing with them.
 void FreadAll(const ScanFileC& scan, unsigned int uiBatch = 10000);
 

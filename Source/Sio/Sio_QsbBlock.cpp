@@ -18,9 +18,6 @@ constexpr std::size_t s_nTypeOffset = 0;
 constexpr std::size_t s_nTagOffset = 4;
 constexpr std::size_t s_nValueOffset = 8;
 
-/// Entries that take more have memory of their own.
-constexpr std::size_t s_nLargestInCompany = 4096;
-
 } // namespace
 
 QsbHeaderEntryC QsbHeaderEntryC::FromUInt32(std::uint32_t type, std::uint32_t tag,
@@ -146,17 +143,16 @@ bool QsbBlockC::AddEntry(const QsbHeaderEntryC& entry)
     return true;
 }
 
-QsbEntryArrayT* QsbEntryMemoryC::Keep(const void* pEntries, std::size_t nEntries)
+QsbEntryArrayT& QsbEntryMemoryC::Take(std::size_t nEntries)
 {
     const std::size_t nBytes = nEntries * sizeof(QsbHeaderEntryC);
-    auto* const pArray = reinterpret_cast<QsbEntryArrayT*>(Take(sizeof(QsbEntryArrayT) + nBytes));
+    auto* const pArray = reinterpret_cast<QsbEntryArrayT*>(TakeBytes(sizeof(QsbEntryArrayT) + nBytes));
     pArray->uiCount = static_cast<std::uint32_t>(nEntries);
     pArray->uiCapacity = 0;
-    std::memcpy(static_cast<void*>(pArray->First()), pEntries, nBytes);
-    return pArray;
+    return *pArray;
 }
 
-char* QsbEntryMemoryC::Take(std::size_t nBytes)
+char* QsbEntryMemoryC::TakeBytes(std::size_t nBytes)
 {
     if (nBytes > m_nFree) {
         if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
@@ -230,11 +226,12 @@ bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
     if (!IsEmpty()) {
         const QsbBlockC& last = Last();
         if (last.m_uiId == uiId && last.m_uiDataBytes == 0 && last.GetEntryCount() == 0) {
+            if (!LastIsRun() && !HasRoomForBytes(s_ullRunMemory)) return false;
             LengthenLast(ullRunLength);
             return true;
         }
     }
-    if (!HasRoomFor(0)) return false;
+    if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory)) return false;
     Append(ullOffset, uiId, 0, nullptr, QsbBlockC::s_ullSealed);
     if (ullRunLength > 1) LengthenLast(ullRunLength - 1);
     return true;
@@ -243,8 +240,10 @@ bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
 void QsbBlockListC::LengthenLast(std::uint64_t ullBlocks)
 {
     QsbBlockC& last = Last();
-    const std::size_t nRecord = m_oRecords.size() - 1;
-    if (m_oRuns.empty() || m_oRuns.back().nRecord != nRecord) m_oRuns.emplace_back(nRecord, m_ullCount - 1);
+    if (!LastIsRun()) {
+        m_oRuns.emplace_back(m_oRecords.size() - 1, m_ullCount - 1);
+        m_ullMemory += s_ullRunMemory;
+    }
     last.SetRunLength(last.GetRunLength() + ullBlocks);
     m_ullCount += ullBlocks;
 }
@@ -261,18 +260,21 @@ QsbBlockC& QsbBlockListC::IsolateLast()
     const std::uint64_t ullOffset = last.GetEndOffset() - QsbFormat::s_nBlockHeadBytes;
     const std::uint64_t ullFlags = last.IsSealed() ? QsbBlockC::s_ullSealed : 0;
     QsbBlockC& record = m_oRecords.emplace_back(ullOffset, last.m_uiId, std::uint32_t{0}, nullptr, ullFlags);
-    m_ullMemory += MemoryOf(0);
+    m_ullMemory += s_ullRecordMemory;
     last.SetRunLength(last.GetRunLength() - 1);
     return record;
 }
 
 void QsbBlockListC::RemoveLast()
 {
-    const QsbBlockC& last = IsolateLast();
-    m_ullMemory -= MemoryOf(last.HasSharedEntries() ? last.GetEntryCount() : 0);
+    IsolateLast();
+    if (LastIsRun()) {
+        m_oRuns.pop_back();
+        m_ullMemory -= s_ullRunMemory;
+    }
     m_oRecords.pop_back();
+    m_ullMemory -= s_ullRecordMemory;
     --m_ullCount;
-    if (!m_oRuns.empty() && m_oRuns.back().nRecord == m_oRecords.size()) m_oRuns.pop_back();
     ForgetFirstsFrom(m_ullCount);
 }
 

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -162,13 +163,17 @@ static_assert(sizeof(QsbBlockC) == 24, "a file of a million small blocks has a m
 class QsbEntryMemoryC
 {
 public:
-    /// Copies entries, which must be some. Throws std::bad_alloc.
-    QsbEntryArrayT* Keep(const void* pEntries, std::size_t nEntries);
+    /// Entries that take more bytes have memory of their own.
+    static constexpr std::size_t s_nLargestInCompany = 4096;
+
+    /// An array of `nEntries` entries, which must be some, whose bytes are still to be filled in. Throws
+    /// std::bad_alloc.
+    QsbEntryArrayT& Take(std::size_t nEntries);
 
     void Clear() noexcept;
 
 private:
-    char* Take(std::size_t nBytes);
+    char* TakeBytes(std::size_t nBytes);
     char* TakeAlone(std::size_t nBytes);
 
     std::vector<LargeMemoryT> m_vecLarge;
@@ -181,8 +186,8 @@ private:
 class QsbBlockListC
 {
 public:
-    /// What the records and entries that are read from one file may take in memory, counted with what
-    /// allocating them costs.
+    /// What the records and entries that are read from one file may take in memory. The pieces of memory
+    /// that were begun last are not full, which comes on top: a few MiB at the most.
     static constexpr std::uint64_t s_ullMemoryLimit = std::uint64_t{512} << 20;
 
     using RecordsT = StableListT<QsbBlockC>;
@@ -220,8 +225,7 @@ public:
     /// Whether `nEntries` more entries and one more record stay within the limit.
     bool HasRoomFor(std::uint64_t nEntries) const noexcept
     {
-        return m_ullMemory + MemoryOf(nEntries) <=
-               s_ullMemoryLimit; // entries number 2^28 at most, so no wrap
+        return HasRoomForBytes(s_ullRecordMemory + MemoryOf(nEntries)); // 2^28 at most, so no wrap
     }
 
     /// Appends a block that was read from a file: sealed, not dirty. False at the memory limit.
@@ -234,9 +238,32 @@ public:
     {
         if (nEntries == 0 && uiDataBytes == 0) return AppendReadEmpty(ullOffset, uiId, 1);
         if (!HasRoomFor(nEntries)) return false;
-        QsbEntryArrayT* const pKept = nEntries != 0 ? m_oEntryMemory.Keep(pEntries, nEntries) : nullptr;
+        QsbEntryArrayT* pKept = nullptr;
+        if (nEntries != 0) {
+            pKept = &TakeEntries(nEntries);
+            std::memcpy(static_cast<void*>(pKept->First()), pEntries, nEntries * sizeof(QsbHeaderEntryC));
+        }
         Append(ullOffset, uiId, uiDataBytes, pKept, QsbBlockC::s_ullSealed);
-        m_ullMemory += MemoryOf(nEntries) - MemoryOf(0);
+        return true;
+    }
+
+    /// Memory for the entries of the block that is appended next, so that they need not lie in memory twice:
+    /// the bytes are to be filled in. `nEntries` are some, and HasRoomFor them. What is taken counts against
+    /// the limit and is kept until Clear, whether a block is made of it or not. Throws std::bad_alloc.
+    QsbEntryArrayT& TakeEntries(std::size_t nEntries)
+    {
+        QsbEntryArrayT& entries = m_oEntryMemory.Take(nEntries);
+        m_ullMemory += MemoryOf(nEntries);
+        return entries;
+    }
+
+    /// Appends a block that was read from a file, with entries that TakeEntries gave. False at the memory
+    /// limit.
+    [[nodiscard]] bool AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
+                                  QsbEntryArrayT& entries)
+    {
+        if (!HasRoomForBytes(s_ullRecordMemory)) return false;
+        Append(ullOffset, uiId, uiDataBytes, &entries, QsbBlockC::s_ullSealed);
         return true;
     }
 
@@ -250,7 +277,8 @@ public:
     /// Gives the last block a record of its own when it is part of a run, so that it can change alone.
     QsbBlockC& IsolateLast();
 
-    /// Removes the last block.
+    /// Removes the last block. Entries of it that were read go on counting against the limit: they share
+    /// their memory with those of other blocks, and it is freed by Clear alone.
     void RemoveLast();
 
     void Clear() noexcept;
@@ -272,18 +300,33 @@ private:
         if (uiId < s_nWatchedIds && m_allFirst[uiId] < 0)
             m_allFirst[uiId] = static_cast<std::int64_t>(m_ullCount);
         ++m_ullCount;
-        m_ullMemory += MemoryOf(0);
+        m_ullMemory += s_ullRecordMemory;
         return record;
     }
 
-    /// What a block of so many entries is reckoned to take: more than its record and its array do.
+    static constexpr std::uint64_t s_ullRecordMemory = sizeof(QsbBlockC);
+    static constexpr std::uint64_t s_ullRunMemory = sizeof(RunT);
+
+    /// What an array of so many entries takes. One in memory of its own takes what the heap and the list of
+    /// such memory need for it as well.
     static constexpr std::uint64_t MemoryOf(std::uint64_t nEntries)
     {
-        constexpr std::uint64_t ullRecord = 64;
-        constexpr std::uint64_t ullArray = 64;
-        return ullRecord + (nEntries == 0 ? 0 : ullArray + nEntries * sizeof(QsbHeaderEntryC));
+        constexpr std::uint64_t ullAlone = 64;
+        if (nEntries == 0) return 0;
+        const std::uint64_t ullBytes = sizeof(QsbEntryArrayT) + nEntries * sizeof(QsbHeaderEntryC);
+        return ullBytes > QsbEntryMemoryC::s_nLargestInCompany ? ullBytes + ullAlone : ullBytes;
     }
 
+    bool HasRoomForBytes(std::uint64_t ullBytes) const noexcept
+    {
+        return m_ullMemory + ullBytes <= s_ullMemoryLimit;
+    }
+
+    /// Whether the last record is, or once was, one of several blocks.
+    bool LastIsRun() const noexcept
+    {
+        return !m_oRuns.empty() && m_oRuns.back().nRecord + 1 == m_oRecords.size();
+    }
     void LengthenLast(std::uint64_t ullBlocks);
     void ForgetFirstsFrom(std::uint64_t ullIndex) noexcept;
 
@@ -293,7 +336,7 @@ private:
     RecordsT m_oRecords;
     StableListT<RunT> m_oRuns; ///< in the order of the file
     std::uint64_t m_ullCount = 0;
-    std::uint64_t m_ullMemory = 0; ///< what all records and the entries read from a file take, at the most
+    std::uint64_t m_ullMemory = 0; ///< what all records and runs and the entries read from a file take
     /// The first blocks with the small identifiers, which point clouds have: with a million blocks it takes
     /// long to look for one.
     std::array<std::int64_t, s_nWatchedIds> m_allFirst = {-1, -1, -1, -1};

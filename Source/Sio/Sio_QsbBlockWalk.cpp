@@ -99,8 +99,9 @@ private:
 
     bool AppendLongBlock(std::uint64_t ullOffset, const BlockHeadT& head)
     {
-        QsbHeaderEntriesT entries(head.uiHeaderBytes / QsbFormat::s_nEntryBytes);
-        return m_rWindow.Read(ullOffset + QsbFormat::s_nBlockHeadBytes, head.uiHeaderBytes, entries.data()) &&
+        QsbEntryArrayT& entries = m_rBlocks.TakeEntries(head.uiHeaderBytes / QsbFormat::s_nEntryBytes);
+        return m_rWindow.Read(ullOffset + QsbFormat::s_nBlockHeadBytes, head.uiHeaderBytes,
+                              entries.First()) &&
                m_rBlocks.AppendRead(ullOffset, head.uiId, head.uiDataBytes, entries);
     }
 

@@ -5,6 +5,7 @@
 #include "Sio/Sio_QsbRecordLayout.h"
 
 #include "Sio/SIO_QsbPointDefElements.h"
+#include "Sio/SIO_QsbPointDefinitionImpl.h"
 #include "Sio/Sio_QsbFileFormat.h"
 
 #include <algorithm>
@@ -118,6 +119,7 @@ void MakeShuffle(QsbRecordLayoutT& layout)
 QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition)
 {
     QsbRecordLayoutT layout;
+    if (typeid(definition) != typeid(PointDefinitionC)) return layout;
     if (definition.GetCount() > s_nMaxElements) return layout;
     const PointDefinitionI* position = definition.GetElement(0);
     if (position == nullptr || CountKind(definition, PD_POSITION) != 1 || !TakePosition(*position, layout)) {

@@ -70,8 +70,8 @@ struct QsbRecordLayoutT : QsbRecordMovesT
     std::vector<QsbLoopElementT> vecLoops; ///< in the order of the definition
 };
 
-/// The layout of `definition`; one without size when the definition does not begin with its only position or
-/// has elements of unknown classes.
+/// The layout of `definition`; one without size when the definition does not begin with its only position,
+/// has very many elements, or is of an unknown class or has elements that are.
 QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition);
 
 } // namespace SIO

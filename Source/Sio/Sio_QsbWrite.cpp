@@ -45,7 +45,8 @@ bool HaveSameLayout(const PointDefinitionContainerI& a, const PointDefinitionCon
     return true;
 }
 
-/// Encodes the next points of `source`: plain records by the batch, any other points one by one.
+/// Encodes the next points of `source`: plain records by the batch, any other points one by one. `plan` is
+/// that of `definition`.
 void EncodePart(const QsbEncodePlanC& plan, const PointDefinitionContainerI& definition,
                 QsbPointSourceI& source, std::uint32_t uiPoints, char* pDestination)
 {
@@ -277,11 +278,15 @@ bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& d
     if (ullPointsAfter > data.m_ullNumberOfPoints && !CanChangePointCount(*block, ullPointsAfter))
         return false;
 
+    // A definition of the caller's may have a way of its own to encode, even when it lays out the same bytes.
+    const bool bOfBlock = &definition == &data.m_oPointDefinition;
+    const QsbEncodePlanC planOfCaller = bOfBlock ? QsbEncodePlanC() : QsbEncodePlanC(definition);
+    const QsbEncodePlanC& plan = bOfBlock ? data.m_oEncodePlan : planOfCaller;
     const std::size_t nChunk = std::clamp<std::size_t>(s_nEncodeBytes / ullRecordBytes, 1, uiPoints);
     char* const pBuffer = EncodeBuffer(nChunk * ullRecordBytes);
     for (std::uint32_t uiDone = 0; uiDone < uiPoints;) {
         const auto uiPart = static_cast<std::uint32_t>(std::min<std::size_t>(nChunk, uiPoints - uiDone));
-        EncodePart(data.m_oEncodePlan, definition, source, uiPart, pBuffer);
+        EncodePart(plan, definition, source, uiPart, pBuffer);
         const std::uint64_t ullBytes = uiPart * ullRecordBytes;
         if (!WriteBytesIntoBlock(data.m_llBlockIndex, data.m_ullPosition, ullBytes, pBuffer)) return false;
         uiDone += uiPart;

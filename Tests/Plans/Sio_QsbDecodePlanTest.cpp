@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -18,30 +17,6 @@ using namespace SIO;
 namespace F = QsbFormat;
 
 constexpr std::size_t s_nMostPoints = 70;
-
-/// Bytes at the end of a heap block of their own and at an address of their own: nothing may be read behind
-/// them.
-class ExactBytesC
-{
-public:
-    ExactBytesC(const char* pBytes, std::size_t nBytes, std::size_t nShift)
-        : m_pBlock(new char[nShift + nBytes]), m_nShift(nShift)
-    {
-        if (nBytes != 0) std::memcpy(Get(), pBytes, nBytes);
-    }
-
-    char* Get() const { return m_pBlock.get() + m_nShift; }
-
-private:
-    std::unique_ptr<char[]> m_pBlock;
-    std::size_t m_nShift;
-};
-
-/// The same for records, which lie at multiples of 8 and not always of 16 or 32.
-QsbPointC* RecordsIn(const ExactBytesC& bytes)
-{
-    return reinterpret_cast<QsbPointC*>(bytes.Get());
-}
 
 void ExpectPlanEqualsVirtualCalls(const LayoutT& layout, const GMAT::Matrix4C& matrix, std::mt19937& random)
 {
@@ -58,11 +33,12 @@ void ExpectPlanEqualsVirtualCalls(const LayoutT& layout, const GMAT::Matrix4C& m
     for (const QsbInstructionSetT eSet : PlanSets()) {
         for (std::size_t nPoints = 0; nPoints <= s_nMostPoints; ++nPoints) {
             const ExactBytesC source(stored.data(), nPoints * nRecordBytes, nPoints % 17);
-            const ExactBytesC target(reinterpret_cast<const char*>(before.data()),
-                                     nPoints * sizeof(QsbPointC), nPoints % 4 * 8);
-            plan.Decode(source.Get(), nPoints, matrix, RecordsIn(target), eSet);
-            ASSERT_TRUE(SameBytes(expected.data(), RecordsIn(target), nPoints))
+            const ExactBytesC target(before.data(), nPoints * sizeof(QsbPointC), nPoints % 4 * 8);
+            plan.Decode(source.Get(), nPoints, matrix, target.Records(), eSet);
+            ASSERT_TRUE(SameBytes(expected.data(), target.Records(), nPoints))
                 << layout.Name() << ", set " << static_cast<int>(eSet);
+            ASSERT_TRUE(target.IsAloneTouched())
+                << layout.Name() << ", " << nPoints << " points, set " << static_cast<int>(eSet);
         }
     }
 }
@@ -139,7 +115,7 @@ TEST(QsbDecodePlan, WritesNoByteOfAbsentElementsOrOfAlignment)
             for (const QsbInstructionSetT eSet : PlanSets()) {
                 const ExactBytesC target(strBefore.data(), strBefore.size(), 8);
                 QsbDecodePlanC(definition)
-                    .Decode(stored.data(), s_nMostPoints, Matrices()[1], RecordsIn(target), eSet);
+                    .Decode(stored.data(), s_nMostPoints, Matrices()[1], target.Records(), eSet);
                 for (std::size_t i = 0; i < strBefore.size(); ++i) {
                     ASSERT_TRUE(written[i % sizeof(QsbPointC)] || target.Get()[i] == strBefore[i])
                         << layout.Name() << ", byte " << i << ", set " << static_cast<int>(eSet);

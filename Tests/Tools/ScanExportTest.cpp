@@ -2,6 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Exported records whose bytes are moved are the same as those that go through numbers, and so is the report.
+#include "API_Hdr/GMAT_Algebra.h"
 #include "Support/Files.h"
 #include "Support/QsbBytes.h"
 #include "Support/TemporaryDirectory.h"
@@ -15,6 +16,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
@@ -22,6 +24,7 @@
 namespace {
 
 namespace F = SIO::QsbFormat;
+using Tool::ExportChoicesC;
 using Tool::RecordMovesC;
 using Tool::ScanExportC;
 using Tool::ScanFormatC;
@@ -77,24 +80,31 @@ class ScanExport : public testing::Test
 protected:
     std::string Path() const { return m_directory.Narrow("scan.qsb"); }
 
+    enum class FormT
+    {
+        Raw,
+        Ply
+    };
+
     /// What is written, and the report's rows, as text.
-    std::string Moved()
+    std::string Written(const ExportChoicesC& choices = {}, FormT eForm = FormT::Raw)
     {
         ScanReaderC reader(Path());
-        ScanExportC scan(reader, {});
+        ScanExportC scan(reader, choices);
         const Tool::OutputFileC data(m_directory.Narrow("a.bin"), false),
             header(m_directory.Narrow("a.json"), false);
-        const auto sink = MakeRawSink(data, header, scan.GetHeader(), "a");
+        const auto sink = eForm == FormT::Raw ? MakeRawSink(data, header, scan.GetHeader(), "a")
+                                              : MakePlySink(data, scan.GetHeader());
         while (scan.Forward(*sink) != 0) {
         }
         sink->Finish();
         return Support::ReadAll(data.GetTemporaryPath()) + Report(scan);
     }
 
-    std::string ThroughNumbers()
+    std::string ThroughNumbers(const ExportChoicesC& choices = {})
     {
         ScanReaderC reader(Path());
-        ScanExportC scan(reader, {});
+        ScanExportC scan(reader, choices);
         std::vector<std::vector<double>> columns;
         std::string bytes;
         while (const std::size_t nPoints = scan.Read(columns))
@@ -102,12 +112,23 @@ protected:
         return bytes + Report(scan);
     }
 
-    /// The records as the virtual calls of the point definition decode them.
-    std::string PointByPoint()
+    /// The records as the virtual calls of the point definition decode them, mapped by the pose if it is to
+    /// be applied.
+    std::string PointByPoint(const ExportChoicesC& choices = {})
     {
         ScanReaderC reader(Path());
-        const Tool::RawHeaderC header = ScanExportC(reader, {}).GetHeader();
-        const std::vector<Tool::ScanPointC> points = Support::ReadScan(Path());
+        const Tool::RawHeaderC header = ScanExportC(reader, choices).GetHeader();
+        std::vector<Tool::ScanPointC> points(header.ullPoints);
+        reader.Rewind();
+        std::vector<Tool::ScanPointC> batch;
+        for (std::size_t nDone = 0; nDone < points.size(); nDone += batch.size()) {
+            reader.Read(batch);
+            std::copy(batch.begin(), batch.end(), points.begin() + static_cast<std::ptrdiff_t>(nDone));
+        }
+        if (choices.bApplyPose) {
+            for (Tool::ScanPointC& point : points)
+                GMAT::TransformPosition(reader.GetInfo().oTransformation, point.x, point.y, point.z);
+        }
         std::vector<std::vector<double>> columns(header.vecFields.size());
         for (std::size_t i = 0; i < columns.size(); ++i) {
             const auto& names = Tool::s_astrScanValueNames;
@@ -121,15 +142,33 @@ protected:
         return bytes;
     }
 
+    /// Every part of every row.
     static std::string Report(const ScanExportC& scan)
     {
         Tool::ConversionReportC report("export", "in", "out");
         scan.AddTo(report);
         std::string text;
-        for (const Tool::ReportRowC& row : report.GetRows())
-            text +=
-                "\n" + row.strWhat + " " + row.strSourceType + " " + row.strStoredType + " " + row.strNote;
+        for (const Tool::ReportRowC& row : report.GetRows()) {
+            text += fmt::format("\n{}|{}|{}|{}|{}|{}|{}|{}|{}", row.strWhat, row.strSourceType,
+                                row.strStoredType, static_cast<int>(row.eOutcome), row.dFactor,
+                                row.ullChanged, row.dLargestChange, row.strNote, row.bLoss);
+        }
         return text;
+    }
+
+    /// A scan of these positions' type that is turned, moved and projected.
+    void WritePosedScan(std::uint32_t uiPosition, const std::vector<Tool::ScanPointC>& points) const
+    {
+        SIO::QsbScanInfoC info;
+        info.oTransformation.At(0, 0) = info.oTransformation.At(1, 1) = 0.8;
+        info.oTransformation.At(1, 0) = 0.6;
+        info.oTransformation.At(0, 1) = -0.6;
+        info.oTransformation.At(2, 3) = 1000;
+        ScanFormatC format = Support::s_oRichFormat;
+        format.uiPosition = uiPosition;
+        Tool::ScanWriterC writer(Path(), format, info);
+        writer.Write(points);
+        writer.Finish();
     }
 
     const Support::TemporaryDirectory m_directory;
@@ -157,27 +196,76 @@ std::vector<Tool::ScanPointC> SomePoints(std::size_t nPoints)
     return points;
 }
 
-TEST_F(ScanExport, RecordsAreTheSameMovedAndThroughNumbersForEveryFormat)
+/// Every format that a scan can have.
+std::vector<ScanFormatC> AllFormats()
 {
-    // More than a batch.
-    const std::vector<Tool::ScanPointC> points = SomePoints(10500);
+    std::vector<ScanFormatC> formats;
     for (const std::uint32_t uiPosition : {F::s_uiTypeFloatTriple, F::s_uiTypeDoubleTriple}) {
         for (const std::uint32_t uiIntensity : {F::s_uiTypeInt16, F::s_uiTypeUInt16, F::s_uiTypeFloat}) {
             for (const std::uint32_t uiNoise : {0u, F::s_uiTypeUInt8, F::s_uiTypeUInt16, F::s_uiTypeFloat}) {
                 for (const std::uint32_t uiGrid : {0u, F::s_uiTypeUInt16Pair, F::s_uiTypeUInt32Pair}) {
-                    const std::uint32_t uiColor = uiGrid == F::s_uiTypeUInt16Pair ? 0u : F::s_uiTypeColor;
-                    const ScanFormatC format{uiPosition, uiIntensity, uiNoise, uiGrid, uiColor, 1};
-                    std::remove(Path().c_str());
-                    Support::WriteScan(Path(), points, 3, 3, format);
-                    const std::string moved = Moved();
-                    EXPECT_NE(moved.find("are not finite"), std::string::npos);
-                    EXPECT_EQ(moved.rfind(PointByPoint(), 0), 0u);
-                    EXPECT_TRUE(moved == ThroughNumbers()) << uiPosition << " " << uiIntensity << " "
-                                                           << uiNoise << " " << uiGrid << " " << uiColor;
+                    for (const std::uint32_t uiColor : {0u, F::s_uiTypeColor})
+                        formats.push_back({uiPosition, uiIntensity, uiNoise, uiGrid, uiColor, 1});
                 }
             }
         }
     }
+    return formats;
+}
+
+TEST_F(ScanExport, RecordsAreTheSameMovedAndThroughNumbersForEveryFormat)
+{
+    // More than a batch.
+    const std::vector<Tool::ScanPointC> points = SomePoints(10500);
+    for (const ScanFormatC& format : AllFormats()) {
+        std::remove(Path().c_str());
+        Support::WriteScan(Path(), points, 3, 3, format);
+        const std::string moved = Written();
+        ASSERT_NE(moved.find("are not finite"), std::string::npos);
+        ASSERT_EQ(moved.rfind(PointByPoint(), 0), 0u);
+        ASSERT_TRUE(moved == ThroughNumbers())
+            << format.uiPosition << " " << format.uiIntensity << " " << format.uiNoise << " " << format.uiGrid
+            << " " << format.uiColor;
+        // The same behind PLY's header.
+        const std::string ply = Written({}, FormT::Ply);
+        ASSERT_TRUE(ply.substr(ply.find("end_header\n") + 11) == moved);
+    }
+}
+
+TEST_F(ScanExport, WithThePoseAppliedNoStoredBytesAreMoved)
+{
+    const std::vector<Tool::ScanPointC> points = SomePoints(10500);
+    for (const std::uint32_t uiPosition : {F::s_uiTypeFloatTriple, F::s_uiTypeDoubleTriple}) {
+        std::remove(Path().c_str());
+        WritePosedScan(uiPosition, points);
+        const ExportChoicesC applied{.bApplyPose = true, .oPosition = {}};
+        const std::string mapped = Written(applied);
+        EXPECT_TRUE(mapped.rfind(PointByPoint(applied), 0) == 0) << uiPosition;
+        EXPECT_TRUE(mapped == ThroughNumbers(applied)) << uiPosition;
+        EXPECT_NE(mapped.find("mapped by the pose"), std::string::npos);
+        EXPECT_FALSE(PointByPoint(applied) == PointByPoint()) << uiPosition; // the pose does something
+        const std::string ply = Written(applied, FormT::Ply);
+        EXPECT_TRUE(ply.substr(ply.find("end_header\n") + 11) == mapped) << uiPosition;
+    }
+}
+
+TEST_F(ScanExport, OfATornScanTheWholePointsAreMovedAndTheOthersReported)
+{
+    Support::WriteScan(Path(), SomePoints(10500));
+    const std::string whole = Written();
+    std::string file = Support::ReadAll(Path());
+    ScanReaderC reader(Path());
+    const std::size_t nStored = reader.ReadStored().nStride;
+    // Within the second batch, and within a point.
+    file.resize(file.size() - 300 * nStored - nStored / 2);
+    Support::WriteAll(Path(), file);
+    ScanReaderC torn(Path());
+    const std::size_t nRecordBytes = ScanExportC(torn, {}).GetHeader().GetRecordBytes();
+    const std::string moved = Written();
+    EXPECT_EQ(moved.substr(0, 10199 * nRecordBytes), whole.substr(0, 10199 * nRecordBytes));
+    EXPECT_EQ(moved[10199 * nRecordBytes], '\n'); // the report begins
+    EXPECT_NE(moved.find("301 are missing, the file is torn"), std::string::npos);
+    EXPECT_TRUE(moved == ThroughNumbers());
 }
 
 TEST_F(ScanExport, OfSeveralElementsOfAKindTheLastOneIsMoved)
@@ -189,7 +277,7 @@ TEST_F(ScanExport, OfSeveralElementsOfAKindTheLastOneIsMoved)
     stored.push_back(0x12);
     const Support::BytesT bytes = file.Data(stored).Get();
     Support::WriteAll(Path(), std::string(bytes.begin(), bytes.end()));
-    const std::string moved = Moved();
+    const std::string moved = Written();
     EXPECT_EQ(moved.substr(12, 2), "\x34\x12");
     EXPECT_EQ(moved.rfind(PointByPoint(), 0), 0u);
     EXPECT_EQ(moved, ThroughNumbers());
@@ -197,18 +285,24 @@ TEST_F(ScanExport, OfSeveralElementsOfAKindTheLastOneIsMoved)
 
 TEST_F(ScanExport, WhatMustBeConvertedIsNotMoved)
 {
-    Support::WriteScan(Path(), SomePoints(20));
+    const std::vector<Tool::ScanPointC> points = SomePoints(10500);
+    Support::WriteScan(Path(), points);
+    const ExportChoicesC choices{.bApplyPose = false, .oPosition = Tool::NumberTypeT::Float};
+    const std::string converted = Written(choices);
+    EXPECT_TRUE(converted == ThroughNumbers(choices));
+    EXPECT_TRUE(converted.rfind(PointByPoint(choices), 0) == 0);
     ScanReaderC reader(Path());
-    ScanExportC scan(reader, {false, Tool::NumberTypeT::Float});
-    const Tool::OutputFileC data(m_directory.Narrow("a.bin"), false),
-        header(m_directory.Narrow("a.json"), false);
-    const auto sink = MakeRawSink(data, header, scan.GetHeader(), "a");
-    EXPECT_EQ(scan.Forward(*sink), 20u);
-    EXPECT_EQ(scan.Forward(*sink), 0u);
-    sink->Finish();
-    float fX = 0;
-    std::memcpy(&fX, Support::ReadAll(data.GetTemporaryPath()).data(), sizeof fX);
-    EXPECT_EQ(static_cast<double>(fX), SomePoints(1)[0].x);
+    const std::size_t nRecordBytes = ScanExportC(reader, choices).GetHeader().GetRecordBytes();
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double adPosition[] = {points[i].x, points[i].y, points[i].z};
+        float afStored[3];
+        std::memcpy(afStored, &converted[i * nRecordBytes], sizeof afStored);
+        for (std::size_t j = 0; j < 3; ++j) {
+            ASSERT_TRUE(static_cast<double>(afStored[j]) == adPosition[j] ||
+                        (std::isnan(afStored[j]) && std::isnan(adPosition[j])))
+                << i << " " << j;
+        }
+    }
 }
 
 } // namespace

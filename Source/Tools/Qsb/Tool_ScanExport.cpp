@@ -79,8 +79,10 @@ std::size_t ScanExportC::Read(std::vector<std::vector<double>>& columns)
 {
     const ScanReaderC::StoredT stored = ReadStored();
     columns.resize(m_vecFields.size());
+    for (auto& column : columns)
+        column.resize(stored.nPoints);
+    if (stored.nPoints == 0) return 0;
     for (std::size_t i = 0; i < m_vecFields.size(); ++i) {
-        columns[i].resize(stored.nPoints);
         LoadNumbers(m_vecFields[i].eStored, false, stored.pFirst + m_vecFields[i].nOffset, stored.nStride,
                     stored.nPoints, columns[i].data());
     }
