@@ -88,7 +88,7 @@ private:
 
     const std::intptr_t m_handle;
     const FileIdentity m_identity;
-    mutable bool m_limited = true; // the system may answer a write by a signal
+    [[maybe_unused]] mutable bool m_limited = true; // the system may answer a write by a signal
 };
 
 /// What the name stands for now. False when there is no such file.
