@@ -4,6 +4,7 @@
 // Thread ids are the kernel's, so that they match what system tools show.
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_ThreadIdCache.h"
 #include "Bss/Bss_Hal/BSS_HAL_ThreadName.h"
 
 #include <cerrno>
@@ -16,8 +17,6 @@ namespace BSS::HAL {
 
 namespace {
 
-constinit thread_local std::uint32_t t_threadId = 0;
-
 std::uint32_t AskThreadId() noexcept
 {
     return static_cast<std::uint32_t>(::syscall(SYS_gettid));
@@ -29,6 +28,8 @@ bool IsMainThread() noexcept
 }
 
 } // namespace
+
+constinit thread_local std::uint32_t t_threadId = 0;
 
 std::uint32_t CurrentThreadId() noexcept
 {

@@ -20,7 +20,6 @@ namespace {
 
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_Mutex)";
 
-constexpr std::uint32_t LOCKED = 0x80000000u;
 constexpr std::uint32_t WAITER = 0x00000001u;
 constexpr std::uint32_t WAITERS = 0x000FFFFFu;
 constexpr std::uint32_t SIGNALLER = 0x00100000u;
@@ -42,36 +41,9 @@ MutexC::~MutexC()
     HAL::CloseWakeEvent(m_event.exchange(nullptr));
 }
 
-void MutexC::lock()
+void MutexC::ReportNotOwner()
 {
-    const std::uint32_t self = HAL::CurrentThreadId();
-    // Relaxed: only this thread ever stores its own id here, so no other value can be mistaken for it.
-    if (m_ownerId.load(std::memory_order_relaxed) == self) {
-        ++m_recursionCount;
-        return;
-    }
-    std::uint32_t free = 0;
-    // Acquire here and in TryAcquire pairs with the release in Release: what the last owner did is visible.
-    if (!m_lockWord.compare_exchange_strong(free, LOCKED, std::memory_order_acquire,
-                                            std::memory_order_relaxed)) {
-        AcquireSlowly();
-    }
-    m_ownerId.store(self, std::memory_order_relaxed);
-    m_recursionCount = 1;
-}
-
-void MutexC::unlock()
-{
-    if (m_ownerId.load(std::memory_order_relaxed) != HAL::CurrentThreadId()) {
-        BSS_ASSERT(!"Mutex unlocked by a thread that does not own it!");
-        return;
-    }
-    if (--m_recursionCount > 0) return;
-    m_ownerId.store(0, std::memory_order_relaxed);
-    std::uint32_t held = LOCKED;
-    if (!m_lockWord.compare_exchange_strong(held, 0, std::memory_order_release, std::memory_order_relaxed)) {
-        Release();
-    }
+    BSS_ASSERT(!"Mutex unlocked by a thread that does not own it!");
 }
 
 // Takes the mutex if it is free at this moment. A thread that is counted as waiting is so no longer then, and

@@ -8,6 +8,7 @@
 // holds or awaits it, even if the thread that released it last is still on its way out of unlock().
 #pragma once
 
+#include "Bss/Bss_Hal/BSS_HAL_ThreadIdCache.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Lock.h"
 
 #include <atomic>
@@ -26,15 +27,47 @@ public:
 
     /// Waits without limit. The owner may lock again and must unlock as often. Throws SysServiceErrorC with
     /// RC_SERVICE_FAILED when the system cannot give the event to wait on; the mutex is not held then.
-    void lock() override;
+    void lock() override
+    {
+        const std::uint32_t self = HAL::CachedThreadId();
+        // Relaxed: only this thread ever stores its own id here, so no other value can be mistaken for it.
+        if (m_ownerId.load(std::memory_order_relaxed) == self) {
+            ++m_recursionCount;
+            return;
+        }
+        std::uint32_t free = 0;
+        // Acquire here and in TryAcquire pairs with the release in unlock and Release: what the last owner
+        // did is visible.
+        if (!m_lockWord.compare_exchange_strong(free, LOCKED, std::memory_order_acquire,
+                                                std::memory_order_relaxed)) {
+            AcquireSlowly();
+        }
+        m_ownerId.store(self, std::memory_order_relaxed);
+        m_recursionCount = 1;
+    }
 
     /// Releases the mutex once it has been called as often as lock(). A call by a thread that does not own it
     /// is reported by an assertion and changes nothing.
-    void unlock() override;
+    void unlock() override
+    {
+        if (m_ownerId.load(std::memory_order_relaxed) != HAL::CachedThreadId()) {
+            ReportNotOwner();
+            return;
+        }
+        if (--m_recursionCount > 0) return;
+        m_ownerId.store(0, std::memory_order_relaxed);
+        std::uint32_t held = LOCKED;
+        if (!m_lockWord.compare_exchange_strong(held, 0, std::memory_order_release,
+                                                std::memory_order_relaxed)) {
+            Release();
+        }
+    }
 
     ~MutexC() override;
 
 private:
+    static constexpr std::uint32_t LOCKED = 0x80000000u;
+
     enum class Caller
     {
         New,
@@ -45,6 +78,7 @@ private:
     bool SpinToAcquire(Caller caller) noexcept;
     void AcquireSlowly();
     void Release() noexcept;
+    static void ReportNotOwner();
     HAL::WakeEvent* Event();
 
     std::atomic<std::uint32_t> m_ownerId{0};

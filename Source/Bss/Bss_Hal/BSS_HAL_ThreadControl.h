@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// What is done to threads from outside: their priority and their forced end. Threads go by the number that
+// CurrentThreadId gives. Safe from any thread.
+//
+// The forced end is what it is called. The thread ends wherever it happens to be: nothing is unwound, no
+// destructor and no thread-local cleanup runs, its stack stays allocated, and every lock that it holds stays
+// locked for ever, those of the C library's heap included. On Windows the system ends the thread; on Linux a
+// signal handler does, so a thread that blocks that signal, or sleeps in the kernel where no signal reaches
+// it, goes on. The waits of this platform layer alone are made for it: a thread is never ended while it holds
+// their lock, and one that waited takes no signal away from others.
+#pragma once
+
+#include <cstdint>
+
+namespace BSS::HAL {
+
+inline constexpr int PRIORITY_TIME_CRITICAL = 15;
+
+/// Gives a living thread a priority of the Windows scale: 15, 2, 1, 0, -1, -2 or -15. On Linux 15 is
+/// round-robin real time and the others are nice values 10 apart at the ends and 5 in between; what is above
+/// normal needs the permission to. False, and the priority is as before, when the system refuses.
+bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept;
+
+/// The calling thread may be ended by force from now on.
+void AllowForcedEnd() noexcept;
+
+/// Ends a thread of this process. On Linux the exit code goes nowhere. False when there is no such thread, or
+/// when it has not ended within a second.
+bool EndThreadByForce(std::uint32_t threadId, std::uint32_t exitCode) noexcept;
+
+/// Lets the calling thread's waits end as exactly as the system can; Linux otherwise takes up to 50
+/// microseconds more to end several waits at once. Nothing on Windows.
+void AskForExactWaits() noexcept;
+
+/// Runs the calling thread at time-critical priority, if the system lets it, until the object goes.
+class PriorityBoostC
+{
+public:
+    PriorityBoostC() noexcept;
+    ~PriorityBoostC();
+    PriorityBoostC(const PriorityBoostC&) = delete;
+    PriorityBoostC& operator=(const PriorityBoostC&) = delete;
+
+private:
+    int m_before = 0;
+    bool m_bRaised = false;
+};
+
+} // namespace BSS::HAL

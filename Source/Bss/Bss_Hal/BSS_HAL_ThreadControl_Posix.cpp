@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The signal is the last real-time one that nobody else had taken when the first thread allowed its end. The
+// handler ends the thread with the bare system call: the C library would unwind, and unwinding through a
+// noexcept function ends the whole process.
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
+
+#include "Bss/Bss_Hal/BSS_HAL_EndShield_Posix.h"
+#include "Bss/Bss_Hal/BSS_HAL_StaticLock.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <mutex>
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
+
+namespace BSS::HAL {
+
+namespace {
+
+constinit thread_local volatile int t_shields = 0;
+constinit thread_local volatile bool t_endPending = false;
+
+constinit StaticLockC s_endLock; // one forced end at a time
+constinit std::atomic<std::uint32_t> s_threadToEnd{0};
+
+[[noreturn]] void EndThisThread() noexcept
+{
+    AbandonWait();
+    s_threadToEnd.store(0);
+    for (;;)
+        ::syscall(SYS_exit, 0);
+}
+
+void OnEndSignal(int) noexcept
+{
+    const int saved = errno;
+    // Somebody else may send the signal too; that means nothing.
+    if (s_threadToEnd.load() == CurrentThreadId()) {
+        if (t_shields == 0) EndThisThread();
+        t_endPending = true;
+    }
+    errno = saved;
+}
+
+int InstallEndSignal() noexcept
+{
+    for (int number = SIGRTMAX; number > SIGRTMIN; --number) {
+        struct sigaction before = {};
+        if (::sigaction(number, nullptr, &before) != 0 || before.sa_handler != SIG_DFL) continue;
+        struct sigaction action = {};
+        action.sa_handler = &OnEndSignal;
+        action.sa_flags = SA_RESTART;
+        ::sigfillset(&action.sa_mask);
+        if (::sigaction(number, &action, nullptr) == 0) return number;
+    }
+    return 0;
+}
+
+int EndSignal() noexcept
+{
+    static const int number = InstallEndSignal();
+    return number;
+}
+
+bool NiceOf(int priority, int& nice) noexcept
+{
+    struct RowT
+    {
+        int priority;
+        int nice;
+    };
+    static constexpr RowT ROWS[] = {{2, -10}, {1, -5}, {0, 0}, {-1, 5}, {-2, 10}, {-15, 19}};
+    for (const RowT& row : ROWS) {
+        if (row.priority != priority) continue;
+        nice = row.nice;
+        return true;
+    }
+    return false;
+}
+
+bool IsAlive(std::uint32_t threadId) noexcept
+{
+    return ::syscall(SYS_tgkill, ::getpid(), threadId, 0) == 0;
+}
+
+} // namespace
+
+EndShieldC::EndShieldC() noexcept
+{
+    t_shields = t_shields + 1;
+}
+
+EndShieldC::~EndShieldC()
+{
+    t_shields = t_shields - 1;
+    if (t_shields == 0 && t_endPending) EndThisThread();
+}
+
+bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept
+{
+    const auto id = static_cast<pid_t>(threadId);
+    if (priority == PRIORITY_TIME_CRITICAL) {
+        const sched_param parameter = {::sched_get_priority_min(SCHED_RR)};
+        return ::sched_setscheduler(id, SCHED_RR, &parameter) == 0;
+    }
+    int nice = 0;
+    if (!NiceOf(priority, nice)) return false;
+    const sched_param parameter = {0};
+    const int policy = ::sched_getscheduler(id);
+    if (policy < 0) return false;
+    if (policy != SCHED_OTHER && ::sched_setscheduler(id, SCHED_OTHER, &parameter) != 0) return false;
+    return ::setpriority(PRIO_PROCESS, static_cast<id_t>(id), nice) == 0;
+}
+
+void AllowForcedEnd() noexcept
+{
+    const int number = EndSignal();
+    if (number == 0) return;
+    sigset_t set;
+    ::sigemptyset(&set);
+    ::sigaddset(&set, number);
+    ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+bool EndThreadByForce(std::uint32_t threadId, std::uint32_t) noexcept
+{
+    constexpr int ROUNDS = 10000; // of 100 microseconds
+    const int number = EndSignal();
+    if (number == 0 || threadId == CurrentThreadId()) return false;
+    const std::lock_guard<StaticLockC> guard(s_endLock);
+    s_threadToEnd.store(threadId);
+    bool sent = ::syscall(SYS_tgkill, ::getpid(), threadId, number) == 0;
+    for (int round = 0; sent && IsAlive(threadId); ++round) {
+        const timespec pause = {0, 100000};
+        ::nanosleep(&pause, nullptr);
+        sent = round < ROUNDS;
+    }
+    s_threadToEnd.store(0);
+    return sent;
+}
+
+void AskForExactWaits() noexcept
+{
+    ::prctl(PR_SET_TIMERSLACK, 1UL); // nanoseconds; 0 would ask for the usual
+}
+
+PriorityBoostC::PriorityBoostC() noexcept : m_before(::sched_getscheduler(0))
+{
+    if (m_before != SCHED_OTHER && m_before != SCHED_BATCH && m_before != SCHED_IDLE) return;
+    const sched_param parameter = {::sched_get_priority_min(SCHED_RR)};
+    m_bRaised = ::sched_setscheduler(0, SCHED_RR, &parameter) == 0;
+}
+
+PriorityBoostC::~PriorityBoostC()
+{
+    const sched_param parameter = {0};
+    if (m_bRaised) ::sched_setscheduler(0, m_before, &parameter);
+}
+
+} // namespace BSS::HAL

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Memory for what is made on one thread and freed on another all the time: messages and their nodes. Each
+// thread keeps a few blocks; what is too many goes, and what is missing comes, in chains of 32 from a store
+// for all threads, so that its lock is taken once in 32 times. Safe from any thread, at any time of a
+// thread's life.
+#pragma once
+
+#include <cstddef>
+
+namespace BSS::TSK {
+
+class BlockPool
+{
+public:
+    static constexpr std::size_t SMALL_BYTES = 32;
+    static constexpr std::size_t LARGE_BYTES = 64;
+
+    BlockPool() = delete;
+
+    /// A block for so many bytes, from the heap if they are more than LARGE_BYTES. Throws std::bad_alloc.
+    static void* Allocate(std::size_t bytes);
+
+    /// `bytes` as they were asked for.
+    static void Free(void* block, std::size_t bytes) noexcept;
+};
+
+} // namespace BSS::TSK

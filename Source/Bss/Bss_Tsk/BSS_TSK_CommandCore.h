@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// What a command task's object and its thread have together and either may outlive: the queue, the events,
+// the table of extra events and the flags. The object posts into it, the thread runs the loop over it. For
+// the sources of BSS_TSK_Command* and tests only.
+#pragma once
+
+#include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
+#include "Bss/Bss_Hal/BSS_HAL_Waitable.h"
+#include "Bss/Bss_Tsk/BSS_TSK_CommandPosting.h"
+#include "Bss/Bss_Tsk/BSS_TSK_Event.h"
+#include "Bss/Bss_Tsk/BSS_TSK_MsgQueue.h"
+#include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
+#include "Bss/Bss_Tsk/BSS_TSK_TaskStatistics.h"
+#include "Bss/Bss_Uti/BSS_UTI_Subject.h"
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace BSS::DBG {
+class DbgLogConsumerC;
+} // namespace BSS::DBG
+
+namespace BSS::TSK {
+
+/// The lock and lists that the task's thread holds and changes. A thread that is ended by force may leave
+/// them locked or half changed; the next one gets new ones, and these are abandoned.
+struct CommandRunSideT
+{
+    MutexC queueLock;
+    TakenMsgsT taken;
+    MsgPtrT current; ///< the message that is being executed
+    MutexC tableLock;
+    std::map<HAL::WaitHandleT, std::shared_ptr<const ExtraEventHandlerT>> table; ///< of extra events
+};
+
+class CommandCoreC
+{
+public:
+    static constexpr std::size_t MAX_EXTRA_EVENTS = HAL::MAX_WAIT_HANDLES - 2;
+    using WaitFunctionT = HAL::WaitAnswerT (*)(const HAL::WaitHandleT* handles, std::size_t count,
+                                               std::uint32_t limitMs) noexcept;
+
+    CommandCoreC(std::string name, std::shared_ptr<DBG::DbgLogConsumerC> logger, std::uint32_t maxMsgCount);
+    ~CommandCoreC();
+    CommandCoreC(const CommandCoreC&) = delete;
+    CommandCoreC& operator=(const CommandCoreC&) = delete;
+
+    // Any thread.
+    ResultCodeT AddNewMsg(const MsgPtrT& message, bool bHigh);
+    ResultCodeT PostStopRequest();
+    ResultCodeT Attach(HAL::WaitHandleT handle, ExtraEventHandlerT handler);
+    ResultCodeT Detach(HAL::WaitHandleT handle);
+    std::int32_t Percent(std::uint32_t count) const noexcept;
+
+    /// Puts a side of its own in the place of one that a thread has left behind.
+    void AbandonRunSide();
+
+    // The task's thread.
+    void Loop();
+
+    template<typename... Arguments>
+    void Log(int level, const char* format, const Arguments&... arguments) const;
+    bool IsLogged(int level) const noexcept;
+
+    const std::string name;
+    const std::shared_ptr<DBG::DbgLogConsumerC> logger;
+    MsgQueueC queue;
+    EventC queueEvent{HAL::ResetMode::Manual};
+    EventC reloadEvent;
+    std::atomic<CommandRunSideT*> side{new CommandRunSideT};
+    std::atomic<std::uint32_t> waitTimeoutMs{HAL::WAIT_WITHOUT_LIMIT};
+    std::atomic<bool> bOverflow{false};
+    std::atomic<std::uint32_t> lastCount{0}; ///< of messages, with the last successful post
+    std::atomic<bool> bStopRequested{false};
+    std::atomic<bool> bStopInOrder{false};
+    std::atomic<ResultCodeT> lastStopPost{RC_FAILED};
+    std::atomic<bool> bKilled{false};  ///< the loop is to leave at once
+    std::atomic<bool> bEntered{false}; ///< the thread has its share of this
+    std::atomic<bool> bAssertOnOverflow{false};
+    TaskStatisticsC statistics;
+    UTI::SubjectC overflowSubject;
+    UTI::SubjectC mainEndedSubject;
+    MutexC settingsLock; ///< guards the two below
+    std::wstring overflowText;
+    std::shared_ptr<UTI::SubjectC> timeoutSubject;
+    MutexC hookLock;
+    std::function<void()> timeoutHook; ///< empty once the object is gone; guarded by the lock above
+    WaitFunctionT wait = &HAL::WaitForAny;
+
+private:
+    using HandlesT = std::vector<HAL::WaitHandleT>;
+
+    ResultCodeT RefuseFull();
+    void LogLevel(std::uint32_t count, std::uint32_t before) const;
+    HandlesT BuildWaitList();
+    void Serve(const HAL::WaitAnswerT& answer, HandlesT& handles, bool& bLeave);
+    void ServeTimeout(bool& bLeave);
+    void ServeFailure(std::uint32_t error, HandlesT& handles);
+    void ServeExtraEvent(HAL::WaitHandleT handle);
+    bool ExecuteMessages();
+    bool MoreComes() const noexcept;
+    void Execute(MsgObjectI& message);
+    template<typename ActionT>
+    void Guarded(const char* pszWhat, const ActionT& action);
+};
+
+} // namespace BSS::TSK

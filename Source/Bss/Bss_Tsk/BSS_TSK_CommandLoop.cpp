@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The loop of a command task, on its thread. Nothing that is called from here ends it but a stop request, a
+// kill, and boost::thread_interrupted.
+#include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
+#include "Bss/Bss_Tsk/BSS_TSK_CommandCore.h"
+#include "Bss/Bss_Tsk/BSS_TSK_CommandLog.h"
+#include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
+#include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
+
+#include <boost/thread/exceptions.hpp>
+#include <exception>
+
+namespace BSS::TSK {
+
+namespace {
+
+constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_CommandTask)";
+
+// Lines by which these reports and texts have always been known.
+constexpr std::int32_t LINE_INVALID_HANDLE = 495;
+constexpr std::int32_t LINE_WAIT_FAILED_TEXT = 511;
+constexpr std::int32_t LINE_WAIT_FAILED = 513;
+constexpr std::int32_t LINE_OTHER_ANSWER = 543;
+
+// As the negated literal would be spelled.
+constexpr char INVALID_HANDLE[] =
+    "!\"WAIT_FAILED occurred in BSS::TSK::CommandTaskC::main because of an invalid handle! "
+    "This could be caused by not calling detachEvent() before the event handle is closed.\"";
+
+constexpr std::size_t QUEUE_EVENT = 0;
+constexpr std::size_t RELOAD_EVENT = 1;
+
+using KindT = HAL::WaitAnswerT::Kind;
+
+} // namespace
+
+// Runs what belongs to others.
+template<typename ActionT>
+void CommandCoreC::Guarded(const char* pszWhat, const ActionT& action)
+{
+    try {
+        action();
+    } catch (const boost::thread_interrupted&) {
+        throw;
+    } catch (const std::exception& error) {
+        Log(DBG::LEVEL_ERROR, "[BSS::TSK::CommandTaskC] exception in %s: %s\n", pszWhat, error.what());
+    } catch (...) {
+        Log(DBG::LEVEL_ERROR, "[BSS::TSK::CommandTaskC] unknown exception in %s\n", pszWhat);
+    }
+}
+
+void CommandCoreC::Loop()
+{
+    struct EndC
+    {
+        CommandCoreC& core;
+        ~EndC()
+        {
+            try {
+                core.Guarded("a main-ended observer",
+                             [this] { core.mainEndedSubject.notify(COMMAND_TASK_MAIN_ENDED); });
+            } catch (const boost::thread_interrupted&) {
+                // The thread is on its way out already.
+            }
+        }
+    } const end{*this};
+    HandlesT handles = BuildWaitList();
+    bool bLeave = false;
+    while (!bLeave && !bKilled.load()) {
+        const std::uint32_t limitMs = bOverflow.load() ? 0 : waitTimeoutMs.load();
+        statistics.markIdle();
+        Serve(wait(handles.data(), handles.size(), limitMs), handles, bLeave);
+    }
+}
+
+// Handles that are closed are left out: they have been reported, and would be so for ever.
+CommandCoreC::HandlesT CommandCoreC::BuildWaitList()
+{
+    HandlesT handles = {queueEvent.getHandle(), reloadEvent.getHandle()};
+    CommandRunSideT& own = *side.load();
+    const GuardC guard(own.tableLock);
+    for (const auto& [handle, handler] : own.table)
+        if (HAL::IsWaitHandleOpen(handle)) handles.push_back(handle);
+    return handles;
+}
+
+void CommandCoreC::Serve(const HAL::WaitAnswerT& answer, HandlesT& handles, bool& bLeave)
+{
+    if (answer.kind == KindT::TimedOut) {
+        ServeTimeout(bLeave);
+    } else if (answer.kind == KindT::Failed) {
+        ServeFailure(answer.error, handles);
+    } else if (answer.kind != KindT::Signalled || answer.index >= handles.size()) {
+        BSS_ASSERT_AT(false, LINE_OTHER_ANSWER);
+    } else if (answer.index == QUEUE_EVENT) {
+        bLeave = ExecuteMessages();
+    } else if (answer.index == RELOAD_EVENT) {
+        Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] reload event list\n");
+        handles = BuildWaitList();
+    } else {
+        ServeExtraEvent(handles[answer.index]);
+    }
+}
+
+void CommandCoreC::ServeTimeout(bool& bLeave)
+{
+    Log(DBG::LEVEL_FINEST, "[BSS::TSK::CommandTaskC] timeout occurred\n");
+    if (bOverflow.load()) {
+        bOverflow.store(false);
+        Guarded("an overflow observer", [this] { overflowSubject.notify(COMMAND_TASK_OVERFLOW_ENDED); });
+        if (bStopRequested.load()) bLeave = true;
+    }
+    Guarded("the time-out hook", [this] {
+        const GuardC guard(hookLock);
+        if (timeoutHook) timeoutHook();
+    });
+    std::shared_ptr<UTI::SubjectC> subject;
+    {
+        const GuardC guard(settingsLock);
+        subject = timeoutSubject;
+    }
+    if (subject) Guarded("a time-out observer", [&] { subject->notify(COMMAND_TASK_TIMEOUT); });
+}
+
+void CommandCoreC::ServeFailure(std::uint32_t error, HandlesT& handles)
+{
+    if (error != HAL::WAIT_ERROR_INVALID_HANDLE) {
+        Log(DBG::LEVEL_ERROR, "[BSS::TSK::CommandTaskC] Ln%4d: WaitForMultipleObjects Failed (%d)\n",
+            LINE_WAIT_FAILED_TEXT, error);
+        BSS_ASSERT_AT(false, LINE_WAIT_FAILED);
+        return;
+    }
+    if (HAL::WaitForOne(reloadEvent.getHandle(), 0)) {
+        Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] reload event list\n");
+    } else {
+        ERR::AssertFailed(INVALID_HANDLE, 0, 0, BSS_SOURCE_NAME, LINE_INVALID_HANDLE);
+    }
+    handles = BuildWaitList();
+}
+
+void CommandCoreC::ServeExtraEvent(HAL::WaitHandleT handle)
+{
+    Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] handle extra event\n");
+    CommandRunSideT& own = *side.load();
+    const GuardC guard(own.tableLock);
+    const auto found = own.table.find(handle);
+    if (found == own.table.end()) return;
+    const std::shared_ptr<const ExtraEventHandlerT> handler = found->second; // it may detach itself
+    Guarded("an event handler", [&] { (*handler)(handle); });
+}
+
+// Who posts one message often posts another: looking for a moment costs less than going to sleep and being
+// woken.
+bool CommandCoreC::MoreComes() const noexcept
+{
+    constexpr int ROUNDS = 40;
+    for (int round = 0; round < ROUNDS; ++round) {
+        if (queue.hasPushed()) return true;
+        HAL::SpinPause();
+    }
+    return false;
+}
+
+// Runs all messages that wait. The event is reset once, before the first look: whoever posts after the last
+// look finds it reset, or signals it again.
+bool CommandCoreC::ExecuteMessages()
+{
+    CommandRunSideT& own = *side.load();
+    {
+        const GuardC guard(own.queueLock);
+        queueEvent.reset();
+    }
+    bool bLeave = false;
+    std::uint32_t nExecuted = 0;
+    std::int32_t left = 0; // messages that wait behind a stop request and still run
+    while (!bKilled.load(std::memory_order_relaxed)) {
+        if (bLeave && left-- <= 0) return true;
+        own.current = queue.take(own.taken);
+        if (!own.current) {
+            if (bLeave || bStopRequested.load()) return true;
+            if (nExecuted == 0 || !MoreComes()) return false;
+            continue;
+        }
+        ++nExecuted;
+        if (bStopRequested.load(std::memory_order_relaxed) && lastStopPost.load() != RC_OK)
+            lastStopPost.store(PostStopRequest());
+        MsgObjectI& message = *own.current;
+        if (IsLogged(DBG::LEVEL_FINE)) {
+            Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] pop queue (CmdReqId:%d), %d messages used\n",
+                message.getCmdReqId(), queue.getCount());
+        }
+        if (message.getKind() == MsgKind::StopRequest) {
+            Log(DBG::LEVEL_FINE,
+                "[BSS::TSK::CommandTaskC] execute (CmdReqId:%d) stop command, leaving loop\n",
+                message.getCmdReqId());
+            if (!bLeave) left = queue.getCount();
+            bLeave = true;
+        } else {
+            Execute(message);
+        }
+        own.current = nullptr;
+    }
+    return true;
+}
+
+// The clock is read only when somebody reads the answer: it would cost more than all the rest.
+void CommandCoreC::Execute(MsgObjectI& message)
+{
+    const bool bLogged = IsLogged(DBG::LEVEL_FINE);
+    if (bLogged) {
+        Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] execute   (CmdReqId:%d) entry: CmdClientType=%s\n",
+            message.getCmdReqId(), message.getCmdClientType());
+    }
+    const std::uint64_t begin = bLogged ? HAL::TickCount64() : 0;
+    statistics.markBusy();
+    Guarded(message.getCmdClientType(), [&] { message.execute(); });
+    if (!bLogged) return;
+    Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] execute   (CmdReqId:%d) exit:  CmdClientType=%s, %d ms\n",
+        message.getCmdReqId(), message.getCmdClientType(),
+        static_cast<std::int32_t>(HAL::TickCount64() - begin));
+}
+
+} // namespace BSS::TSK

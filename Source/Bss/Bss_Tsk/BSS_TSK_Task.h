@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// One thread of the process with a name, a priority, a stack size and a life: it is started, asked to stop,
+// waited for, and killed if it does not listen. A concrete task supplies main(), which must reach Boost's
+// interruption points (interruptible waits, sleeps, boost::this_thread::interruption_point) for stop() to end
+// it.
+//
+// start, stop, waitForStop and kill may be called from any thread but the task's own. A task can be started
+// again once it has stopped. It should have stopped before it is destroyed; a task that has not is reported
+// and let go, and that is safe only if its main() touches nothing but what it has a share in: the object is
+// gone while it runs on. What main() throws is logged and ends the task.
+//
+// kill() ends a thread that reaches no interruption point within 42 ms by force, wherever it is. What that
+// leaves behind says BSS_HAL_ThreadControl.h: locks held for ever, memory lost, nothing unwound. It is a last
+// resort of a process that is about to end.
+#pragma once
+
+#include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
+#include "Bss/Bss_Tsk/BSS_TSK_SysComponent.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace boost {
+class thread;
+} // namespace boost
+
+namespace BSS::DBG {
+class DbgLogConsumerC;
+} // namespace BSS::DBG
+
+namespace BSS::TSK {
+
+struct TaskRunT;
+
+/// What a task is made of.
+struct TaskSettingsT
+{
+    std::string name;
+    std::int32_t stackOption = 0;    ///< the entry of the task options whose stack size counts
+    std::int32_t priorityOption = 0; ///< the entry whose priority counts
+    bool allowPriorityBelowNormal = false;
+    bool assertOnKill = false;
+    std::shared_ptr<DBG::DbgLogConsumerC> logger = {}; ///< may be null: nothing is logged then
+};
+
+class TaskC : public SysComponentC
+{
+public:
+    explicit TaskC(TaskSettingsT settings);
+    ~TaskC() override;
+
+    /// Starts the thread. When this returns, main() is about to run or has run. Throws SysServiceErrorC with
+    /// RC_SERVICE_FAILED when the task is running or the system has no thread to give.
+    void start() override;
+
+    /// Requests the thread's interruption.
+    void stop() override;
+
+    /// Waits that many milliseconds at most, without limit when negative. True when the thread has ended or
+    /// never was. Throws boost::thread_resource_error on the task's own thread. An interruption point.
+    bool waitForStop(int timeoutMs) override;
+
+    /// Requests interruption, waits 42 ms for the end, and then ends the thread by force.
+    void kill() override;
+
+    const char* getComponentName() const noexcept override;
+
+    /// Gives the running thread the priority of the options table. Negative priorities are taken for normal
+    /// unless they are allowed; every call to a task that does not allow them is reported.
+    virtual void setPriority();
+
+protected:
+    /// The thread's work.
+    virtual void main() = 0;
+
+public:
+    const std::string& getName() const noexcept { return m_settings.name; }
+    bool isRunning() const;
+
+    /// The system's number of the running thread; 0 when there is none.
+    std::uint32_t getTaskId() const;
+
+    /// The task on whose thread this is called; null on other threads. It may be gone already if it was
+    /// destroyed while running.
+    static TaskC* getCurrent() noexcept;
+
+protected:
+    DBG::DbgLogConsumerC* getLogger() const noexcept { return m_settings.logger.get(); }
+
+    /// What stop() logs, for tasks that stop in another way.
+    void logStop() const;
+
+    /// What kill() does. Whether the thread had to be ended by force.
+    bool killThread();
+
+private:
+    /// What is known of the thread at one moment, both null when there is none.
+    struct ThreadT
+    {
+        std::shared_ptr<boost::thread> thread;
+        std::shared_ptr<TaskRunT> run;
+
+        bool isJoinable() const;
+        bool isRunning() const;
+    };
+
+    static void c_main(const std::shared_ptr<TaskRunT>& run, TaskC* self);
+    static void RunMain(const TaskRunT& run, TaskC& self);
+    ThreadT Thread() const;
+    void LogWait(std::uint32_t id, int timeoutMs) const;
+
+    TaskSettingsT m_settings;
+    mutable MutexC m_lock; // guards the thread below, not the thread's work
+    ThreadT m_thread;
+};
+
+} // namespace BSS::TSK

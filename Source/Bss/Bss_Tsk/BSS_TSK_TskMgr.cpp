@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// See the header.
+#include "Bss/Bss_Tsk/BSS_TSK_TskMgr.h"
+
+#include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
+
+namespace BSS::TSK {
+
+namespace {
+
+constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_TskMgr)";
+
+constexpr std::int32_t LINE_PRIORITY = 89;
+constexpr std::int32_t LINE_STACK_SIZE = 100;
+
+} // namespace
+
+TskMgr& TskMgr::instance()
+{
+    static TskMgr manager;
+    return manager;
+}
+
+void TskMgr::setTaskOptions(std::int32_t taskIdx, const TaskOptions& options)
+{
+    const GuardC guard(m_lock);
+    m_mTaskOptions[taskIdx] = options;
+}
+
+void TskMgr::removeTaskOptions(std::int32_t taskIdx)
+{
+    const GuardC guard(m_lock);
+    m_mTaskOptions.erase(taskIdx);
+}
+
+std::int32_t TskMgr::getPriority(std::int32_t taskIdx)
+{
+    return Options(taskIdx, LINE_PRIORITY).priority;
+}
+
+std::uint32_t TskMgr::getStackSize(std::int32_t taskIdx)
+{
+    return Options(taskIdx, LINE_STACK_SIZE).stackSizeBytes;
+}
+
+// The report is made with the lock free: its handler may ask for options too.
+TaskOptions TskMgr::Options(std::int32_t taskIdx, std::int32_t line)
+{
+    {
+        const GuardC guard(m_lock);
+        const auto found = m_mTaskOptions.find(taskIdx);
+        if (found != m_mTaskOptions.end()) return found->second;
+    }
+    ERR::AssertFailed("m_mTaskOptions.find( taskIdx ) != m_mTaskOptions.end()", 0, 0, BSS_SOURCE_NAME, line);
+    const GuardC guard(m_lock);
+    return m_mTaskOptions[taskIdx];
+}
+
+} // namespace BSS::TSK

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// GPS time, leap seconds, clocks and zones.
+#include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
+#include "Bss/Bss_Tim/BSS_TIM_GpsClock.h"
+#include "Bss/Bss_Tim/BSS_TIM_TimeZone.h"
+#include "Bss/Bss_Uti/BSS_UTI_Observer.h"
+#include "Support/ManualTicks.h"
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <map>
+
+using namespace BSS::TIM;
+
+namespace {
+
+TEST(GpsTime, BeginsOnTheSixthOfJanuary1980)
+{
+    EXPECT_EQ(GpsTimeOfUtc(315964800000, 0), (GpsTimeT{0, 0}));
+    EXPECT_EQ(UtcOfGpsTime({0, 0}, 0), 315964800000);
+}
+
+TEST(GpsTime, IsAheadOfUtcByTheLeapSeconds)
+{
+    // The beginning of 2017 in UTC is 18 seconds into Sunday's GPS day.
+    EXPECT_EQ(GpsTimeOfUtc(1483228800000, 18), (GpsTimeT{1930, 18000}));
+    EXPECT_EQ(UtcOfGpsTime({1930, 18000}, 18), 1483228800000);
+}
+
+TEST(GpsTime, WeeksRollOverAfter604800000Milliseconds)
+{
+    EXPECT_EQ(GpsTimeOf(604799999), (GpsTimeT{0, 604799999}));
+    EXPECT_EQ(GpsTimeOf(604800000), (GpsTimeT{1, 0}));
+    EXPECT_EQ(GpsMilliseconds({1, 5}), 604800005);
+    EXPECT_EQ(GpsTimeOf(-1), (GpsTimeT{0, 0}));
+    EXPECT_LT((GpsTimeT{1, 604799999}), (GpsTimeT{2, 0}));
+}
+
+TEST(LeapSeconds, TheDefaultCountsUntilASourceHasTold)
+{
+    LeapSecondsC leap;
+    EXPECT_EQ(leap.get(), 18);
+    EXPECT_EQ(leap.getSource(), LeapSource::Default);
+    EXPECT_EQ(leap.set(LeapSource::Site, 17), BSS::RC_OK);
+    EXPECT_EQ(leap.get(), 17);
+    EXPECT_EQ(leap.set(LeapSource::Glonass, 18), BSS::RC_OK);
+    EXPECT_EQ(leap.getSource(), LeapSource::Glonass);
+    EXPECT_EQ(leap.set(LeapSource::Forced, 30), BSS::RC_OK);
+    EXPECT_EQ(leap.get(), 30);
+    EXPECT_EQ(leap.clear(LeapSource::Forced), BSS::RC_OK);
+    EXPECT_EQ(leap.get(), 18);
+    EXPECT_EQ(leap.clear(LeapSource::Default), BSS::RC_INVALID_ARGUMENT);
+}
+
+TEST(LeapSeconds, WhatCannotBeIsRejected)
+{
+    LeapSecondsC leap;
+    EXPECT_EQ(leap.set(LeapSource::Forced, -1), BSS::RC_VALUE_REJECTED);
+    EXPECT_EQ(leap.set(LeapSource::Site, 100), BSS::RC_VALUE_REJECTED);
+    EXPECT_EQ(leap.set(LeapSource::Galileo, 20), BSS::RC_VALUE_REJECTED) << "they come singly";
+    EXPECT_EQ(leap.set(LeapSource::Galileo, 19), BSS::RC_OK);
+    EXPECT_EQ(leap.get(), 19);
+}
+
+TEST(LeapSeconds, AChangeOfWhatCountsIsToldAndNoOther)
+{
+    struct ToldC final : BSS::UTI::ObserverC
+    {
+        ~ToldC() override { detachAll(); }
+        void update(BSS::UTI::SubjectC&, std::uint32_t code,
+                    const BSS::UTI::RefPtrT<BSS::UTI::SharedObjectC>&) override
+        {
+            codes.push_back(code);
+        }
+        std::vector<std::uint32_t> codes;
+    } told;
+    LeapSecondsC leap;
+    leap.getSubject().attach(told);
+    leap.set(LeapSource::Site, 18);
+    EXPECT_TRUE(told.codes.empty());
+    leap.set(LeapSource::Beidou, 19);
+    EXPECT_EQ(told.codes, std::vector<std::uint32_t>{19});
+}
+
+TEST(GpsClock, TheSystemsFollowsTheWallClockAndTheLeapSeconds)
+{
+    SystemGpsClockC clock;
+    const auto unixMs = [] {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(
+                   std::chrono::system_clock::now().time_since_epoch())
+            .count();
+    };
+    const std::int64_t before = unixMs();
+    const std::int64_t now = UtcOfGpsTime(clock.now(), 18);
+    EXPECT_GE(now, before);
+    EXPECT_LE(now, unixMs());
+    clock.getLeapSeconds().set(LeapSource::Forced, 28);
+    EXPECT_GE(UtcOfGpsTime(clock.now(), 18), before + 10000);
+}
+
+TEST(GpsClock, ASimulatedOneStandsUntilItIsSet)
+{
+    SimulatedGpsClockC clock({5, 10});
+    EXPECT_EQ(clock.now(), (GpsTimeT{5, 10}));
+    clock.pass(604800000);
+    EXPECT_EQ(clock.now(), (GpsTimeT{6, 10}));
+    clock.set({7, 0});
+    EXPECT_EQ(clock.now(), (GpsTimeT{7, 0}));
+}
+
+TEST(TickClock, GoesOnWhereTheCounterWraps)
+{
+    Support::ManualTicks ticks(0xFFFFFFFEu);
+    TickClockC clock(ticks);
+    EXPECT_EQ(clock.now(), 0xFFFFFFFEu);
+    std::uint64_t expected = 0xFFFFFFFEu;
+    for (int wraps = 0; wraps < 3; ++wraps) {
+        for (const std::uint32_t step : {1u, 1u, 0x80000000u, 0x7FFFFFFEu}) {
+            ticks.add(step);
+            expected += step;
+            EXPECT_EQ(clock.now(), expected);
+        }
+    }
+}
+
+// A store in memory.
+class MemoryStoreC final : public BSS::OS::ConfigStoreI
+{
+public:
+    BSS::ResultCodeT Read(const std::wstring& key, const std::wstring& name,
+                          std::uint32_t& value) const override
+    {
+        const auto found = values.find(key + L"/" + name);
+        if (found == values.end()) return BSS::RC_FAILED;
+        value = found->second;
+        return BSS::RC_OK;
+    }
+    BSS::ResultCodeT Write(const std::wstring& key, const std::wstring& name, std::uint32_t value) override
+    {
+        values[key + L"/" + name] = value;
+        return BSS::RC_OK;
+    }
+    std::map<std::wstring, std::uint32_t> values;
+};
+
+TEST(TimeZone, ComesFromTheStoreAndIsUtcWithoutOne)
+{
+    MemoryStoreC store;
+    EXPECT_EQ(ReadTimeZoneMinutes(store), 0);
+    EXPECT_EQ(WriteTimeZoneMinutes(store, -210), BSS::RC_OK);
+    EXPECT_EQ(ReadTimeZoneMinutes(store), -210);
+    EXPECT_EQ(LocalOfUtc(1000, -210), 1000 - 210 * 60000);
+    EXPECT_EQ(WriteTimeZoneMinutes(store, 841), BSS::RC_VALUE_REJECTED);
+    store.values.begin()->second = 5000;
+    EXPECT_EQ(ReadTimeZoneMinutes(store), 0);
+}
+
+} // namespace
