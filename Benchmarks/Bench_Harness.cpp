@@ -8,12 +8,23 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <sys/resource.h>
 
 namespace Bench {
 
 namespace {
 
 volatile double s_dSink;
+
+struct ExpectationT
+{
+    std::string strWhat;
+    RatioT ratio;
+    double dWanted;
+    bool bAtLeast;
+};
+
+std::vector<ExpectationT> s_vecExpectations;
 
 double SmallestOf(const std::vector<double>& values)
 {
@@ -43,7 +54,13 @@ double ThreadSeconds()
 {
     timespec time = {};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    rusage children = {};
+    getrusage(RUSAGE_CHILDREN, &children);
+    const auto seconds = [](const timeval& t) {
+        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
+    };
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9 +
+           seconds(children.ru_utime) + seconds(children.ru_stime);
 }
 
 void RunInterleaved(std::vector<CandidateT>& candidates, int nRounds)
@@ -98,6 +115,34 @@ void PrintTimes(const std::vector<CandidateT>& candidates)
                     dThread / MedianOf(candidates[0].vecThreadSeconds));
     }
     std::fflush(stdout);
+}
+
+RatioT SpeedOf(const CandidateT& candidate, const CandidateT& reference)
+{
+    return {MedianOf(reference.vecClockSeconds) / MedianOf(candidate.vecClockSeconds),
+            MedianOf(reference.vecThreadSeconds) / MedianOf(candidate.vecThreadSeconds)};
+}
+
+void ExpectAtLeast(const std::string& strWhat, const RatioT& ratio, double dWanted)
+{
+    s_vecExpectations.push_back({strWhat, ratio, dWanted, true});
+}
+
+void ExpectAtMost(const std::string& strWhat, const RatioT& ratio, double dWanted)
+{
+    s_vecExpectations.push_back({strWhat, ratio, dWanted, false});
+}
+
+void PrintSummary()
+{
+    std::printf("== summary\n  %-58s %8s %8s  %s\n", "", "clock", "thread", "wanted");
+    for (const ExpectationT& each : s_vecExpectations) {
+        const bool bMet =
+            each.bAtLeast ? each.ratio.dClock >= each.dWanted : each.ratio.dClock <= each.dWanted;
+        std::printf("  %-58s %8.2f ", each.strWhat.c_str(), each.ratio.dClock);
+        each.ratio.dThread != 0 ? std::printf("%8.2f", each.ratio.dThread) : std::printf("%8s", "");
+        std::printf("  %s %.2f: %s\n", each.bAtLeast ? ">=" : "<=", each.dWanted, bMet ? "met" : "MISSED");
+    }
 }
 
 void Use(double dValue)

@@ -26,6 +26,8 @@ struct CandidateT
 
 double MedianOf(std::vector<double> values);
 double ClockSeconds();
+
+/// Processor time of this thread and of the programs that it ran and waited for.
 double ThreadSeconds();
 
 /// Runs every candidate once to warm up and then `nRounds` times, interleaved.
@@ -39,6 +41,22 @@ void PrintRates(const std::vector<CandidateT>& candidates, double dAmount, const
 /// Prints a table of the candidates' times in milliseconds, and how many times as long as the first one each
 /// takes.
 void PrintTimes(const std::vector<CandidateT>& candidates);
+
+/// How many times as fast as one candidate another one is, by medians.
+struct RatioT
+{
+    double dClock;
+    double dThread; ///< 0: does not apply
+};
+
+RatioT SpeedOf(const CandidateT& candidate, const CandidateT& reference);
+
+/// Notes what a ratio came out as and what it should be, for the summary.
+void ExpectAtLeast(const std::string& strWhat, const RatioT& ratio, double dWanted);
+void ExpectAtMost(const std::string& strWhat, const RatioT& ratio, double dWanted);
+
+/// Prints all that was noted.
+void PrintSummary();
 
 /// Keeps a result from being optimised away.
 void Use(double dValue);

@@ -3,6 +3,7 @@
 //
 // Chooses the cases that are run.
 #include "Bench_Cases.h"
+#include "Sio/Sio_InstructionSet.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -76,10 +77,14 @@ int main(int argc, char** argv)
         for (const CaseT& each : s_aCases)
             chosen.push_back(&each);
     }
+    SIO::SetInstructionSet(SIO::QsbInstructionSetT::eAvx2);
+    if (SIO::GetInstructionSet() != SIO::QsbInstructionSetT::eAvx2)
+        std::printf("This machine has no AVX2: what is called so below is the baseline.\n\n");
     for (const CaseT* const each : chosen) {
         std::printf("== %s: %s\n", each->pszName, each->pszWhat);
         each->run(options);
         std::printf("\n");
     }
+    Bench::PrintSummary();
     return 0;
 }

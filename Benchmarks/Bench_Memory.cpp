@@ -11,6 +11,7 @@
 #include "Sio/Sio_LittleEndian.h"
 #include "Sio/Sio_QsbFileFormat.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -52,6 +53,16 @@ public:
             Put(0);
         }
         m_ullEnd += 12 + 16 * entries.size() + uiDataBytes;
+    }
+
+    /// A block of so many entries, all of them zeros that are not stored.
+    void AppendLongHeader(std::uint32_t uiId, std::uint32_t uiEntries)
+    {
+        fseeko(m_pStream, static_cast<off_t>(m_ullEnd), SEEK_SET);
+        Put(uiId);
+        Put(16 * uiEntries);
+        Put(0);
+        m_ullEnd += 12 + std::uint64_t{16} * uiEntries;
     }
 
     void AppendPoints(std::uint32_t uiDataBytes)
@@ -118,6 +129,8 @@ void Measure(const OptionsT& options, const char* pszName, SparseFileC& file, st
     std::printf("  %-42s %7.2f GiB %9llu points  %8.2f MiB of %8.2f allowed: %s\n", pszName, dGiB,
                 answer.ullPoints, dUsed, dAllowed, answer.nKiB >= 0 && dUsed <= dAllowed ? "met" : "NOT MET");
     std::fflush(stdout);
+    ExpectAtMost(std::string("peak memory of the allowed, ") + pszName,
+                 {answer.nKiB >= 0 ? dUsed / dAllowed : HUGE_VAL, 0}, 1);
 }
 
 } // namespace
@@ -157,6 +170,14 @@ void RunMemory(const OptionsT& options)
             file.AppendBlock(100 + i, {{0, 27}, {0, 28}}, 5000);
         file.AppendPoints(400000000);
         Measure(options, "a million blocks with two entries each", file, 1000002, 2000006, little);
+    }
+    for (const std::uint32_t uiMiB : {100u, 400u}) {
+        SparseFileC file(strPath);
+        const std::uint32_t uiEntries = uiMiB << 16;
+        file.AppendLongHeader(100, uiEntries);
+        file.AppendPoints(400000000);
+        Measure(options, uiMiB == 100 ? "a header of 100 MiB" : "a header of 400 MiB", file, 3, uiEntries + 6,
+                little);
     }
 }
 

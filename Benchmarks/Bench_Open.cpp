@@ -31,12 +31,12 @@ void Put(std::string& strBytes, std::initializer_list<std::uint32_t> numbers)
 }
 
 /// A chain of blocks, each with so many entries and bytes of data, and a point block of one point at its end.
-void WriteChain(const std::string& strPath, std::uint32_t uiEntries, std::uint32_t uiDataBytes)
+void WriteChain(const std::string& strPath, std::uint32_t uiEntries, std::uint32_t uiDataBytes, bool bSameIds)
 {
     std::string strBytes;
     Put(strBytes, {F::s_uiFileHeaderId, 16, 0, F::s_uiTypeUInt32, F::s_uiTagVersion, F::s_uiVersion2, 0});
     for (std::uint32_t i = 0; i < s_uiBlocks; ++i) {
-        Put(strBytes, {100 + i, 16 * uiEntries, uiDataBytes});
+        Put(strBytes, {bSameIds ? 100 : 100 + i, 16 * uiEntries, uiDataBytes});
         for (std::uint32_t j = 0; j < uiEntries; ++j)
             Put(strBytes, {F::s_uiTypeUInt32, 30, i, 0});
         strBytes.append(uiDataBytes, 'd');
@@ -70,14 +70,16 @@ void RunOpen(const OptionsT& options)
         const char* pszName;
         std::uint32_t uiEntries;
         std::uint32_t uiDataBytes;
+        bool bSameIds = false;
     };
     const std::string strPath = options.strDirectory + "/open.qsb";
-    for (const ShapeT& shape : {ShapeT{"1000000 blocks of 12 bytes: heads alone", 0, 0},
+    for (const ShapeT& shape : {ShapeT{"1000000 blocks of 12 bytes: heads alone, each another", 0, 0},
+                                {"1000000 blocks of 12 bytes: the same head again and again", 0, 0, true},
                                 {"1000000 blocks of 32 bytes: 20 of data", 0, 20},
                                 {"1000000 blocks of 112 bytes: 100 of data", 0, 100},
                                 {"1000000 blocks of 144 bytes: two entries, 100 of data", 2, 100},
                                 {"1000000 blocks of 1012 bytes: 1000 of data", 0, 1000}}) {
-        WriteChain(strPath, shape.uiEntries, shape.uiDataBytes);
+        WriteChain(strPath, shape.uiEntries, shape.uiDataBytes, shape.bSameIds);
         auto reader = std::make_unique<Kry::ScanReader::QsbReader>();
         const auto open = [&] {
             if (reader->Open(strPath.c_str()) != 0) std::abort();
@@ -92,6 +94,7 @@ void RunOpen(const OptionsT& options)
         RunInterleaved(candidates, options.nRounds);
         std::printf("%s\n", shape.pszName);
         PrintTimes(candidates);
+        ExpectAtMost(std::string("open ") + shape.pszName, SpeedOf(candidates[0], candidates[1]), 3);
     }
     std::remove(strPath.c_str());
 }

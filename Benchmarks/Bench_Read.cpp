@@ -12,9 +12,40 @@ namespace Bench {
 
 using SIO::QsbInstructionSetT;
 
+namespace {
+
+/// What share of the copy limit, and how many times the speed of the virtual calls, a layout should reach.
+struct WantedT
+{
+    double dAvx2;
+    double dBaseline;
+    double dVirtual;
+};
+
+constexpr WantedT s_aWanted[] = {{0.70, 0.50, 5}, {0.85, 0.70, 5}, {0.62, 0.48, 0},
+                                 {0, 0, 3},       {0, 0, 3},       {0, 0, 3}};
+
+void Expect(const LayoutT& layout, const WantedT& wanted, const std::vector<CandidateT>& candidates)
+{
+    const std::string strName = std::string("read ") + layout.pszShortName;
+    const CandidateT& limit = candidates[0];
+    const CandidateT& avx2 = candidates[2];
+    const CandidateT& baseline = candidates[3];
+    const CandidateT& oneByOne = candidates[4];
+    if (wanted.dAvx2 > 0)
+        ExpectAtLeast(strName + ", AVX2 of the copy limit", SpeedOf(avx2, limit), wanted.dAvx2);
+    if (wanted.dBaseline > 0)
+        ExpectAtLeast(strName + ", SSE2 of the copy limit", SpeedOf(baseline, limit), wanted.dBaseline);
+    if (wanted.dVirtual > 0)
+        ExpectAtLeast(strName + ", AVX2 against virtual calls", SpeedOf(avx2, oneByOne), wanted.dVirtual);
+}
+
+} // namespace
+
 void RunRead(const OptionsT& options)
 {
     constexpr std::uint32_t uiPoints = 4000000;
+    const WantedT* pWanted = s_aWanted;
     for (const LayoutT& layout : AllLayouts()) {
         const ScanFileC scan(options.strDirectory + "/read.qsb", layout, uiPoints);
         std::vector<CandidateT> candidates = {
@@ -27,6 +58,7 @@ void RunRead(const OptionsT& options)
         RunInterleaved(candidates, options.nRounds);
         std::printf("%s\n", layout.pszName);
         PrintRates(candidates, uiPoints / 1e6, "Mpt/s", {0, 4});
+        Expect(layout, *pWanted++, candidates);
     }
 }
 

@@ -52,28 +52,34 @@ void LayoutT::Define(PointDefinitionC& definition) const
 const std::vector<LayoutT>& AllLayouts()
 {
     static const std::vector<LayoutT> s_vecLayouts = {
-        {"A: float position, u16 intensity, colour (18 bytes)",
+        {"A",
+         "A: float position, u16 intensity, colour (18 bytes)",
          {{PD_POSITION, F::s_uiTypeFloatTriple},
           {PD_INTENSITY, F::s_uiTypeUInt16},
           {PD_COLOR, F::s_uiTypeColor}}},
-        {"B: double position, u16 intensity and noise, u32 grid, colour (40 bytes)",
+        {"B",
+         "B: double position, u16 intensity and noise, u32 grid, colour (40 bytes)",
          {{PD_POSITION, F::s_uiTypeDoubleTriple},
           {PD_INTENSITY, F::s_uiTypeUInt16},
           {PD_LEVEL_OF_NOISE, F::s_uiTypeUInt16},
           {PD_GRID, F::s_uiTypeUInt32Pair},
           {PD_COLOR, F::s_uiTypeColor}}},
-        {"C: float position, u16 intensity (14 bytes)",
+        {"C",
+         "C: float position, u16 intensity (14 bytes)",
          {{PD_POSITION, F::s_uiTypeFloatTriple}, {PD_INTENSITY, F::s_uiTypeUInt16}}},
-        {"float position, float intensity and noise, colour (24 bytes)",
+        {"float intensity and noise",
+         "float position, float intensity and noise, colour (24 bytes)",
          {{PD_POSITION, F::s_uiTypeFloatTriple},
           {PD_INTENSITY, F::s_uiTypeFloat},
           {PD_LEVEL_OF_NOISE, F::s_uiTypeFloat},
           {PD_COLOR, F::s_uiTypeColor}}},
-        {"float position, i16 intensity, u8 noise (15 bytes)",
+        {"i16 intensity",
+         "float position, i16 intensity, u8 noise (15 bytes)",
          {{PD_POSITION, F::s_uiTypeFloatTriple},
           {PD_INTENSITY, F::s_uiTypeInt16},
           {PD_LEVEL_OF_NOISE, F::s_uiTypeUInt8}}},
-        {"float position, u16 intensity twice (16 bytes)",
+        {"intensity twice",
+         "float position, u16 intensity twice (16 bytes)",
          {{PD_POSITION, F::s_uiTypeFloatTriple},
           {PD_INTENSITY, F::s_uiTypeUInt16},
           {PD_INTENSITY, F::s_uiTypeUInt16}}},
@@ -152,27 +158,22 @@ void ReadAll(const ScanFileC& scan, QsbInstructionSetT eSet, unsigned int uiBatc
     Use(dSum);
 }
 
-void CopyPart(const ScanFileC& scan, std::uint32_t uiFirst, std::uint32_t uiEnd, unsigned int uiBatch)
+void CopyAll(const ScanFileC& scan, unsigned int uiBatch)
 {
     const std::size_t nRecordBytes = scan.RecordBytes();
-    const auto stream = OpenAt(scan.Path(), scan.DataOffset() + std::uint64_t{uiFirst} * nRecordBytes);
+    const auto stream = OpenAt(scan.Path(), scan.DataOffset());
     const std::unique_ptr<char[]> raw(new char[uiBatch * nRecordBytes + s_nSlackBytes]);
     std::vector<QsbPointC> points(uiBatch);
     char* const pPoints = reinterpret_cast<char*>(points.data());
     double dSum = 0;
-    for (std::uint32_t uiDone = uiFirst; uiDone < uiEnd;) {
-        const std::size_t nPart = std::min(uiBatch, uiEnd - uiDone);
+    for (std::uint32_t uiDone = 0; uiDone < scan.Points();) {
+        const std::size_t nPart = std::min(uiBatch, scan.Points() - uiDone);
         Require(std::fread(raw.get(), nRecordBytes, nPart, stream.get()) == nPart, "did not read all bytes");
         WithRecordBytes(nRecordBytes, [&]<std::size_t n>() { CopyToRecords<n>(raw.get(), nPart, pPoints); });
         dSum += points[nPart / 2].x;
         uiDone += static_cast<std::uint32_t>(nPart);
     }
     Use(dSum);
-}
-
-void CopyAll(const ScanFileC& scan, unsigned int uiBatch)
-{
-    CopyPart(scan, 0, scan.Points(), uiBatch);
 }
 
 void FreadAll(const ScanFileC& scan, unsigned int uiBatch)

@@ -22,6 +22,7 @@ namespace Bench {
 /// The elements of a stored point, as kind and type code.
 struct LayoutT
 {
+    const char* pszShortName;
     const char* pszName;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> elements;
 
@@ -61,9 +62,6 @@ void ReadAll(const ScanFileC& scan, SIO::QsbInstructionSetT eSet, unsigned int u
 
 /// The limit: reads the stored points batch by batch and makes 40 bytes of each, without looking at them.
 void CopyAll(const ScanFileC& scan, unsigned int uiBatch = 10000);
-
-/// The same for the points from `uiFirst` up to `uiEnd`.
-void CopyPart(const ScanFileC& scan, std::uint32_t uiFirst, std::uint32_t uiEnd, unsigned int uiBatch);
 
 /// Reads the stored points and does nothing with them.
 void FreadAll(const ScanFileC& scan, unsigned int uiBatch = 10000);

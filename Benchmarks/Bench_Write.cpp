@@ -10,6 +10,8 @@
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Sio/SIO_QsbPointDefinitionImpl.h"
 #include "Sio/Sio_Qsb.h"
+#include "Sio/Sio_QsbEncodePlan.h"
+#include "Sio/Sio_QsbPointSource.h"
 #include "Sio/Sio_QsbStrategy.h"
 
 #include <cstdio>
@@ -55,6 +57,28 @@ void CopyAndWrite(const std::string& strPath, std::size_t nRecordBytes, const st
     std::fclose(stream);
 }
 
+/// Encodes as many points as are written, a batch at a time over the same memory.
+void Encode(const LayoutT& layout, const std::vector<QsbPointC>& points, QsbInstructionSetT eAsked)
+{
+    SetInstructionSet(eAsked);
+    const QsbInstructionSetT eSet = GetInstructionSet(); // the machine may have less
+    PointDefinitionC definition;
+    layout.Define(definition);
+    const QsbEncodePlanC plan(definition);
+    const std::size_t nRecordBytes = definition.GetSizeInBytes();
+    const std::unique_ptr<char[]> raw(new char[s_uiBatch * nRecordBytes]);
+    for (std::uint32_t uiDone = 0; uiDone < s_uiPoints; uiDone += s_uiBatch) {
+        if (eSet != QsbInstructionSetT::eVirtual) {
+            plan.Encode(points.data(), s_uiBatch, raw.get(), eSet);
+            continue;
+        }
+        ArrayBasedPointSourceC source(points.data());
+        for (std::uint32_t i = 0; i < s_uiBatch; ++i, source.Advance())
+            definition.Encode(source.Current(), raw.get() + i * nRecordBytes);
+    }
+    Use(raw[nRecordBytes]);
+}
+
 } // namespace
 
 void RunWrite(const OptionsT& options)
@@ -70,10 +94,18 @@ void RunWrite(const OptionsT& options)
             {"write limit", [&] { CopyAndWrite(strPath, nRecordBytes, points); }, remove},
             {"plan", [&] { Write(strPath, layout, points, QsbInstructionSetT::eAvx2); }, remove},
             {"virtual", [&] { Write(strPath, layout, points, QsbInstructionSetT::eVirtual); }, remove},
+            {"encode alone, AVX2", [&] { Encode(layout, points, QsbInstructionSetT::eAvx2); }},
+            {"encode alone, baseline", [&] { Encode(layout, points, QsbInstructionSetT::eBaseline); }},
+            {"encode alone, virtual", [&] { Encode(layout, points, QsbInstructionSetT::eVirtual); }},
         };
         RunInterleaved(candidates, options.nRounds);
         std::printf("%s\n", layout.pszName);
         PrintRates(candidates, s_uiPoints / 1e6, "Mpt/s", {0, 2});
+        const std::string strName = std::string("write ") + layout.pszShortName;
+        ExpectAtLeast(strName + " of the write limit", SpeedOf(candidates[1], candidates[0]), 0.5);
+        ExpectAtLeast(strName + " against virtual calls", SpeedOf(candidates[1], candidates[2]), 3);
+        ExpectAtLeast(std::string("encode ") + layout.pszShortName + " against virtual calls",
+                      SpeedOf(candidates[3], candidates[5]), 3);
     }
 }
 

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <string_view>
 
 namespace SIO {
 
@@ -25,10 +24,8 @@ QsbInstructionSetT BestOfMachine() noexcept
 QsbInstructionSetT FirstChoice() noexcept
 {
     const char* asked = std::getenv("SCANREADER_SIMD");
-    const std::string_view name = asked != nullptr ? asked : "";
-    if (name == "virtual") return QsbInstructionSetT::eVirtual;
-    if (name == "baseline") return QsbInstructionSetT::eBaseline;
-    return BestOfMachine();
+    const QsbInstructionSetT eBest = BestOfMachine();
+    return std::min(InstructionSetNamed(asked != nullptr ? asked : "").value_or(eBest), eBest);
 }
 
 std::atomic<QsbInstructionSetT>& Choice() noexcept
@@ -38,6 +35,15 @@ std::atomic<QsbInstructionSetT>& Choice() noexcept
 }
 
 } // namespace
+
+std::optional<QsbInstructionSetT> InstructionSetNamed(std::string_view name) noexcept
+{
+    if (name == "virtual") return QsbInstructionSetT::eVirtual;
+    if (name == "plain") return QsbInstructionSetT::ePlain;
+    if (name == "baseline") return QsbInstructionSetT::eBaseline;
+    if (name == "avx2") return QsbInstructionSetT::eAvx2;
+    return std::nullopt;
+}
 
 QsbInstructionSetT GetInstructionSet() noexcept
 {

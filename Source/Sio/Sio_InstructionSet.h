@@ -5,17 +5,25 @@
 // of speed alone. One choice for the process; it may be read and changed from any thread.
 #pragma once
 
+#include <optional>
+#include <string_view>
+
 namespace SIO {
 
 enum class QsbInstructionSetT : int
 {
     eVirtual,  ///< no plan: point by point, element by element through the point definition
+    ePlain,    ///< batches by a plan, in arithmetic that every machine has
     eBaseline, ///< what every machine of this architecture has
     eAvx2
 };
 
-/// What is used from now on: the best that the machine has, or less when the environment variable
-/// SCANREADER_SIMD said "virtual" or "baseline" when this was first asked.
+/// The set that the environment variable SCANREADER_SIMD calls "virtual", "plain", "baseline" or "avx2";
+/// nothing for any other name.
+std::optional<QsbInstructionSetT> InstructionSetNamed(std::string_view name) noexcept;
+
+/// What is used from now on: the best that the machine has, or less when SCANREADER_SIMD named less when this
+/// was first asked.
 QsbInstructionSetT GetInstructionSet() noexcept;
 
 /// Chooses one; what the machine does not have becomes the best that it has. For tests and benchmarks.

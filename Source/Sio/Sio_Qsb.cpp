@@ -79,6 +79,9 @@ bool QsbC::OpenChecked(const std::wstring& path, bool bRead, bool bWrite, bool& 
     if (bRead) {
         bWholeChain = WalkBlockChain(m_pStream, m_oWindow, m_oBlocks);
         if (!bWholeChain || !HasSupportedVersion()) return false;
+        // Only now: the walk jumps over large data areas, and what was read ahead of them would be for
+        // nothing.
+        Hal::AdviseSequential(m_pStream);
     }
     if (m_oBlocks.IsEmpty() && !CreateFileHeader()) return false;
     m_strPath = path;
@@ -114,6 +117,8 @@ bool QsbC::Close()
         m_strPath.clear();
     }
     m_oBlocks.Clear();
+    m_pEncodeBytes.reset();
+    m_nEncodeBytes = 0;
     m_bRead = m_bWrite = false;
     m_ullSession = 0;
     return bWritten;

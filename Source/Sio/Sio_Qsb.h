@@ -7,12 +7,15 @@
 // ends as a refusal. Without locks: a container belongs to one thread at a time.
 #pragma once
 
+#include "Sio/Sio_CacheLine.h"
 #include "Sio/Sio_PointCloudFormat.h"
 #include "Sio/Sio_QsbBlock.h"
 #include "Sio/Sio_StreamWindow.h"
 
 #include <boost/filesystem/path.hpp>
+#include <cstddef>
 #include <cstdio>
+#include <memory>
 
 namespace SIO {
 
@@ -22,7 +25,7 @@ class QsbStrategyDataC;
 struct QsbBoundingBoxC;
 struct QsbPointC;
 
-class QsbC final : public PointCloudFormatI
+class alignas(s_nCacheLineBytes) QsbC final : public PointCloudFormatI
 {
 public:
     QsbC() = default;
@@ -102,6 +105,7 @@ private:
     bool DropLastBlockAndReopen(const boost::filesystem::path& path);
     bool EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& definition,
                     QsbPointSourceI& source, std::uint32_t uiPoints);
+    char* EncodeBuffer(std::size_t nBytes);
     QsbBlockC* BlockOf(const QsbStrategyDataC& data) noexcept;
     bool IsLastBlock(std::int64_t llBlockIndex) const noexcept;
     bool SeekToWrite(std::uint64_t ullOffset);
@@ -113,6 +117,8 @@ private:
     std::FILE* m_pStream = nullptr;
     StreamWindowC m_oWindow; ///< on the stream, for reading
     QsbBlockListC m_oBlocks;
+    std::unique_ptr<char[]> m_pEncodeBytes; ///< kept from batch to batch until the file is closed
+    std::size_t m_nEncodeBytes = 0;
     std::uint64_t m_ullSession = 0; ///< tells this opening of a file from every other one of the process
 };
 

@@ -18,14 +18,6 @@ constexpr std::size_t s_nTypeOffset = 0;
 constexpr std::size_t s_nTagOffset = 4;
 constexpr std::size_t s_nValueOffset = 8;
 
-/// What a block of so many entries takes: its record and its array, each with what allocating it costs.
-constexpr std::uint64_t MemoryOf(std::uint64_t nEntries)
-{
-    constexpr std::uint64_t ullRecord = 64;
-    constexpr std::uint64_t ullArray = 64;
-    return ullRecord + (nEntries == 0 ? 0 : ullArray + nEntries * sizeof(QsbHeaderEntryC));
-}
-
 } // namespace
 
 QsbHeaderEntryC QsbHeaderEntryC::FromUInt32(std::uint32_t type, std::uint32_t tag,
@@ -95,6 +87,16 @@ void QsbHeaderEntryC::SetDouble(double value) noexcept
     StoreLittleEndian(m_acBytes.data() + s_nValueOffset, value);
 }
 
+void QsbBlockC::SetRunLength(std::uint64_t ullRunLength) noexcept
+{
+    m_ullRest = (ullRunLength << s_nFlags) | s_ullRun | (m_ullRest & (s_ullSealed | s_ullHeaderDirty));
+}
+
+void QsbBlockC::FreeEntries() noexcept
+{
+    if (HasEntries() && !HasSharedEntries()) ::operator delete(GetEntries());
+}
+
 std::uint32_t QsbBlockC::GetHeaderBytes() const noexcept
 {
     return static_cast<std::uint32_t>(GetEntryCount() * QsbFormat::s_nEntryBytes);
@@ -103,7 +105,7 @@ std::uint32_t QsbBlockC::GetHeaderBytes() const noexcept
 std::uint64_t QsbBlockC::GetEndOffset() const noexcept
 {
     // Only empty blocks form runs.
-    return GetDataOffset() + m_uiDataBytes + (m_ullRunLength - 1) * QsbFormat::s_nBlockHeadBytes;
+    return GetDataOffset() + m_uiDataBytes + (GetRunLength() - 1) * QsbFormat::s_nBlockHeadBytes;
 }
 
 const QsbHeaderEntryC* QsbBlockC::FindEntry(std::uint32_t tag) const noexcept
@@ -117,26 +119,83 @@ QsbHeaderEntryC* QsbBlockC::ChangeEntry(std::uint32_t tag) noexcept
 {
     const QsbHeaderEntryC* entry = FindEntry(tag);
     if (entry == nullptr) return nullptr;
-    m_bHeaderDirty = true;
-    return m_pEntries->data() + (entry - begin());
+    SetHeaderDirty(true);
+    return GetEntries()->First() + (entry - begin());
 }
 
 bool QsbBlockC::AddEntry(const QsbHeaderEntryC& entry)
 {
-    if (m_bSealed) return false;
-    if (!m_pEntries) m_pEntries = std::make_unique<QsbHeaderEntriesT>();
-    m_pEntries->push_back(entry);
-    m_bHeaderDirty = true;
+    if (IsSealed()) return false;
+    const std::size_t nCount = GetEntryCount();
+    if (!HasEntries() || nCount >= GetEntries()->uiCapacity) {
+        const std::size_t nCapacity = std::max<std::size_t>(2 * nCount, 32);
+        auto* const pGrown = static_cast<QsbEntryArrayT*>(
+            ::operator new(sizeof(QsbEntryArrayT) + nCapacity * sizeof(QsbHeaderEntryC)));
+        std::uninitialized_copy(begin(), end(), pGrown->First());
+        pGrown->uiCapacity = static_cast<std::uint32_t>(nCapacity);
+        FreeEntries();
+        // Not sealed; and a run of one at the most, since a block that changes has a record of its own.
+        m_ullRest = reinterpret_cast<std::uintptr_t>(pGrown);
+    }
+    std::construct_at(GetEntries()->First() + nCount, entry);
+    GetEntries()->uiCount = static_cast<std::uint32_t>(nCount + 1);
+    SetHeaderDirty(true);
     return true;
+}
+
+QsbEntryArrayT& QsbEntryMemoryC::Take(std::size_t nEntries)
+{
+    const std::size_t nBytes = nEntries * sizeof(QsbHeaderEntryC);
+    auto* const pArray = reinterpret_cast<QsbEntryArrayT*>(TakeBytes(sizeof(QsbEntryArrayT) + nBytes));
+    pArray->uiCount = static_cast<std::uint32_t>(nEntries);
+    pArray->uiCapacity = 0;
+    return *pArray;
+}
+
+char* QsbEntryMemoryC::TakeBytes(std::size_t nBytes)
+{
+    if (nBytes > m_nFree) {
+        if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
+        if (m_pFree == nullptr) {
+            m_pFree = TakeAlone(s_nLargestInCompany);
+            m_nFree = s_nLargestInCompany;
+        } else {
+            m_vecLarge.push_back(MakeLargeMemory());
+            m_pFree = static_cast<char*>(m_vecLarge.back().get());
+            m_nFree = s_nLargeMemoryBytes;
+        }
+    }
+    m_nFree -= nBytes;
+    return std::exchange(m_pFree, m_pFree + nBytes);
+}
+
+char* QsbEntryMemoryC::TakeAlone(std::size_t nBytes)
+{
+    std::unique_ptr<char[]> pBytes(new char[nBytes]); // which stay as they are
+    m_vecSmall.push_back(std::move(pBytes));
+    return m_vecSmall.back().get();
+}
+
+void QsbEntryMemoryC::Clear() noexcept
+{
+    m_vecLarge.clear();
+    m_vecSmall.clear();
+    m_pFree = nullptr;
+    m_nFree = 0;
 }
 
 const QsbBlockC* QsbBlockListC::Get(std::uint64_t ullIndex) const noexcept
 {
     if (ullIndex >= m_ullCount) return nullptr;
     const auto behind =
-        std::upper_bound(m_dqRecords.begin(), m_dqRecords.end(), ullIndex,
-                         [](std::uint64_t i, const QsbBlockC& record) { return i < record.m_ullFirstIndex; });
-    return &*std::prev(behind);
+        std::upper_bound(m_oRuns.begin(), m_oRuns.end(), ullIndex,
+                         [](std::uint64_t i, const RunT& run) { return i < run.ullFirstIndex; });
+    if (behind == m_oRuns.begin()) return &m_oRecords[static_cast<std::size_t>(ullIndex)];
+    const RunT& run = *std::prev(behind);
+    const std::uint64_t ullInRun = ullIndex - run.ullFirstIndex;
+    const std::uint64_t ullLength = m_oRecords[run.nRecord].GetRunLength();
+    if (ullInRun < ullLength) return &m_oRecords[run.nRecord];
+    return &m_oRecords[run.nRecord + 1 + static_cast<std::size_t>(ullInRun - ullLength)];
 }
 
 QsbBlockC* QsbBlockListC::Get(std::uint64_t ullIndex) noexcept
@@ -146,84 +205,104 @@ QsbBlockC* QsbBlockListC::Get(std::uint64_t ullIndex) noexcept
 
 std::int64_t QsbBlockListC::Find(std::uint32_t uiId) const noexcept
 {
-    for (const QsbBlockC& record : m_dqRecords) {
-        if (record.m_uiId == uiId) return static_cast<std::int64_t>(record.m_ullFirstIndex);
+    if (uiId < s_nWatchedIds) return m_allFirst[uiId];
+    std::uint64_t ullIndex = 0;
+    for (const QsbBlockC& record : m_oRecords) {
+        if (record.m_uiId == uiId) return static_cast<std::int64_t>(ullIndex);
+        ullIndex += record.GetRunLength();
     }
     return -1;
 }
 
-bool QsbBlockListC::HasRoomFor(std::uint64_t nEntries) const noexcept
-{
-    return m_ullMemory + MemoryOf(nEntries) <= s_ullMemoryLimit; // entries number 2^28 at most, so no wrap
-}
-
 bool QsbBlockListC::AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
-                               QsbHeaderEntriesT entries)
+                               const QsbHeaderEntriesT& entries)
 {
-    if (entries.empty() && uiDataBytes == 0) return AppendReadEmpty(ullOffset, uiId, 1);
-    if (!HasRoomFor(entries.size())) return false;
-    const std::size_t nEntries = entries.size();
-    QsbBlockC& record = AppendNew(ullOffset, uiId);
-    record.m_uiDataBytes = uiDataBytes;
-    record.m_bSealed = true;
-    if (nEntries != 0) record.m_pEntries = std::make_unique<QsbHeaderEntriesT>(std::move(entries));
-    m_ullMemory += MemoryOf(nEntries);
-    return true;
+    return AppendRead(ullOffset, uiId, uiDataBytes, entries.data(), entries.size());
 }
 
 bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId, std::uint64_t ullRunLength)
 {
+    if (ullRunLength == 0) return true;
     if (!IsEmpty()) {
-        QsbBlockC& last = Last();
+        const QsbBlockC& last = Last();
         if (last.m_uiId == uiId && last.m_uiDataBytes == 0 && last.GetEntryCount() == 0) {
-            last.m_ullRunLength += ullRunLength;
-            m_ullCount += ullRunLength;
+            if (!LastIsRun() && !HasRoomForBytes(s_ullRunMemory)) return false;
+            LengthenLast(ullRunLength);
             return true;
         }
     }
-    if (!HasRoomFor(0)) return false;
-    QsbBlockC& record = AppendNew(ullOffset, uiId);
-    record.m_bSealed = true;
-    record.m_ullRunLength = ullRunLength;
-    m_ullMemory += MemoryOf(0);
-    m_ullCount += ullRunLength - 1;
+    if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory)) return false;
+    Append(ullOffset, uiId, 0, nullptr, QsbBlockC::s_ullSealed);
+    if (ullRunLength > 1) LengthenLast(ullRunLength - 1);
     return true;
+}
+
+void QsbBlockListC::LengthenLast(std::uint64_t ullBlocks)
+{
+    QsbBlockC& last = Last();
+    if (!LastIsRun()) {
+        m_oRuns.emplace_back(m_oRecords.size() - 1, m_ullCount - 1);
+        m_ullMemory += s_ullRunMemory;
+    }
+    last.SetRunLength(last.GetRunLength() + ullBlocks);
+    m_ullCount += ullBlocks;
 }
 
 QsbBlockC& QsbBlockListC::AppendNew(std::uint64_t ullOffset, std::uint32_t uiId)
 {
-    QsbBlockC& record = m_dqRecords.emplace_back(ullOffset, uiId, std::uint32_t{0});
-    record.m_ullFirstIndex = m_ullCount;
-    ++m_ullCount;
-    return record;
+    return Append(ullOffset, uiId, 0, nullptr, 0);
 }
 
 QsbBlockC& QsbBlockListC::IsolateLast()
 {
     QsbBlockC& last = Last();
-    if (last.m_ullRunLength == 1) return last;
+    if (last.GetRunLength() == 1) return last;
     const std::uint64_t ullOffset = last.GetEndOffset() - QsbFormat::s_nBlockHeadBytes;
-    QsbBlockC& record = m_dqRecords.emplace_back(ullOffset, last.m_uiId, std::uint32_t{0});
-    QsbBlockC& run = *std::prev(m_dqRecords.end(), 2);
-    record.m_ullFirstIndex = run.m_ullFirstIndex + run.m_ullRunLength - 1;
-    record.m_bSealed = run.m_bSealed;
-    --run.m_ullRunLength;
+    const std::uint64_t ullFlags = last.IsSealed() ? QsbBlockC::s_ullSealed : 0;
+    QsbBlockC& record = m_oRecords.emplace_back(ullOffset, last.m_uiId, std::uint32_t{0}, nullptr, ullFlags);
+    m_ullMemory += s_ullRecordMemory;
+    last.SetRunLength(last.GetRunLength() - 1);
     return record;
 }
 
 void QsbBlockListC::RemoveLast()
 {
-    const QsbBlockC& last = IsolateLast();
-    m_ullMemory -= std::min(m_ullMemory, MemoryOf(last.GetEntryCount()));
-    m_dqRecords.pop_back();
+    IsolateLast();
+    if (LastIsRun()) {
+        m_oRuns.pop_back();
+        m_ullMemory -= s_ullRunMemory;
+    }
+    m_oRecords.pop_back();
+    m_ullMemory -= s_ullRecordMemory;
     --m_ullCount;
+    ForgetFirstsFrom(m_ullCount);
 }
 
 void QsbBlockListC::Clear() noexcept
 {
-    m_dqRecords.clear();
+    m_oRecords.clear();
+    m_oRuns.clear();
+    m_oEntryMemory.Clear();
     m_ullCount = 0;
     m_ullMemory = 0;
+    ForgetFirstsFrom(0);
+}
+
+void QsbBlockListC::Swap(QsbBlockListC& other) noexcept
+{
+    std::swap(m_oEntryMemory, other.m_oEntryMemory);
+    m_oRecords.swap(other.m_oRecords);
+    m_oRuns.swap(other.m_oRuns);
+    std::swap(m_ullCount, other.m_ullCount);
+    std::swap(m_ullMemory, other.m_ullMemory);
+    std::swap(m_allFirst, other.m_allFirst);
+}
+
+void QsbBlockListC::ForgetFirstsFrom(std::uint64_t ullIndex) noexcept
+{
+    for (std::int64_t& llFirst : m_allFirst) {
+        if (llFirst >= static_cast<std::int64_t>(ullIndex)) llFirst = -1;
+    }
 }
 
 } // namespace SIO

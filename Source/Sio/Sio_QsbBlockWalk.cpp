@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 namespace SIO {
 
@@ -23,6 +22,7 @@ struct BlockHeadT
     std::uint32_t uiHeaderBytes;
     std::uint32_t uiDataBytes;
 
+    bool IsEmpty() const noexcept { return uiHeaderBytes == 0 && uiDataBytes == 0; }
     bool IsZero() const noexcept { return uiId == 0 && uiHeaderBytes == 0 && uiDataBytes == 0; }
 };
 
@@ -41,8 +41,15 @@ public:
             if (nRead == 0) return !m_rWindow.HasFailed();
             if (nRead != QsbFormat::s_nBlockHeadBytes) return false;
             if (m_rBlocks.IsEmpty() && head.uiId != QsbFormat::s_uiFileHeaderId) return false;
-            if (!AppendBlock(ullOffset, head)) return false;
-            ullOffset += QsbFormat::s_nBlockHeadBytes + head.uiHeaderBytes + std::uint64_t{head.uiDataBytes};
+            if (head.IsEmpty()) {
+                const std::uint64_t ullSame = CountSameHeads(ullOffset);
+                if (!m_rBlocks.AppendReadEmpty(ullOffset, head.uiId, ullSame)) return false;
+                ullOffset += ullSame * QsbFormat::s_nBlockHeadBytes;
+            } else {
+                if (!AppendBlock(ullOffset, head)) return false;
+                ullOffset +=
+                    QsbFormat::s_nBlockHeadBytes + head.uiHeaderBytes + std::uint64_t{head.uiDataBytes};
+            }
             if (head.IsZero() && !PassUnstoredZeros(ullOffset)) return false;
         }
     }
@@ -51,7 +58,7 @@ private:
     std::size_t ReadHead(std::uint64_t ullOffset, BlockHeadT& head)
     {
         std::size_t nRead = 0;
-        const char* pBytes = m_rWindow.View(ullOffset, QsbFormat::s_nBlockHeadBytes, nRead);
+        const char* pBytes = View(ullOffset, QsbFormat::s_nBlockHeadBytes, nRead);
         if (nRead != QsbFormat::s_nBlockHeadBytes) return nRead;
         head.uiId = LoadLittleEndian<std::uint32_t>(pBytes);
         head.uiHeaderBytes = LoadLittleEndian<std::uint32_t>(pBytes + 4);
@@ -59,27 +66,56 @@ private:
         return nRead;
     }
 
+    /// How many heads equal to the one at the offset follow one another there, itself included, as far as is
+    /// shown.
+    std::uint64_t CountSameHeads(std::uint64_t ullOffset) const
+    {
+        const std::size_t nBefore = static_cast<std::size_t>(ullOffset - m_ullShownBegin);
+        const char* const pFirst = m_pShown + nBefore;
+        const char* const pEnd = pFirst + (m_nShown - nBefore);
+        const char* pNext = pFirst + QsbFormat::s_nBlockHeadBytes;
+        while (pEnd - pNext >= static_cast<std::ptrdiff_t>(QsbFormat::s_nBlockHeadBytes) &&
+               std::memcmp(pNext, pFirst, QsbFormat::s_nBlockHeadBytes) == 0) {
+            pNext += QsbFormat::s_nBlockHeadBytes;
+        }
+        return static_cast<std::uint64_t>(pNext - pFirst) / QsbFormat::s_nBlockHeadBytes;
+    }
+
     bool AppendBlock(std::uint64_t ullOffset, const BlockHeadT& head)
     {
+        if (head.uiHeaderBytes == 0)
+            return m_rBlocks.AppendRead(ullOffset, head.uiId, head.uiDataBytes, nullptr, 0);
         if (head.uiHeaderBytes % QsbFormat::s_nEntryBytes != 0) return false;
         const std::uint64_t ullHeader = ullOffset + QsbFormat::s_nBlockHeadBytes;
         const std::uint64_t ullLeft = m_ullFileSize - std::min(m_ullFileSize, ullHeader);
         const std::size_t nEntries = head.uiHeaderBytes / QsbFormat::s_nEntryBytes;
         if (head.uiHeaderBytes > ullLeft || !m_rBlocks.HasRoomFor(nEntries)) return false;
-        QsbHeaderEntriesT entries(nEntries);
-        if (nEntries != 0 && !ReadEntries(ullHeader, entries)) return false;
-        return m_rBlocks.AppendRead(ullOffset, head.uiId, head.uiDataBytes, std::move(entries));
+        if (head.uiHeaderBytes > StreamWindowC::s_nLargest) return AppendLongBlock(ullOffset, head);
+        std::size_t nRead = 0;
+        const char* pBytes = View(ullHeader, head.uiHeaderBytes, nRead);
+        return nRead == head.uiHeaderBytes &&
+               m_rBlocks.AppendRead(ullOffset, head.uiId, head.uiDataBytes, pBytes, nEntries);
     }
 
-    bool ReadEntries(std::uint64_t ullOffset, QsbHeaderEntriesT& entries)
+    bool AppendLongBlock(std::uint64_t ullOffset, const BlockHeadT& head)
     {
-        const std::size_t nBytes = entries.size() * QsbFormat::s_nEntryBytes;
-        if (nBytes > StreamWindowC::s_nLargest) return m_rWindow.Read(ullOffset, nBytes, entries.data());
-        std::size_t nRead = 0;
-        const char* pBytes = m_rWindow.View(ullOffset, nBytes, nRead);
-        if (nRead != nBytes) return false;
-        std::memcpy(entries.data(), pBytes, nBytes);
-        return true;
+        QsbEntryArrayT& entries = m_rBlocks.TakeEntries(head.uiHeaderBytes / QsbFormat::s_nEntryBytes);
+        return m_rWindow.Read(ullOffset + QsbFormat::s_nBlockHeadBytes, head.uiHeaderBytes,
+                              entries.First()) &&
+               m_rBlocks.AppendRead(ullOffset, head.uiId, head.uiDataBytes, entries);
+    }
+
+    /// As the window's own View. What the window showed last is looked at here: small blocks are many.
+    const char* View(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown)
+    {
+        const std::uint64_t ullSkipped = ullOffset - m_ullShownBegin; // never behind: the walk goes forward
+        if (ullSkipped > m_nShown || nBytes > m_nShown - ullSkipped) {
+            m_pShown = m_rWindow.ViewAll(ullOffset, nBytes, m_nShown);
+            m_ullShownBegin = ullOffset;
+        }
+        const std::size_t nBefore = static_cast<std::size_t>(ullOffset - m_ullShownBegin);
+        nShown = std::min(nBytes, m_nShown - nBefore);
+        return m_pShown + nBefore;
     }
 
     /// A stretch of zeros is a chain of empty blocks. Where the file system stores none of it, `ullOffset`
@@ -106,6 +142,9 @@ private:
     StreamWindowC& m_rWindow;
     QsbBlockListC& m_rBlocks;
     std::uint64_t m_ullNextQuestion = 0;
+    const char* m_pShown = nullptr;
+    std::size_t m_nShown = 0;
+    std::uint64_t m_ullShownBegin = 0;
 };
 
 } // namespace

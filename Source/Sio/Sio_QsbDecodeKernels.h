@@ -19,7 +19,10 @@ struct QsbDecodeStretchT
     QsbPointC* pPoints;
 };
 
-/// Portable; on x86-64 that is SSE2.
+/// Portable.
+void DecodePlain(const QsbDecodeStretchT& stretch);
+
+/// What every machine of the architecture has: on x86-64 that is SSE2.
 void DecodeBaseline(const QsbDecodeStretchT& stretch);
 
 #if defined(__x86_64__)

@@ -24,7 +24,7 @@ void DecodeStretchWith(QsbInstructionSetT eSet, const QsbDecodeStretchT& stretch
 #if defined(__x86_64__)
     if (eSet == QsbInstructionSetT::eAvx2) return DecodeAvx2(stretch);
 #endif
-    (void)eSet;
+    if (eSet == QsbInstructionSetT::ePlain) return DecodePlain(stretch);
     DecodeBaseline(stretch);
 }
 

@@ -5,6 +5,7 @@
 // virtual calls. A plan is compiled once per block, never changes then, and may encode on several threads.
 #pragma once
 
+#include "Sio/Sio_InstructionSet.h"
 #include "Sio/Sio_QsbRecordLayout.h"
 
 namespace SIO {
@@ -23,7 +24,9 @@ public:
     bool IsUsable() const noexcept { return m_oLayout.tRecordBytes != 0; }
 
     /// Encodes the `nPoints` records at `pPoints` into as many stored points, back to back at `pDestination`.
-    void Encode(const QsbPointC* pPoints, std::size_t nPoints, char* pDestination) const;
+    /// `eSet` is not eVirtual.
+    void Encode(const QsbPointC* pPoints, std::size_t nPoints, char* pDestination,
+                QsbInstructionSetT eSet) const;
 
 private:
     QsbRecordLayoutT m_oLayout;

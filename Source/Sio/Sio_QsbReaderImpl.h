@@ -9,6 +9,7 @@
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
 #include "Sio/API_Base.h"
+#include "Sio/Sio_CacheLine.h"
 
 #include <boost/filesystem/path.hpp>
 #include <boost/shared_ptr.hpp>
@@ -27,7 +28,7 @@ class QsbPointIteratorI;
 class QsbReaderIteratorImplC;
 class QsbStrategyC;
 
-class QsbReaderImplC final : public API::ImplObjectC
+class alignas(s_nCacheLineBytes) QsbReaderImplC final : public API::ImplObjectC
 {
 public:
     QsbReaderImplC();

@@ -13,6 +13,14 @@ namespace {
 
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Sio\Sio_QsbReaderImpl)";
 
+boost::shared_array<char> MakeBuffer(std::size_t nBytes)
+{
+    SIO::CacheLineAllocatorT<char> allocator;
+    const auto free = [allocator, nBytes](char* pBytes) mutable { allocator.deallocate(pBytes, nBytes); };
+    // Every batch counts its use, so the count has a line of its own as well.
+    return boost::shared_array<char>(allocator.allocate(std::max<std::size_t>(nBytes, 1)), free, allocator);
+}
+
 } // namespace
 
 namespace SIO {
@@ -81,7 +89,7 @@ bool QsbReaderIteratorImplC::BindStrategy(const boost::shared_ptr<QsbStrategyC>&
         return true;
     m_uiCapacity = 0;
     m_spBuffer.reset();
-    m_spBuffer.reset(new char[std::max<std::size_t>(uiCapacity * tSizeInBytes, 1)]);
+    m_spBuffer = MakeBuffer(uiCapacity * tSizeInBytes);
     m_uiCapacity = uiCapacity;
     m_tRecordBytes = tSizeInBytes;
     return true;

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "Sio/API_Base.h"
+#include "Sio/Sio_CacheLine.h"
 
 #include <boost/shared_array.hpp>
 #include <boost/shared_ptr.hpp>
@@ -17,7 +18,7 @@ namespace SIO {
 
 class QsbStrategyC;
 
-class QsbReaderIteratorImplC final : public API::ImplObjectC
+class alignas(s_nCacheLineBytes) QsbReaderIteratorImplC final : public API::ImplObjectC
 {
 public:
     /// A size of 0 is reported and becomes 1.
@@ -56,7 +57,7 @@ private:
     std::uint32_t m_uiSize;
     std::uint64_t m_ullIteratorPos = 0; ///< first point of the next batch
     boost::weak_ptr<QsbStrategyC> m_wpStrategy;
-    boost::shared_array<char> m_spBuffer;
+    boost::shared_array<char> m_spBuffer; ///< in cache lines of its own
     std::uint32_t m_uiCapacity = 0;
     std::size_t m_tRecordBytes = 0; ///< of the records that m_uiCapacity counts
 };

@@ -5,6 +5,7 @@
 #include "Sio/Sio_QsbRecordLayout.h"
 
 #include "Sio/SIO_QsbPointDefElements.h"
+#include "Sio/SIO_QsbPointDefinitionImpl.h"
 #include "Sio/Sio_QsbFileFormat.h"
 
 #include <algorithm>
@@ -77,7 +78,8 @@ QsbMovedElementT& MovedElement(QsbRecordLayoutT& layout, std::uint32_t uiKind)
     }
 }
 
-/// Moves `nBytes` from `nSource` to a field of `nField` bytes at `nTarget`, the rest of which becomes zero.
+/// Moves `nBytes` from `nSource` to a field of `nField` bytes at `nTarget`, the rest of which becomes zero;
+/// when encoding, back.
 void Move(QsbRecordLayoutT& layout, std::size_t nSource, std::size_t nBytes, std::size_t nTarget,
           std::size_t nField)
 {
@@ -85,6 +87,8 @@ void Move(QsbRecordLayoutT& layout, std::size_t nSource, std::size_t nBytes, std
         layout.aucShuffle[nTarget + i] = i < nBytes ? static_cast<std::uint8_t>(nSource + i) : s_ucZero;
         layout.aucWritten[nTarget + i] = s_ucWritten;
     }
+    for (std::size_t i = 0; i < nBytes; ++i)
+        layout.aucEncodeShuffle[nSource + i] = static_cast<std::uint8_t>(nTarget + i);
 }
 
 void MakeShuffle(QsbRecordLayoutT& layout)
@@ -96,10 +100,13 @@ void MakeShuffle(QsbRecordLayoutT& layout)
     constexpr std::size_t nGrid1 = offsetof(QsbPointC, gridIndex1) - s_nTailOffset;
 
     std::fill(std::begin(layout.aucShuffle), std::end(layout.aucShuffle), s_ucZero);
-    std::fill(std::begin(layout.aucWritten), std::end(layout.aucWritten), std::uint8_t{0});
+    std::fill(std::begin(layout.aucEncodeShuffle), std::end(layout.aucEncodeShuffle), s_ucZero);
     if (layout.oIntensity.ucBytes != 0) Move(layout, layout.oIntensity.ucOffset, 2, nIntensity, 2);
     if (layout.oNoise.ucBytes != 0) Move(layout, layout.oNoise.ucOffset, layout.oNoise.ucBytes, nNoise, 2);
-    if (layout.oColor.ucBytes != 0) Move(layout, layout.oColor.ucOffset, 3, nColor, 3);
+    if (layout.oColor.ucBytes != 0) {
+        Move(layout, layout.oColor.ucOffset, 3, nColor, 3);
+        layout.aucEncodeConstant[layout.oColor.ucOffset + 3] = s_ucFourthChannel;
+    }
     if (layout.oGrid.ucBytes != 0) {
         const std::size_t nIndex = layout.oGrid.ucBytes / 2u;
         Move(layout, layout.oGrid.ucOffset, nIndex, nGrid0, 4);
@@ -112,6 +119,7 @@ void MakeShuffle(QsbRecordLayoutT& layout)
 QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition)
 {
     QsbRecordLayoutT layout;
+    if (typeid(definition) != typeid(PointDefinitionC)) return layout;
     if (definition.GetCount() > s_nMaxElements) return layout;
     const PointDefinitionI* position = definition.GetElement(0);
     if (position == nullptr || CountKind(definition, PD_POSITION) != 1 || !TakePosition(*position, layout)) {

@@ -22,6 +22,9 @@ inline constexpr std::size_t s_nTailBytes = 16;
 inline constexpr std::size_t s_nTailOffset = offsetof(QsbPointC, red);
 static_assert(s_nTailOffset + s_nTailBytes == sizeof(QsbPointC));
 
+/// What is stored as the fourth channel of a colour, which records do not have.
+inline constexpr std::uint8_t s_ucFourthChannel = 255;
+
 /// An element whose bytes are moved. Absent when it has no bytes.
 struct QsbMovedElementT
 {
@@ -55,6 +58,11 @@ struct QsbRecordMovesT
     /// (0x00).
     std::uint8_t aucShuffle[s_nTailBytes] = {};
     std::uint8_t aucWritten[s_nTailBytes] = {};
+
+    /// The moves of encoding: for each of the 16 bytes behind a stored position the index in a record's tail,
+    /// or 0x80 for zero; and what is the same in every point (0xFF in a colour's fourth channel, else zero).
+    std::uint8_t aucEncodeShuffle[s_nTailBytes] = {};
+    std::uint8_t aucEncodeConstant[s_nTailBytes] = {};
 };
 
 struct QsbRecordLayoutT : QsbRecordMovesT
@@ -62,8 +70,8 @@ struct QsbRecordLayoutT : QsbRecordMovesT
     std::vector<QsbLoopElementT> vecLoops; ///< in the order of the definition
 };
 
-/// The layout of `definition`; one without size when the definition does not begin with its only position or
-/// has elements of unknown classes.
+/// The layout of `definition`; one without size when the definition does not begin with its only position,
+/// has very many elements, or is of an unknown class or has elements that are.
 QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition);
 
 } // namespace SIO

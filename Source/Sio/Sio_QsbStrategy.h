@@ -8,6 +8,7 @@
 
 #include "API_Hdr/GMAT_Algebra.h"
 #include "Sio/SIO_QsbPointDefinitionImpl.h"
+#include "Sio/Sio_CacheLine.h"
 #include "Sio/Sio_QsbDecodePlan.h"
 #include "Sio/Sio_QsbEncodePlan.h"
 
@@ -43,7 +44,7 @@ public:
 };
 
 /// One interpreted point-cloud block.
-class QsbStrategyDataC final : public StrategyDataI
+class alignas(s_nCacheLineBytes) QsbStrategyDataC final : public StrategyDataI
 {
 public:
     QsbStrategyDataC(std::uint64_t ullSession, std::int64_t llBlockIndex) noexcept
@@ -86,7 +87,7 @@ public:
     virtual bool Seek(std::uint64_t ullIndex) = 0;
 };
 
-class QsbStrategyC final : public StrategyI
+class alignas(s_nCacheLineBytes) QsbStrategyC final : public StrategyI
 {
 public:
     QsbStrategyC() = default;

@@ -24,8 +24,10 @@ namespace Hal = BSS::HAL;
 
 namespace {
 
-/// Encoded points are written in pieces of about this size, whatever the size of a batch.
-constexpr std::size_t s_nEncodeBytes = 65536;
+/// Encoded points are written in pieces of this size at the most, whatever the size of a batch: large,
+/// because file systems take few large pieces faster than many small ones, but no larger than a processor's
+/// second cache holds together with the points.
+constexpr std::size_t s_nEncodeBytes = std::size_t{1} << 19;
 
 /// Whether two definitions lay out a stored point in the same way.
 bool HaveSameLayout(const PointDefinitionContainerI& a, const PointDefinitionContainerI& b)
@@ -43,13 +45,15 @@ bool HaveSameLayout(const PointDefinitionContainerI& a, const PointDefinitionCon
     return true;
 }
 
-/// Encodes the next points of `source`: plain records by the batch, any other points one by one.
+/// Encodes the next points of `source`: plain records by the batch, any other points one by one. `plan` is
+/// that of `definition`.
 void EncodePart(const QsbEncodePlanC& plan, const PointDefinitionContainerI& definition,
                 QsbPointSourceI& source, std::uint32_t uiPoints, char* pDestination)
 {
     auto* array = dynamic_cast<ArrayBasedPointSourceC*>(&source);
-    if (array != nullptr && plan.IsUsable() && GetInstructionSet() != QsbInstructionSetT::eVirtual) {
-        plan.Encode(array->GetCursor(), uiPoints, pDestination);
+    const QsbInstructionSetT eSet = GetInstructionSet();
+    if (array != nullptr && plan.IsUsable() && eSet != QsbInstructionSetT::eVirtual) {
+        plan.Encode(array->GetCursor(), uiPoints, pDestination, eSet);
         array->Skip(uiPoints);
         return;
     }
@@ -250,6 +254,16 @@ bool QsbC::CreateBlockToWrite(QsbStrategyC& strategy)
     return true;
 }
 
+char* QsbC::EncodeBuffer(std::size_t nBytes)
+{
+    if (nBytes > m_nEncodeBytes) {
+        m_nEncodeBytes = 0;
+        m_pEncodeBytes.reset(new char[nBytes]);
+        m_nEncodeBytes = nBytes;
+    }
+    return m_pEncodeBytes.get();
+}
+
 bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& definition,
                       QsbPointSourceI& source, std::uint32_t uiPoints)
 {
@@ -264,14 +278,17 @@ bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& d
     if (ullPointsAfter > data.m_ullNumberOfPoints && !CanChangePointCount(*block, ullPointsAfter))
         return false;
 
+    // A definition of the caller's may have a way of its own to encode, even when it lays out the same bytes.
+    const bool bOfBlock = &definition == &data.m_oPointDefinition;
+    const QsbEncodePlanC planOfCaller = bOfBlock ? QsbEncodePlanC() : QsbEncodePlanC(definition);
+    const QsbEncodePlanC& plan = bOfBlock ? data.m_oEncodePlan : planOfCaller;
     const std::size_t nChunk = std::clamp<std::size_t>(s_nEncodeBytes / ullRecordBytes, 1, uiPoints);
-    const std::unique_ptr<char[]> buffer(new char[nChunk * ullRecordBytes]);
+    char* const pBuffer = EncodeBuffer(nChunk * ullRecordBytes);
     for (std::uint32_t uiDone = 0; uiDone < uiPoints;) {
         const auto uiPart = static_cast<std::uint32_t>(std::min<std::size_t>(nChunk, uiPoints - uiDone));
-        EncodePart(data.m_oEncodePlan, definition, source, uiPart, buffer.get());
+        EncodePart(plan, definition, source, uiPart, pBuffer);
         const std::uint64_t ullBytes = uiPart * ullRecordBytes;
-        if (!WriteBytesIntoBlock(data.m_llBlockIndex, data.m_ullPosition, ullBytes, buffer.get()))
-            return false;
+        if (!WriteBytesIntoBlock(data.m_llBlockIndex, data.m_ullPosition, ullBytes, pBuffer)) return false;
         uiDone += uiPart;
         data.m_ullPosition += ullBytes;
         // The block may have got a record of its own.

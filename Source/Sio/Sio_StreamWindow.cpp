@@ -23,7 +23,7 @@ void StreamWindowC::Attach(std::FILE* stream)
     Forget();
     if (stream == nullptr) return;
     std::setvbuf(stream, nullptr, _IONBF, 0);
-    if (m_pBytes == nullptr) m_pBytes.reset(new char[s_nLargest]);
+    if (m_pBuffer == nullptr) m_pBuffer.reset(new BytesT); // whose bytes stay as they are
 }
 
 void StreamWindowC::Forget() noexcept
@@ -36,6 +36,13 @@ void StreamWindowC::Forget() noexcept
 
 const char* StreamWindowC::View(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown)
 {
+    const char* const pBytes = ViewAll(ullOffset, nBytes, nShown);
+    nShown = std::min(nShown, nBytes);
+    return pBytes;
+}
+
+const char* StreamWindowC::ViewAll(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown)
+{
     m_bFailed = false;
     const std::uint64_t ullEnd = m_ullBegin + m_nFill;
     if (m_nFill == 0 || ullOffset < m_ullBegin || ullOffset > ullEnd) {
@@ -47,15 +54,15 @@ const char* StreamWindowC::View(std::uint64_t ullOffset, std::size_t nBytes, std
     }
     const std::size_t nSkipped = static_cast<std::size_t>(ullOffset - m_ullBegin);
     if (nBytes <= m_nFill - nSkipped) {
-        nShown = nBytes;
-        return m_pBytes.get() + nSkipped;
+        nShown = m_nFill - nSkipped;
+        return Bytes() + nSkipped;
     }
     m_nFill -= nSkipped;
-    std::memmove(m_pBytes.get(), m_pBytes.get() + nSkipped, m_nFill);
+    std::memmove(Bytes(), Bytes() + nSkipped, m_nFill);
     m_ullBegin = ullOffset;
     Fill(nBytes);
-    nShown = std::min(nBytes, m_nFill);
-    return m_pBytes.get();
+    nShown = m_nFill;
+    return Bytes();
 }
 
 void StreamWindowC::Fill(std::size_t nWanted)
@@ -65,7 +72,7 @@ void StreamWindowC::Fill(std::size_t nWanted)
         return;
     }
     const std::size_t nTarget = std::min(std::max(m_nNextFill, nWanted), s_nLargest);
-    const std::size_t nRead = std::fread(m_pBytes.get() + m_nFill, 1, nTarget - m_nFill, m_pStream);
+    const std::size_t nRead = std::fread(Bytes() + m_nFill, 1, nTarget - m_nFill, m_pStream);
     // Not every C library marks a stream that may not be read as failed; but none as at its end.
     m_bFailed = nRead < nTarget - m_nFill && std::feof(m_pStream) == 0;
     m_nFill += nRead;

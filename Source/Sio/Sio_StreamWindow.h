@@ -8,6 +8,8 @@
 // says so with Forget.
 #pragma once
 
+#include "Sio/Sio_CacheLine.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -29,6 +31,9 @@ public:
     /// after an error. What is returned is valid until the next operation.
     const char* View(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown);
 
+    /// As View, but shows all that the window has from there on, which may be more than `nBytes`.
+    const char* ViewAll(std::uint64_t ullOffset, std::size_t nBytes, std::size_t& nShown);
+
     /// Reads `nBytes` at `ullOffset` into the caller's memory. False when the file has fewer, or on an error.
     [[nodiscard]] bool Read(std::uint64_t ullOffset, std::size_t nBytes, void* pDestination);
 
@@ -42,10 +47,17 @@ private:
     bool MoveTo(std::uint64_t ullOffset);
     void Fill(std::size_t nWanted);
 
+    struct alignas(s_nCacheLineBytes) BytesT
+    {
+        char acBytes[s_nLargest];
+    };
+
+    char* Bytes() const noexcept { return m_pBuffer->acBytes; }
+
     static constexpr std::uint64_t s_ullNowhere = ~std::uint64_t{0};
 
     std::FILE* m_pStream = nullptr;
-    std::unique_ptr<char[]> m_pBytes;
+    std::unique_ptr<BytesT> m_pBuffer;
     std::uint64_t m_ullBegin = 0; ///< file offset of the window's first byte
     std::size_t m_nFill = 0;
     std::size_t m_nNextFill = 0;

@@ -191,6 +191,8 @@ TEST(Format, CountConversionIsPrintedAndWritesNothing)
     int counted = 77;
     EXPECT_EQ(Format("abc%n %d", 1), "abc%n 1");
     EXPECT_EQ(FormatC("abc%n", &counted), "abc%n");
+    EXPECT_EQ(FormatC("abc%n %d", &counted, 5), "abc%n 5");
+    EXPECT_EQ(Format("abc%n %d", &counted, 5), "abc%n 5");
     EXPECT_EQ(counted, 77);
 }
 
@@ -229,6 +231,19 @@ TEST(Format, OutputThatJustFitsIsWhole)
 TEST(Format, WidthThatOverflowsIsBounded)
 {
     EXPECT_EQ(Format("%99999999999999999999d", 1).size(), BSS::UTI::FORMAT_MAX_CHARS);
+}
+
+TEST(Format, LongDoublesAreDoublesInText)
+{
+    EXPECT_EQ(Format("%Lf %.1LE", 2.5L, 1.0), "2.500000 1.0E+00");
+    EXPECT_EQ(FormatC("%.2Lf %d %Lg", 2.5L, 7, -1e300L), "2.50 7 -1e+300");
+    EXPECT_EQ(FormatC("%.1f %.1Lf %s", 0.5, 1.5L, "end"), "0.5 1.5 end");
+    EXPECT_EQ(FormatWideC(L"%.2Lf %d", 2.5L, 7), L"2.50 7");
+}
+
+TEST(Format, LongDoubleSizeOfOtherConversionsIsPrinted)
+{
+    EXPECT_EQ(Format("%Ld %Ls %d", 5), "%Ld %Ls 5");
 }
 
 TEST(Format, TakesTheArgumentsOfACFunction)

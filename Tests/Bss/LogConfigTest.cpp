@@ -79,25 +79,65 @@ TEST(LogConfigLine, WithoutNameEqualsSignOrLevelIsNone)
         EXPECT_FALSE(ParseLogConfigLine(line)) << line;
 }
 
+TEST(LogConfigLine, TellsWhatItDoesNotUnderstand)
+{
+    const auto rest = [](std::string_view line) { return ParseLogConfigLine(line)->notUnderstood; };
+    EXPECT_EQ(rest("a = INFO 1 5 3 \r\n"), "");
+    EXPECT_EQ(rest("a = INFORMATION"), "RMATION");
+    EXPECT_EQ(rest("a = INFO x 5"), "x 5");
+    EXPECT_EQ(rest("a = INFO 1 5x 3"), "x 3");
+    EXPECT_EQ(rest("a = INFO 1 -5 3"), "-5 3");
+    EXPECT_EQ(rest("a = INFO 1 99999999999 3"), "99999999999 3");
+    EXPECT_EQ(rest("a = INFO 1 5 3 7"), "7");
+}
+
+void Add(LogConfigurationC& configuration, std::string_view line)
+{
+    configuration.Add(ParseLogConfigLine(line).value());
+}
+
 TEST(LogConfiguration, OwnLineBeatsTheOneForAll)
 {
     LogConfigurationC configuration;
     EXPECT_EQ(configuration.Find("a"), nullptr);
-    EXPECT_TRUE(configuration.Add("* = WARN"));
-    EXPECT_TRUE(configuration.Add("a = FINE"));
+    Add(configuration, "* = WARN");
+    Add(configuration, "a = FINE");
     EXPECT_EQ(configuration.Find("a")->level, LEVEL_FINE);
     EXPECT_EQ(configuration.Find("b")->level, LEVEL_WARN);
-    EXPECT_TRUE(configuration.Add("a = ERROR"));
+    Add(configuration, "a = ERROR");
     EXPECT_EQ(configuration.Find("a")->level, LEVEL_ERROR);
 }
 
 TEST(LogConfiguration, TextIsReadToItsEndAndBadLinesAreNumbered)
 {
     LogConfigurationC configuration;
-    EXPECT_EQ(configuration.AddText("# c\r\n\r\nnonsense\na = FINE\nb = \nc = WARN"),
-              (std::vector<std::size_t>{3, 5}));
+    EXPECT_EQ(configuration.ReplaceFile("# c\r\n\r\nnonsense\na = FINE\nb = \nc = WARN x\nd = WARN"),
+              (std::vector<LogConfigFaultT>{{3, false}, {5, false}, {6, true}}));
     EXPECT_EQ(configuration.Find("a")->level, LEVEL_FINE);
     EXPECT_EQ(configuration.Find("c")->level, LEVEL_WARN);
+    EXPECT_EQ(configuration.Find("d")->level, LEVEL_WARN);
+}
+
+TEST(LogConfiguration, LineTakenOutOfTheFileCountsNoMore)
+{
+    LogConfigurationC configuration;
+    EXPECT_TRUE(configuration.ReplaceFile("* = WARN\na = FINE\nb = FINE").empty());
+    EXPECT_TRUE(configuration.ReplaceFile("b = ERROR").empty());
+    EXPECT_EQ(configuration.Find("a"), nullptr);
+    EXPECT_EQ(configuration.Find("b")->level, LEVEL_ERROR);
+}
+
+TEST(LogConfiguration, OfProgramAndFileTheLaterOneCounts)
+{
+    LogConfigurationC configuration;
+    Add(configuration, "a = WARN");
+    EXPECT_TRUE(configuration.ReplaceFile("a = FINE").empty());
+    EXPECT_EQ(configuration.Find("a")->level, LEVEL_FINE);
+    Add(configuration, "a = ERROR");
+    EXPECT_EQ(configuration.Find("a")->level, LEVEL_ERROR);
+    EXPECT_TRUE(configuration.ReplaceFile("a = FINE").empty());
+    EXPECT_TRUE(configuration.ReplaceFile("").empty());
+    EXPECT_EQ(configuration.Find("a")->level, LEVEL_ERROR);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileName.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/LogFolderTest.h"
@@ -170,11 +171,28 @@ TEST_F(LogFile, ManyLinesAtOnceFillFilesToTheLimitAndNotBeyond)
     EXPECT_EQ(found + Bytes("a.txt"), all);
 }
 
-TEST_F(LogFile, TextLongerThanTheLimitIsCutToIt)
+TEST_F(LogFile, LineLongerThanTheLimitIsCutToItAndMarked)
+{
+    DbgLogFileC file(L"a.txt", 12);
+    EXPECT_TRUE(file.append("1234567890123\n"));
+    EXPECT_EQ(Bytes("a.txt"), "12345 (cut)\n");
+}
+
+TEST_F(LogFile, LineIsNotCutInsideACharacter)
+{
+    DbgLogFileC file(L"a.txt", 12);
+    EXPECT_TRUE(file.append("1234\u00E9\u00E9\u00E9\u00E9\n"));
+    EXPECT_EQ(Bytes("a.txt"), "1234 (cut)\n");
+}
+
+TEST_F(LogFile, LineThatNotEvenTheMarkHasRoomForIsCountedAsLost)
 {
     DbgLogFileC file(L"a.txt", 4);
-    EXPECT_TRUE(file.append("1234567\n"));
-    EXPECT_EQ(Bytes("a.txt"), "1234");
+    EXPECT_TRUE(file.append("1234567\n", Later()));
+    EXPECT_EQ(Bytes("a.txt"), "");
+    file.setLimit(0);
+    EXPECT_TRUE(file.append("next\n", Later()));
+    EXPECT_EQ(Bytes("a.txt"), "(1 lines could not be written and are lost)\nnext\n");
 }
 
 TEST_F(LogFile, LimitSetWhileRunningHolds)
@@ -410,7 +428,24 @@ TEST(LogFileName, DevicesOfOtherSystemsAreNoFileNames)
     EXPECT_EQ(LogFileNameOf("con"), L"%63on.txt");
     EXPECT_EQ(LogFileNameOf("NUL.x"), L"%4EUL.x.txt");
     EXPECT_EQ(LogFileNameOf("COM1"), L"%43OM1.txt");
-    EXPECT_EQ(LogFileNameOf("console"), L"console.txt");
+    EXPECT_EQ(LogFileNameOf("lpt9.x"), L"%6Cpt9.x.txt");
+    EXPECT_EQ(LogFileNameOf("COM\u00B9"), L"%43OM\u00B9.txt");
+}
+
+TEST(LogFileName, LongerNamesThanThoseOfDevicesAreTakenAsTheyAre)
+{
+    for (const char* name : {"console", "Communication", "COM", "COM10", "COMx", "LPTs", "Nullify"})
+        EXPECT_EQ(LogFileNameOf(name), BSS::HAL::WidePath(std::string(name) + ".txt"));
+}
+
+TEST(LogFileName, NamesNoOlderFileOfAnotherConsumer)
+{
+    EXPECT_EQ(LogFileNameOf("Network.1"), L"Network%2E1.txt");
+    EXPECT_EQ(LogFileNameOf("ErrorLog.12"), L"ErrorLog%2E12.txt");
+    EXPECT_EQ(LogFileNameOf("a.1.2"), L"a.1%2E2.txt");
+    EXPECT_EQ(LogFileNameOf("a.1x"), L"a.1x.txt");
+    EXPECT_EQ(LogFileNameOf("a."), L"a..txt");
+    EXPECT_EQ(LogFileNameOf("1"), L"1.txt");
 }
 
 TEST(LogFileName, IsShortEnoughForEveryFileSystem)

@@ -17,6 +17,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <pthread.h>
 #include <sched.h>
 #include <set>
 #include <string>
@@ -78,6 +79,16 @@ std::multiset<long> UpTo(long count)
     return numbers;
 }
 
+// Whether the text is less than the whole of that line, behind as much of a prefix as there is.
+bool BeginsLine(const std::string& text, const std::string& name, unsigned number)
+{
+    const std::size_t level = text.find(" INFO ");
+    if (text.empty()) return true;
+    if (level == std::string::npos) return text.size() < 100 && text.front() == '[';
+    const std::string message = text.substr(level + 6);
+    return Support::CheckedLine(name, number).compare(0, message.size(), message) == 0;
+}
+
 TEST_F(LogProcesses, TwoProcessesMixNoLinesAndLoseNone)
 {
     const auto one = StartWriter({"lines", "one", "20000", "0"});
@@ -105,6 +116,7 @@ TEST_F(LogProcesses, ThreeProcessesKeepTheLimitAndLoseNothingWhenFilesBecomeOlde
 
 TEST_F(LogProcesses, ProcessThatIsKilledLeavesWholeLinesAndAllThatWereFlushed)
 {
+    int fragments = 0;
     for (int round = 0; round < 10; ++round) {
         TakeAway();
         const auto writer = StartWriter({"endless"});
@@ -113,19 +125,23 @@ TEST_F(LogProcesses, ProcessThatIsKilledLeavesWholeLinesAndAllThatWereFlushed)
             flushed = std::atol(writer->ReadLine().c_str());
         writer->Kill();
         EXPECT_EQ(writer->Wait(), -SIGKILL);
-        {
-            // The next one to open the file takes away what a write that was cut short may have left.
-            DbgLogFileC next(L"killed.txt", 0);
-            ASSERT_TRUE(next.append("next\n"));
-        }
-        std::vector<std::string> lines = LinesOf(Bytes("killed.txt"));
-        ASSERT_FALSE(lines.empty());
-        EXPECT_EQ(lines.back(), "next");
-        lines.pop_back();
-        EXPECT_GE(static_cast<long>(lines.size()), flushed);
+        // Whole lines, and behind them nothing but the beginning of the next one.
+        const std::string left = Bytes("killed.txt");
+        const std::string whole = left.substr(0, left.rfind('\n') + 1);
+        const std::string fragment = left.substr(whole.size());
+        const std::vector<std::string> lines = LinesOf(whole);
+        const long count = static_cast<long>(lines.size());
         EXPECT_GT(flushed, 0);
-        EXPECT_EQ(NumbersOf(lines, "k"), UpTo(static_cast<long>(lines.size())));
+        EXPECT_GE(count, flushed);
+        EXPECT_EQ(NumbersOf(lines, "k"), UpTo(count));
+        EXPECT_TRUE(BeginsLine(fragment, "k", static_cast<unsigned>(count))) << fragment;
+        if (!fragment.empty()) ++fragments;
+        // Whoever opens the file next takes the beginning away and nothing else.
+        DbgLogFileC next(L"killed.txt", 0);
+        ASSERT_TRUE(next.append("next\n"));
+        EXPECT_EQ(Bytes("killed.txt"), whole + "next\n");
     }
+    RecordProperty("fragments", fragments);
 }
 
 TEST_F(LogProcesses, LinesThatWaitAreWrittenWhenTheProcessEnds)
@@ -226,7 +242,6 @@ TEST_F(LogProcesses, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
     // A limit on the size of files acts as a full disk does: the system takes a part of the write.
     const pid_t child = ::fork();
     if (child == 0) {
-        ::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit = {1000, RLIM_INFINITY};
         ::setrlimit(RLIMIT_FSIZE, &limit);
         DbgLogFileC file(L"a.txt", 0);
@@ -244,6 +259,49 @@ TEST_F(LogProcesses, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
         EXPECT_EQ(line, std::string(99, 'x'));
 }
 
+TEST_F(LogProcesses, LimitOnTheSizeOfFilesThatIsSetWhileRunningEndsNoProcess)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        DbgLogFileC file(L"a.txt", 0);
+        const bool before = file.append("before\n", {1000, 0});
+        const rlimit limit = {10, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const bool refused = !file.append("refused\n", {1001, 0}) && !file.append("too\n", {1002, 0});
+        sigset_t pending;
+        ::sigpending(&pending);
+        ::_exit(before && refused && ::sigismember(&pending, SIGXFSZ) == 0 ? 0 : 1);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(Bytes("a.txt"), "before\n");
+}
+
+void* CancelAndLog(void* consumer)
+{
+    auto* const log = static_cast<DbgLogConsumerC*>(consumer);
+    ::pthread_cancel(::pthread_self());
+    log->Log(LEVEL_ERROR, "one");
+    log->Log(LEVEL_ERROR, L"two");
+    log->flush();
+    log->Log(LEVEL_ERROR, "three");
+    ::pthread_testcancel();
+    return nullptr;
+}
+
+TEST_F(LogProcesses, ThreadThatIsCancelledLogsToTheEndAndIsCancelledThen)
+{
+    DbgLogFileConsumerC consumer("name", L"a.txt");
+    consumer.setPrefixKind(PrefixKind::None);
+    pthread_t thread = {};
+    ASSERT_EQ(::pthread_create(&thread, nullptr, &CancelAndLog, &consumer), 0);
+    void* result = nullptr;
+    ASSERT_EQ(::pthread_join(thread, &result), 0);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+    EXPECT_EQ(Bytes("a.txt"), "one\ntwo\nthree\n");
+}
+
 // Windows does not let a directory go in which a file is open.
 TEST_F(LogProcesses, DirectoryThatIsTakenAwayIsMadeAnewAndNothingIsLost)
 {
@@ -253,6 +311,31 @@ TEST_F(LogProcesses, DirectoryThatIsTakenAwayIsMadeAnewAndNothingIsLost)
     EXPECT_TRUE(file.append("two\n", {1001, 0}));
     EXPECT_TRUE(file.flush());
     EXPECT_EQ(Bytes("a.txt"), "one\ntwo\n");
+}
+
+// Lines 0 to `count` of "d" in their order; where some are missing, a line says how many; "room again" and
+// "and again" at the end.
+bool EveryLineIsThereOrCounted(const std::vector<std::string>& lines, long count)
+{
+    long next = 0;
+    long lost = 0;
+    std::string end;
+    for (const std::string& line : lines) {
+        const long number = NumberOf(line, "d");
+        const std::size_t error = line.find(" ERROR ");
+        if (number >= 0) {
+            if (number != next + lost) return false;
+            ++next;
+        } else if (error != std::string::npos) {
+            end += line.substr(error + 7) + ";";
+        } else {
+            const long told = line.front() == '(' ? std::atol(line.c_str() + 1) : 0;
+            if (told <= 0 || line.find(" lines could not be written and are lost)") == std::string::npos)
+                return false;
+            lost += told;
+        }
+    }
+    return lost > 0 && next + lost == count && end == "room again;and again;";
 }
 
 // Runs in a child with a file system of its own, as big as a few lines. 0: as it should be; 77: not permitted
@@ -267,20 +350,22 @@ int LogToAFullDisk(const std::string& folder)
     if (::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=32k") != 0) return 77;
     const Support::DebugOutputCapture debug;
     DbgLogFileConsumerC consumer("disk", L"a.txt", 0);
-    for (unsigned i = 0; i < 2000; ++i)
-        consumer.Log(i % 50 == 0 ? LEVEL_ERROR : LEVEL_INFO, "%s", Support::CheckedLine("d", i));
+    consumer.setFlushLevel(LEVEL_INFO);
+    constexpr unsigned LINES = 2000;
+    for (unsigned i = 0; i < LINES; ++i)
+        consumer.Log(LEVEL_INFO, "%s", Support::CheckedLine("d", i));
     const bool told = debug.Text().find(L"ERROR while writing to log (disk)!") != std::wstring::npos;
     const std::string full = Support::ReadAll(folder + "/a.txt");
     for (const std::string& line : LinesOf(full))
         if (line.find(" some words of a usual length ") == std::string::npos) return 2;
     if (!told || full.empty() || full.back() != '\n') return 3;
     // Somebody makes room.
-    if (::truncate((folder + "/a.txt").c_str(), 0) != 0) return 4;
+    if (::mount("tmpfs", folder.c_str(), "tmpfs", MS_REMOUNT, "size=1m") != 0) return 4;
     consumer.Log(LEVEL_ERROR, "room again");
     consumer.Log(LEVEL_ERROR, "and again");
     const std::string after = Support::ReadAll(folder + "/a.txt");
-    if (after.empty() || after.back() != '\n') return 5;
-    return 0;
+    if (after.compare(0, full.size(), full) != 0 || after.back() != '\n') return 5;
+    return EveryLineIsThereOrCounted(LinesOf(after), LINES) ? 0 : 6;
 }
 
 TEST_F(LogProcesses, FullDiskIsSurvivedAndLeavesWholeLines)

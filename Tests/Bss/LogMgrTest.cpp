@@ -11,6 +11,8 @@
 #include "Bss/Bss_Dbg/BSS_DBG_SubLogManager.h"
 #include "Bss/Bss_Hal/BSS_HAL_ConfigValue.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
+#include "Bss/Bss_Os/BSS_OS_PathMap.h"
+#include "Bss/Bss_Os/BSS_OS_PathMapI.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
@@ -164,7 +166,49 @@ TEST_F(LogMgr, IsAConsumerThatPassesOnToTheSystemErrorLogger)
 {
     const Support::LogCapture log;
     Manager().Log(LEVEL_INFO, "one %d", 1);
-    EXPECT_NE(log.Messages().find(" INFO one 1\n"), std::string::npos);
+    EXPECT_EQ(log.Messages(), "one 1\n"); // with the logger's own prefix, which is none
+}
+
+TEST_F(LogMgr, MessagesOnItHaveTheLevelAndThePrefixOfTheSystemErrorLogger)
+{
+    const Support::LogCapture log;
+    const auto logger = Manager().getSystemErrorLogger();
+    logger->setLevel(LEVEL_WARN);
+    Manager().Log(LEVEL_INFO, "no");
+    Manager().Log(LEVEL_INFO, L"no");
+    Manager().logText(LEVEL_INFO, "no");
+    Manager().Log(LEVEL_WARN, "a %d", 1);
+    Manager().Log(LEVEL_WARN, L"b %d", 2);
+    Manager().logText(LEVEL_WARN, "c\nd");
+    EXPECT_EQ(log.Messages(), "a 1\nb 2\ncapture: 001, c\ncapture: 002, d\n");
+}
+
+class Closed final : public DbgLogConsumerC
+{
+public:
+    Closed() : DbgLogConsumerC("closed", PrefixKind::None) {}
+    bool isOpen() const noexcept override { return false; }
+    std::string text;
+
+protected:
+    bool write(std::string_view lines) override { return text += lines, true; }
+};
+
+TEST_F(LogMgr, MessagesOnItGoNowhereWhileTheSystemErrorLoggerIsClosed)
+{
+    const Support::LogCapture restore;
+    const auto closed = std::make_shared<Closed>();
+    Manager().setSystemErrorLogger(closed);
+    Manager().Log(LEVEL_FATAL, "no");
+    EXPECT_EQ(closed->text, "");
+}
+
+TEST_F(LogMgr, FailureOfAMessageOnItIsToldUnderTheLogThatFailed)
+{
+    const Support::LogCapture log([] { throw 5; });
+    const Support::DebugOutputCapture debug;
+    Manager().Log(LEVEL_FATAL, "no");
+    EXPECT_EQ(debug.Text(), L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log (capture)!\n");
 }
 
 TEST_F(LogMgr, MissingSystemErrorLoggerIsToldOnTheDebugOutput)
@@ -204,6 +248,24 @@ TEST_F(LogMgr, FlushReachesEveryFileAndIsSilentWhenItSucceeds)
     EXPECT_TRUE(Manager().flush());
     EXPECT_NE(Bytes("flushed.txt").find("second\n"), std::string::npos);
     EXPECT_TRUE(reports.Reports().empty());
+}
+
+TEST_F(LogMgr, ConsumerWhoseFlushThrowsDoesNotKeepTheOthersFromBeingFlushed)
+{
+    struct Throwing final : SubLogManagerC
+    {
+        bool flushLogs() override { throw ++count; }
+        int count = 0;
+    } one, two;
+    const Support::LogCapture log;
+    const Support::ReportCapture reports;
+    Manager().registerSubManager(one);
+    Manager().registerSubManager(two);
+    EXPECT_FALSE(Manager().flush());
+    Manager().unregisterSubManager(one);
+    Manager().unregisterSubManager(two);
+    EXPECT_EQ(one.count + two.count, 2);
+    EXPECT_EQ(reports.Count("!\"Failed flushing logs!\""), 1u);
 }
 
 class SubManager final : public SubLogManagerC
@@ -298,6 +360,25 @@ TEST_F(LogMgr, ConfigurationLineThatCannotBeReadChangesNothing)
     for (const char* line : {"unchanged = LOUD", "unchanged FINE", "= FINE", "unchanged ="})
         EXPECT_FALSE(Manager().configure(line)) << line;
     EXPECT_EQ(consumer->getLevel(), LEVEL_WARN);
+}
+
+TEST_F(LogMgr, ConfigurationLineLeavesOtherConsumersAsTheProgramSetThem)
+{
+    const auto set = Manager().getConsumer("set by the program");
+    EXPECT_TRUE(Manager().configure("set by the program = WARN"));
+    set->setLevel(LEVEL_FINE);
+    EXPECT_TRUE(Manager().configure("some other = ERROR"));
+    EXPECT_EQ(set->getLevel(), LEVEL_FINE);
+}
+
+TEST_F(LogMgr, ConfigurationLineThatIsUnderstoodInPartCountsThatFarAndIsTold)
+{
+    const Support::LogCapture log;
+    const auto consumer = Manager().getConsumer("in part");
+    EXPECT_TRUE(Manager().configure("in part = WARN 2 x"));
+    EXPECT_EQ(consumer->getLevel(), LEVEL_WARN);
+    EXPECT_EQ(consumer->getPrefixKind(), PrefixKind::Time);
+    EXPECT_EQ(log.Messages(), "the line of configuration for in part counts only up to \"x\"\n");
 }
 
 TEST_F(LogMgr, LevelSetWhileOtherThreadsLogTakesEffect)
@@ -456,6 +537,91 @@ TEST_F(LogMgrDeathTest, ConfigurationFileCanBeReadAgain)
         Support::WriteAll(own.Path("logging.conf"), "c = ERROR\n");
         Manager().readConfiguration();
         std::_Exit(consumer->getLevel() == LEVEL_ERROR ? 0 : 1);
+    };
+    EXPECT_EXIT(look(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(LogMgrDeathTest, LineForAllChangesTheConsumersWithoutALineOfTheirOwnWhileTheyRun)
+{
+    const auto look = [] {
+        const OwnDirectory own("all");
+        const std::vector<DbgLogMgrC::ConsumerPtrT> free = {Manager().getConsumer("a"),
+                                                            Manager().getConsumer("b")};
+        const auto configured = Manager().getConsumer("with a line");
+        bool good = Manager().configure("with a line = WARN");
+        std::vector<std::thread> threads;
+        for (const auto& consumer : free)
+            threads.emplace_back([&consumer] {
+                for (int k = 0; k < 500; ++k)
+                    consumer->Log(LEVEL_INFO, "line %d", k);
+            });
+        for (int k = 0; k < 100; ++k)
+            good = Manager().configure(k % 2 == 0 ? "* = FINE 1 16 3" : "* = ERROR 2 64 7") && good;
+        for (std::thread& thread : threads)
+            thread.join();
+        for (const auto& consumer : free)
+            good = good && consumer->getLevel() == LEVEL_ERROR && consumer->getLimit() == 64u << 10 &&
+                   consumer->getPrefixKind() == PrefixKind::Time && consumer->getOlderFiles() == 7;
+        good = good && configured->getLevel() == LEVEL_WARN &&
+               Manager().getConsumer("later")->getLevel() == LEVEL_ERROR;
+        std::_Exit(good ? 0 : 1);
+    };
+    EXPECT_EXIT(look(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(LogMgrDeathTest, LineTakenOutOfTheConfigurationFileIsInForceNoMore)
+{
+    const auto look = [] {
+        const OwnDirectory own("taken out");
+        const auto one = Manager().getConsumer("one");
+        const auto two = Manager().getConsumer("two");
+        one->setLevel(LEVEL_FINE);
+        one->setLimit(1000);
+        Support::WriteAll(own.Path("logging.conf"), "one = ERROR 2 64 7\ntwo = ERROR 2 64 7\n");
+        Manager().readConfiguration();
+        const bool set = one->getLevel() == LEVEL_ERROR && one->getLimit() == 64u << 10;
+        Support::WriteAll(own.Path("logging.conf"), "two = WARN\n");
+        Manager().readConfiguration();
+        const bool back = one->getLevel() == LEVEL_FINE && one->getLimit() == 1000 &&
+                          one->getPrefixKind() == PrefixKind::Full && one->getOlderFiles() == 3;
+        const bool less = two->getLevel() == LEVEL_WARN && two->getPrefixKind() == PrefixKind::Full &&
+                          two->getLimit() == DbgLogConsumerC::DEFAULT_LIMIT_BYTES;
+        std::_Exit(set && back && less ? 0 : 1);
+    };
+    EXPECT_EXIT(look(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(LogMgrDeathTest, ConfigurationFileThatIsTooLargeOrUnreadableIsToldAndChangesNothing)
+{
+    const auto look = [] {
+        const OwnDirectory own("too large");
+        const auto consumer = Manager().getConsumer("c");
+        const Support::LogCapture log;
+        Support::WriteAll(own.Path("logging.conf"), "c = ERROR\n");
+        Manager().readConfiguration();
+        Support::WriteAll(own.Path("logging.conf"), std::string(MAX_LOG_CONFIG_BYTES, '#') + "\n");
+        Manager().readConfiguration();
+        boost::filesystem::remove(own.Path("logging.conf"));
+        boost::filesystem::create_directory(own.Path("logging.conf"));
+        Manager().readConfiguration();
+        const bool told = log.Messages() == "logging.conf is larger than 1048576 bytes and is left out\n"
+                                            "logging.conf cannot be read\n";
+        std::_Exit(told && consumer->getLevel() == LEVEL_ERROR ? 0 : 1);
+    };
+    EXPECT_EXIT(look(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(LogMgrDeathTest, ConfigurationFileIsLookedForWhereThePathMapSays)
+{
+    const auto look = [] {
+        const OwnDirectory own("path map");
+        const auto consumer = Manager().getConsumer("c");
+        boost::filesystem::create_directories(own.Path("elsewhere"));
+        Support::WriteAll(own.Path("elsewhere/logging.conf"), "c = ERROR\n");
+        const std::wstring elsewhere = BSS::HAL::WidePath(own.Path("elsewhere"));
+        const auto rc = BSS::OS::GetPathMap().SetPath(BSS::OS::PathKind::Configuration, elsewhere.c_str());
+        Manager().readConfiguration();
+        std::_Exit(rc == BSS::RC_OK && consumer->getLevel() == LEVEL_ERROR ? 0 : 1);
     };
     EXPECT_EXIT(look(), testing::ExitedWithCode(0), "");
 }

@@ -7,9 +7,11 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogPrefix.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/AllocationCount.h"
 #include "Support/DebugOutputCapture.h"
+#include "Support/LogLines.h"
 #include "Support/ReportCapture.h"
 
 #include <algorithm>
@@ -200,7 +202,7 @@ TEST(LogConsumer, LoggingFromInsideAFlushGoesToTheDebugOutput)
     const Support::DebugOutputCapture debug;
     EXPECT_TRUE(consumer.flush());
     EXPECT_EQ(consumer.text, "");
-    EXPECT_EQ(debug.Text(), L"inner");
+    EXPECT_EQ(debug.Text(), L"inner\n");
 }
 
 TEST(LogConsumer, LoggingFromInsideAWriteGoesToTheDebugOutput)
@@ -214,6 +216,88 @@ TEST(LogConsumer, LoggingFromInsideAWriteGoesToTheDebugOutput)
     consumer.Log(LEVEL_INFO, "outer");
     EXPECT_EQ(consumer.text, "outer\n");
     EXPECT_EQ(debug.Text(), L"inner 1\n");
+}
+
+TEST(LogConsumer, MessageFromInsideAWriteIsOneHarmlessLineOfTheDebugOutput)
+{
+    const Support::DebugOutputCapture debug;
+    TextConsumer consumer;
+    consumer.inside = [&consumer] {
+        consumer.Log(LEVEL_INFO, "a\r\nb%s", "\x1B[2J");
+        consumer.logText(LEVEL_INFO, "c\nd\n");
+        return true;
+    };
+    consumer.Log(LEVEL_INFO, "outer");
+    EXPECT_EQ(debug.Text(), L"a\\x0D\\x0Ab\\x1B[2J\nc\\x0Ad\n");
+}
+
+TEST(LogConsumer, MessageFromInsideAWriteThatIsTooLongSaysThatItIsCut)
+{
+    const Support::DebugOutputCapture debug;
+    TextConsumer consumer;
+    consumer.inside = [&consumer] {
+        consumer.Log(LEVEL_INFO, "%20000d", 1);
+        return true;
+    };
+    consumer.Log(LEVEL_INFO, "outer");
+    EXPECT_EQ(debug.Text(), std::wstring(DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE, L' ') + L"... (cut)\n");
+}
+
+TEST(LogConsumer, FailureIsToldUnderAHarmlessName)
+{
+    struct Refusing final : DbgLogConsumerC
+    {
+        Refusing() : DbgLogConsumerC("a\nb", PrefixKind::None) {}
+        bool write(std::string_view) override { return false; }
+    } consumer;
+    const Support::DebugOutputCapture debug;
+    consumer.Log(LEVEL_INFO, "x");
+    EXPECT_EQ(debug.Text(), L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log (a\\x0Ab)!\n");
+}
+
+TEST(LogConsumer, LongNameIsShownCutAndMarkedAndLinesKeepTheirLimit)
+{
+    struct Named final : DbgLogConsumerC
+    {
+        Named() : DbgLogConsumerC(std::string(40000, 'n'), PrefixKind::Full) {}
+        bool write(std::string_view lines) override { return text += lines, true; }
+        std::string text;
+    } consumer;
+    consumer.Log(LEVEL_INFO, "1\n%s", std::string(20000, 'x'));
+    EXPECT_NE(consumer.text.find(" INFO " + std::string(125, 'n') + "...: 001, 1\n"), std::string::npos);
+    for (const std::string& line : Support::LinesOf(consumer.text))
+        EXPECT_LT(line.size(), DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE);
+    EXPECT_EQ(std::count(consumer.text.begin(), consumer.text.end(), 'x'), 20000);
+}
+
+// Stands for a library whose threads can be interrupted: what runs in it is not.
+bool s_undisturbed = false;
+void RunShielded(BSS::HAL::UndisturbedCallT call, void* context)
+{
+    s_undisturbed = true;
+    call(context);
+    s_undisturbed = false;
+}
+
+TEST(LogConsumer, WriteAndFlushAreRunWithInterruptionsDisabled)
+{
+    struct Looking final : DbgLogConsumerC
+    {
+        Looking() : DbgLogConsumerC("l", PrefixKind::None) {}
+        bool write(std::string_view) override { return ++(s_undisturbed ? shielded : bare), true; }
+        bool flushDevice() override { return ++(s_undisturbed ? shielded : bare), true; }
+        int shielded = 0;
+        int bare = 0;
+    } consumer;
+    BSS::HAL::SetUndisturbedRunner(&RunShielded);
+    consumer.Log(LEVEL_INFO, "one");
+    consumer.Log(LEVEL_INFO, L"two");
+    consumer.logText(LEVEL_INFO, "three");
+    EXPECT_TRUE(consumer.flush());
+    BSS::HAL::SetUndisturbedRunner(nullptr);
+    EXPECT_EQ(consumer.shielded, 4);
+    EXPECT_EQ(consumer.bare, 0);
+    EXPECT_FALSE(s_undisturbed);
 }
 
 TEST(LogConsumer, LinesOfOneMessageStayTogether)
@@ -361,6 +445,8 @@ TEST(LogConsumer, EveryKindOfLineEndAndTerminalCommandIsMadeHarmless)
                                    "a\x08\x08"
                                    "b",
                                    "a\xE2\x80\xAE"
+                                   "b",
+                                   "a\xD8\x9C"
                                    "b",
                                    "a\x7F"
                                    "b",

@@ -7,13 +7,17 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogFile.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
-#include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogTcpIpConsumer.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
+#include "Bss/Bss_Uti/BSS_UTI_String.h"
 #include "Support/LogCapture.h"
 #include "Support/LogFolderTest.h"
 #include "Support/LogLines.h"
 #include "Support/PageExamples.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -39,9 +43,12 @@ TEST(LoggingPage, LinesAreWhatIsWritten)
 {
     const std::string prefix = PrefixedLine(PrefixKind::Full, ContextOfThePage(), "");
     const LogLayoutT layout{"Network", prefix, false, 16000};
-    const std::string written = LinesOfMessage(layout, "text of the message") +
-                                LinesOfMessage(layout, "first line of a longer message\nsecond line") +
-                                LinesOfMessage(layout, "logging.conf: line 4 cannot be read and is left out");
+    const std::string written =
+        LinesOfMessage(layout, "text of the message") +
+        LinesOfMessage(layout, "first line of a longer message\nsecond line") +
+        LinesOfMessage(layout, "logging.conf: line 4 cannot be read and is left out") +
+        LinesOfMessage(layout, "logging.conf: line 5 can be read only in part, its end "
+                               "is left out");
     EXPECT_EQ(Examples("log"), Support::LinesOf(written));
 }
 
@@ -51,13 +58,18 @@ TEST(LoggingPage, UtcLineIsWhatIsWritten)
                                                                      "text of the message")});
 }
 
-TEST(LoggingPage, ReportsAreWhatIsLogged)
+// In a process of its own: a consumer refuses to start only once.
+TEST(LoggingPageDeathTest, ReportsAreWhatIsLogged)
 {
-    const Support::LogCapture log;
-    BSS::ERR::AssertFailed("rc == RC_OK", 0, 0, R"(..\..\Source\Bss\Bss_Dbg\BSS_DBG_LogMgr)", 57);
-    BSS::ERR::Panic("nIndex < GetLength() && nIndex >= 0:%lx, %lx", 0, 5, 3,
-                    R"(..\..\Source\Bss\Bss_Uti\BSS_UTI_String)", 29);
-    EXPECT_EQ(Examples("report"), Support::LinesOf(log.Messages()));
+    const auto report = [] {
+        InstallTcpIpLogConsumer();
+        const Support::LogCapture log;
+        static_cast<void>(DbgLogMgrC::instance().getConsumer("TcpIp"));
+        static_cast<void>(BSS::UTI::StringC(L"abc").GetAt(5));
+        std::fputs(log.Messages().c_str(), stderr);
+        std::_Exit(Examples("report") == Support::LinesOf(log.Messages()) ? 0 : 1);
+    };
+    EXPECT_EXIT(report(), testing::ExitedWithCode(0), "");
 }
 
 using LoggingPageFolder = Support::LogFolderTest;
@@ -105,6 +117,12 @@ TEST(LoggingPage, SizesAreTheOnesOfTheCode)
     EXPECT_NE(page.find("three of these are kept"), std::string::npos);
     EXPECT_EQ(DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE, 16384u);
     EXPECT_NE(page.find("longer than 16 KB"), std::string::npos);
+    EXPECT_EQ(DbgLogConsumerC::MAX_MESSAGE_BYTES, 1u << 20);
+    EXPECT_NE(page.find("more than 1 MiB is cut"), std::string::npos);
+    EXPECT_EQ(LONGEST_SHOWN_NAME, 128u);
+    EXPECT_NE(page.find("name of more than 128 bytes"), std::string::npos);
+    EXPECT_EQ(MAX_LOG_CONFIG_BYTES, 1u << 20);
+    EXPECT_NE(page.find("larger than 1 MiB"), std::string::npos);
 }
 
 } // namespace

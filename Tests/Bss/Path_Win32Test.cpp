@@ -58,6 +58,20 @@ TEST(LongPath, APrefixedPathIsLeftAlone)
         EXPECT_EQ(LongPath(prefix + LONG_NAME + LONG_NAME), prefix + LONG_NAME + LONG_NAME);
 }
 
+TEST(LongPath, APrefixWrittenWithForwardSlashesIsAPrefixToo)
+{
+    EXPECT_EQ(LongPath(L"//?/C:/" + LONG_NAME + L"/" + LONG_NAME), LR"(\\?\C:\)" + LONG_NAME + LR"(\)" + LONG_NAME);
+    EXPECT_EQ(LongPath(L"//./pipe/" + LONG_NAME + LONG_NAME), LR"(\\.\pipe\)" + LONG_NAME + LONG_NAME);
+}
+
+TEST(DeviceName, IsKnownInEitherCase)
+{
+    for (const wchar_t* device : {L"NUL", L"nul", L"CON", LR"(\\.\NUL)"})
+        EXPECT_TRUE(NamesDevice(device)) << NarrowPath(device);
+    for (const wchar_t* file : {L"NULL", L"scan.qsb", L"C:\\folder\\scan.qsb", LR"(\\server\share\scan.qsb)", L""})
+        EXPECT_FALSE(NamesDevice(file)) << NarrowPath(file);
+}
+
 TEST(LongPath, TheFileSystemLibraryIsGivenTheLongForm)
 {
     const std::wstring path = LR"(C:\)" + LONG_NAME + LR"(\)" + LONG_NAME;

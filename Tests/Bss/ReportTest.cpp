@@ -107,6 +107,7 @@ TEST(Report, HugeWidthCostsNoMoreThanTheLimit)
     const Support::LogCapture log;
     AssertFailed("%2000000000d", 5, 6, "File", 1);
     EXPECT_LT(log.Messages().size(), 60000u);
+    EXPECT_NE(log.Messages().find("... (cut)>>\n"), std::string::npos);
 }
 
 TEST(Report, MacroReportsTheConditionsOwnTextAndLine)
@@ -198,6 +199,14 @@ TEST(Report, ReportRaisedInsideAConsumerGoesToTheDebugOutputOnly)
     EXPECT_EQ(reports.Count("outer"), 1u);
 }
 
+TEST(Report, ReportOnTheDebugOutputIsOneHarmlessLine)
+{
+    const Support::LogCapture log([] { Panic("node\r\n\x1B", 0, 0, 0, "Inner", 2); });
+    const Support::DebugOutputCapture debug;
+    AssertFailed("outer", 0, 0, "Outer", 1);
+    EXPECT_EQ(debug.Text(), L"<<PANIC at Inner(2): node\\x0D\\x0A\\x1B - type 0x1200001>>\n");
+}
+
 TEST(Report, PanicRaisedInsideAConsumerGoesToTheDebugOutputOnly)
 {
     const Support::LogCapture log([] { Panic("inner %lx", 0, 31, 0, "Inner", 2); });
@@ -276,7 +285,8 @@ TEST(ReportDeathTest, ReportAfterTheEndOfTheLogGoesToTheDebugOutput)
 {
     const auto reportLate = [] {
         BSS::HAL::SetDebugOutputSink(
-            [](const wchar_t* text, void*) { std::fputs(BSS::HAL::Utf8FromWide(text).c_str(), stderr); }, nullptr);
+            [](const wchar_t* text, void*) { std::fputs(BSS::HAL::Utf8FromWide(text).c_str(), stderr); },
+            nullptr);
         // Registered before the log manager is made, so it runs after the manager is gone.
         std::atexit([] { AssertFailed("too late", 0, 0, "File", 3); });
         AssertFailed("in time", 0, 0, "File", 2);

@@ -211,4 +211,21 @@ TEST_F(Stream, AdviceChangesNothing)
     EXPECT_EQ(std::fgetc(stream.get()), 'h');
 }
 
+TEST_F(Stream, StartingToWriteBackChangesNothing)
+{
+    {
+        const StreamPtr stream = Open("a", "wb");
+        ASSERT_GE(std::fputs("hello", stream.get()), 0);
+        std::fflush(stream.get());
+        StartWriteback(stream.get(), 0, 5);
+        StartWriteback(stream.get(), 100, 5); // there is nothing
+        std::fputs(" world", stream.get());
+        ASSERT_TRUE(SyncStream(stream.get()));
+    }
+    char acRead[20] = {};
+    const StreamPtr stream = Open("a", "rb");
+    EXPECT_EQ(std::fread(acRead, 1, sizeof acRead, stream.get()), 11u);
+    EXPECT_STREQ(acRead, "hello world");
+}
+
 } // namespace

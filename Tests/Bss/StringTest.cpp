@@ -488,6 +488,24 @@ TEST(String, NumbersAreWritten)
     EXPECT_EQ(StringC::FromNumber(std::int64_t{-42}), L"-42");
     EXPECT_EQ(StringC::FromNumber(std::numeric_limits<std::uint64_t>::max()), L"18446744073709551615");
     EXPECT_EQ(StringC::FromNumber(std::uint64_t{255}, 16), L"ff");
+    EXPECT_EQ(StringC::FromNumber(5), L"5");
+    EXPECT_EQ(StringC::FromNumber(5u), L"5");
+    EXPECT_EQ(StringC::FromNumber(-5L), L"-5");
+    EXPECT_EQ(StringC::FromNumber(static_cast<short>(-5)), L"-5");
+    EXPECT_EQ(StringC::FromNumber(std::numeric_limits<std::int64_t>::min(), 2),
+              L"-1" + std::wstring(63, L'0'));
+    EXPECT_EQ(StringC::FromNumber(5, 1), L"");
+    EXPECT_EQ(StringC::FromNumber(2.5f), L"2.5");
+}
+
+TEST(StringBlock, GrowsByHalfButNeverBeyondTheLongestText)
+{
+    using BSS::UTI::TextBlockC;
+    constexpr std::size_t MOST = std::size_t{1} << 31;
+    EXPECT_EQ(TextBlockC::GrownCapacity(16), 16u);
+    EXPECT_EQ(TextBlockC::GrownCapacity(100), 150u);
+    EXPECT_EQ(TextBlockC::GrownCapacity(MOST - 10), MOST);
+    EXPECT_EQ(TextBlockC::GrownCapacity(MOST), MOST);
 }
 
 } // namespace

@@ -129,6 +129,40 @@ TEST(UnicodeTools, NullSystemTextIsReportedAndFails)
     EXPECT_EQ(wide[0], L'\0');
 }
 
+TEST(UnicodeTools, NullWideTextForTheSystemIsReportedAndFails)
+{
+    const ReportCapture reports;
+    char narrow[2] = {'x', 'x'};
+    EXPECT_EQ(UnicodeStringTools::WideToSystem(nullptr, narrow, 2), 0);
+    EXPECT_EQ(Texts(reports), (TextsT{"pszSource"}));
+    EXPECT_EQ(narrow[0], '\0');
+    EXPECT_EQ(narrow[1], 'x');
+}
+
+TEST(UnicodeTools, GeneralFormWithNullOrANegativeSizeIsReportedAndFails)
+{
+    const ReportCapture reports;
+    wchar_t wide[2] = {L'x', L'x'};
+    char narrow[2] = {'x', 'x'};
+    EXPECT_EQ(UnicodeStringTools::NarrowToWide(UTF8, nullptr, -1, wide, 2), 0);
+    EXPECT_EQ(UnicodeStringTools::WideToNarrow(UTF8, nullptr, -1, narrow, 2), 0);
+    EXPECT_EQ(Texts(reports), (TextsT{"pszSource", "pszSource"}));
+    EXPECT_EQ(UnicodeStringTools::NarrowToWide(UTF8, "a", -1, wide, -1), 0);
+    EXPECT_EQ(UnicodeStringTools::WideToNarrow(UTF8, L"a", -1, narrow, -1), 0);
+    EXPECT_EQ(Texts(reports), (TextsT{"pszSource", "pszSource", NEGATIVE_SIZE, NEGATIVE_SIZE}));
+}
+
+TEST(UnicodeTools, GeneralFormFromWideTakesAnExplicitLengthWithoutATerminator)
+{
+    const ReportCapture reports;
+    char narrow[4] = {'x', 'x', 'x', 'x'};
+    EXPECT_EQ(UnicodeStringTools::WideToNarrow(UTF8, L"abcdef", 2, narrow, 4), 2);
+    EXPECT_EQ(std::string(narrow, 4), "abxx");
+    EXPECT_EQ(UnicodeStringTools::WideToNarrow(UTF8, L"ab", -1, narrow, 4), 3);
+    EXPECT_EQ(UnicodeStringTools::WideToNarrow(UTF8, L"ab", 0, narrow, 4), 0);
+    EXPECT_TRUE(reports.Reports().empty());
+}
+
 TEST(UnicodeTools, GeneralFormTakesAnExplicitLengthWithoutATerminator)
 {
     const ReportCapture reports;

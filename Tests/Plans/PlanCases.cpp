@@ -7,7 +7,9 @@
 #include "Sio/Sio_QsbFileFormat.h"
 #include "Sio/Sio_QsbPointIterator.h"
 #include "Sio/Sio_QsbPointSource.h"
+#include "Support/Environment.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -84,6 +86,36 @@ void FillRandomly(char* pTarget, std::size_t nBytes, std::mt19937& random)
     for (std::size_t i = 0; i < nBytes; ++i)
         pTarget[i] = static_cast<char>(random());
 }
+
+constexpr char s_cBeside = '\x6B';
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t s_nBehind = 0;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr std::size_t s_nBehind = 0;
+#else
+constexpr std::size_t s_nBehind = 64;
+#endif
+#else
+constexpr std::size_t s_nBehind = 64;
+#endif
+
+/// The environment may ask for a set that this machine lacks. Another one would then be used in silence.
+class AskedSetC final : public testing::Environment
+{
+public:
+    void SetUp() override
+    {
+        const std::string strAsked = Support::GetEnvironment("SCANREADER_SIMD").value_or("");
+        if (strAsked.empty()) return;
+        const std::optional<QsbInstructionSetT> oAsked = InstructionSetNamed(strAsked);
+        ASSERT_TRUE(oAsked.has_value()) << "there is no instruction set " << strAsked;
+        if (GetInstructionSet() != *oAsked) GTEST_SKIP() << "this machine lacks " << strAsked;
+    }
+};
+
+const testing::Environment* const s_pAskedSet = testing::AddGlobalTestEnvironment(new AskedSetC);
 
 bool SameNumber(double dExpected, double dActual)
 {
@@ -181,11 +213,26 @@ std::vector<GMAT::Matrix4C> Matrices()
 std::vector<QsbInstructionSetT> PlanSets()
 {
     std::vector<QsbInstructionSetT> sets;
-    for (const QsbInstructionSetT eSet : {QsbInstructionSetT::eBaseline, QsbInstructionSetT::eAvx2}) {
+    for (const QsbInstructionSetT eSet :
+         {QsbInstructionSetT::ePlain, QsbInstructionSetT::eBaseline, QsbInstructionSetT::eAvx2}) {
         const ScopedInstructionSetC scoped(eSet);
         if (GetInstructionSet() == eSet) sets.push_back(eSet);
     }
     return sets;
+}
+
+ExactBytesC::ExactBytesC(const void* pBytes, std::size_t nBytes, std::size_t nShift)
+    : m_nBytes(nBytes), m_nShift(nShift), m_pBlock(new char[nShift + nBytes + s_nBehind])
+{
+    std::memset(m_pBlock.get(), s_cBeside, nShift + nBytes + s_nBehind);
+    if (nBytes != 0) std::memcpy(Get(), pBytes, nBytes);
+}
+
+bool ExactBytesC::IsAloneTouched() const
+{
+    const auto isBeside = [](char c) { return c == s_cBeside; };
+    return std::all_of(m_pBlock.get(), Get(), isBeside) &&
+           std::all_of(Get() + m_nBytes, Get() + m_nBytes + s_nBehind, isBeside);
 }
 
 std::vector<char> RandomStoredPoints(const PointDefinitionC& definition, std::size_t nPoints,

@@ -6,12 +6,16 @@
 #pragma once
 
 #include "API_Hdr/GMAT_Algebra.h"
+#include "Sio/SIO_QsbPointDefElements.h"
 #include "Sio/SIO_QsbPointDefinitionImpl.h"
 #include "Sio/Sio_InstructionSet.h"
+#include "Sio/Sio_LittleEndian.h"
+#include "Sio/Sio_QsbFileFormat.h"
 #include "Sio/Sio_QsbPoint.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -69,6 +73,45 @@ testing::AssertionResult SameRecords(const SIO::QsbPointC* pExpected, const SIO:
 /// The same, and the bytes of alignment are equal as well.
 testing::AssertionResult SameBytes(const SIO::QsbPointC* pExpected, const SIO::QsbPointC* pActual,
                                    std::size_t nPoints);
+
+/// An element that the kernels have never heard of, in the clothes of one that they know.
+class StrangeIntensityC final : public SIO::PointDefElementT<SIO::PD_INTENSITY, 2>
+{
+public:
+    void Encode(const SIO::QsbPointGetterI&, char* pDestination) const override
+    {
+        SIO::StoreLittleEndian(pDestination, s_usStored);
+    }
+    void Decode(SIO::QsbPointModifierI& modifier, const char*, const GMAT::Matrix4C&) const override
+    {
+        modifier.SetIntensity(42.0);
+    }
+    std::uint32_t GetTypeCode() const override { return SIO::QsbFormat::s_uiTypeUInt16; }
+
+    static constexpr std::uint16_t s_usStored = 0x4242;
+};
+
+/// Bytes at an address of their own in a block of the heap, and beside them bytes that must stay as they are.
+/// Where the compiler watches the ends of blocks, the block ends with the bytes: nothing may be read behind
+/// them either.
+class ExactBytesC
+{
+public:
+    ExactBytesC(const void* pBytes, std::size_t nBytes, std::size_t nShift);
+
+    char* Get() const { return m_pBlock.get() + m_nShift; }
+
+    /// The bytes as records, which lie at multiples of 8 and not always of 16 or 32.
+    SIO::QsbPointC* Records() const { return reinterpret_cast<SIO::QsbPointC*>(Get()); }
+
+    /// Whether the bytes before and behind them are what they were.
+    bool IsAloneTouched() const;
+
+private:
+    std::size_t m_nBytes;
+    std::size_t m_nShift;
+    std::unique_ptr<char[]> m_pBlock;
+};
 
 /// Uses an instruction set for as long as it lives.
 class ScopedInstructionSetC

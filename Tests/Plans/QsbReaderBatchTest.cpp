@@ -156,6 +156,19 @@ TEST_F(QsbReaderBatch, DeliversTheSamePointsWithEachInstructionSet)
     }
 }
 
+TEST_F(QsbReaderBatch, AnOpenedScanHasPlansForItsLayout)
+{
+    for (const LayoutT& layout : s_aLayouts) {
+        Make(layout);
+        QsbC container;
+        QsbStrategyC strategy;
+        ASSERT_TRUE(container.Open(BSS::HAL::WidePath(Path()), true, false));
+        ASSERT_TRUE(container.CreateReadStrategyData(strategy, true, -1));
+        EXPECT_TRUE(strategy.GetData()->m_oDecodePlan.IsUsable()) << layout.Name();
+        EXPECT_TRUE(strategy.GetData()->m_oEncodePlan.IsUsable()) << layout.Name();
+    }
+}
+
 TEST_F(QsbReaderBatch, DeliversMoreElementsThanAPlanTakes)
 {
     LayoutT layout{{{PD_POSITION, F::s_uiTypeFloatTriple}}};
@@ -224,13 +237,35 @@ protected:
 
 TEST_F(QsbWriteBatch, StoresTheSameBytesWithEachInstructionSet)
 {
-    for (const QsbInstructionSetT eSet :
-         {QsbInstructionSetT::eVirtual, QsbInstructionSetT::eBaseline, QsbInstructionSetT::eAvx2}) {
+    std::vector<QsbInstructionSetT> sets = PlanSets();
+    sets.push_back(QsbInstructionSetT::eVirtual);
+    for (const QsbInstructionSetT eSet : sets) {
         const ScopedInstructionSetC scoped(eSet);
         WriteFile();
         EXPECT_EQ(DataOf(m_vecExpectedBytes.size()),
                   std::string(m_vecExpectedBytes.begin(), m_vecExpectedBytes.end()))
             << static_cast<int>(eSet);
+    }
+}
+
+TEST_F(QsbWriteBatch, AnElementOfTheCallersOwnClassEncodesItselfWithEachInstructionSet)
+{
+    std::vector<QsbInstructionSetT> sets = PlanSets();
+    sets.push_back(QsbInstructionSetT::eVirtual);
+    for (const QsbInstructionSetT eSet : sets) {
+        const ScopedInstructionSetC scoped(eSet);
+        PointDefinitionC strange;
+        strange.Add(PointDefinitionC::CreateElement(PD_POSITION, F::s_uiTypeFloatTriple));
+        strange.Add(std::make_unique<StrangeIntensityC>());
+        QsbC container;
+        QsbStrategyC strategy;
+        strategy.SetPointDefinition(&strange);
+        ASSERT_TRUE(container.Open(BSS::HAL::WidePath(Path()), false, true));
+        ASSERT_TRUE(container.WritePoints(m_vecRecords.data(), 300, strategy));
+        ASSERT_TRUE(container.Close());
+        const std::string strData = DataOf(300 * 14);
+        for (std::size_t i = 0; i < 300; ++i)
+            ASSERT_EQ(strData.substr(i * 14 + 12, 2), "\x42\x42") << i << ", set " << static_cast<int>(eSet);
     }
 }
 

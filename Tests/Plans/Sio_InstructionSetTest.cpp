@@ -26,18 +26,23 @@ QsbInstructionSetT Best()
 TEST(InstructionSet, TheEnvironmentChoosesWhatIsUsedFirst)
 {
     const std::string strAsked = Support::GetEnvironment("SCANREADER_SIMD").value_or("");
-    if (strAsked == "virtual") {
-        EXPECT_EQ(s_eFirst, QsbInstructionSetT::eVirtual);
-    } else if (strAsked == "baseline") {
-        EXPECT_EQ(s_eFirst, QsbInstructionSetT::eBaseline);
-    } else {
-        EXPECT_EQ(s_eFirst, Best());
-    }
+    EXPECT_EQ(s_eFirst, SIO::InstructionSetNamed(strAsked).value_or(Best()));
+}
+
+TEST(InstructionSet, EachHasAName)
+{
+    EXPECT_EQ(SIO::InstructionSetNamed("virtual"), QsbInstructionSetT::eVirtual);
+    EXPECT_EQ(SIO::InstructionSetNamed("plain"), QsbInstructionSetT::ePlain);
+    EXPECT_EQ(SIO::InstructionSetNamed("baseline"), QsbInstructionSetT::eBaseline);
+    EXPECT_EQ(SIO::InstructionSetNamed("avx2"), QsbInstructionSetT::eAvx2);
+    EXPECT_EQ(SIO::InstructionSetNamed("AVX2"), std::nullopt);
+    EXPECT_EQ(SIO::InstructionSetNamed(""), std::nullopt);
 }
 
 TEST(InstructionSet, ChangesAndComesBack)
 {
-    for (const QsbInstructionSetT eSet : {QsbInstructionSetT::eVirtual, QsbInstructionSetT::eBaseline}) {
+    for (const QsbInstructionSetT eSet :
+         {QsbInstructionSetT::eVirtual, QsbInstructionSetT::ePlain, QsbInstructionSetT::eBaseline}) {
         SIO::SetInstructionSet(eSet);
         EXPECT_EQ(SIO::GetInstructionSet(), eSet);
     }

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -18,30 +17,6 @@ using namespace SIO;
 namespace F = QsbFormat;
 
 constexpr std::size_t s_nMostPoints = 70;
-
-/// Bytes at the end of a heap block of their own and at an address of their own: nothing may be read behind
-/// them.
-class ExactBytesC
-{
-public:
-    ExactBytesC(const char* pBytes, std::size_t nBytes, std::size_t nShift)
-        : m_pBlock(new char[nShift + nBytes]), m_nShift(nShift)
-    {
-        if (nBytes != 0) std::memcpy(Get(), pBytes, nBytes);
-    }
-
-    char* Get() const { return m_pBlock.get() + m_nShift; }
-
-private:
-    std::unique_ptr<char[]> m_pBlock;
-    std::size_t m_nShift;
-};
-
-/// The same for records, which lie at multiples of 8 and not always of 16 or 32.
-QsbPointC* RecordsIn(const ExactBytesC& bytes)
-{
-    return reinterpret_cast<QsbPointC*>(bytes.Get());
-}
 
 void ExpectPlanEqualsVirtualCalls(const LayoutT& layout, const GMAT::Matrix4C& matrix, std::mt19937& random)
 {
@@ -58,11 +33,12 @@ void ExpectPlanEqualsVirtualCalls(const LayoutT& layout, const GMAT::Matrix4C& m
     for (const QsbInstructionSetT eSet : PlanSets()) {
         for (std::size_t nPoints = 0; nPoints <= s_nMostPoints; ++nPoints) {
             const ExactBytesC source(stored.data(), nPoints * nRecordBytes, nPoints % 17);
-            const ExactBytesC target(reinterpret_cast<const char*>(before.data()),
-                                     nPoints * sizeof(QsbPointC), nPoints % 4 * 8);
-            plan.Decode(source.Get(), nPoints, matrix, RecordsIn(target), eSet);
-            ASSERT_TRUE(SameBytes(expected.data(), RecordsIn(target), nPoints))
+            const ExactBytesC target(before.data(), nPoints * sizeof(QsbPointC), nPoints % 4 * 8);
+            plan.Decode(source.Get(), nPoints, matrix, target.Records(), eSet);
+            ASSERT_TRUE(SameBytes(expected.data(), target.Records(), nPoints))
                 << layout.Name() << ", set " << static_cast<int>(eSet);
+            ASSERT_TRUE(target.IsAloneTouched())
+                << layout.Name() << ", " << nPoints << " points, set " << static_cast<int>(eSet);
         }
     }
 }
@@ -105,6 +81,46 @@ TEST(QsbDecodePlan, OfSeveralElementsOfAKindTheLastOneWins)
         for (const GMAT::Matrix4C& matrix : Matrices()) {
             ExpectPlanEqualsVirtualCalls(layout, matrix, random);
             if (HasFatalFailure()) return;
+        }
+    }
+}
+
+/// Bytes of a record that decoding these elements may write.
+std::vector<bool> WrittenBytes(const LayoutT& layout)
+{
+    std::vector<bool> written(sizeof(QsbPointC), false);
+    const auto mark = [&](std::size_t nOffset, std::size_t nBytes) {
+        std::fill_n(written.begin() + static_cast<std::ptrdiff_t>(nOffset), nBytes, true);
+    };
+    mark(offsetof(QsbPointC, x), 24);
+    for (const ElementT& element : layout.elements) {
+        if (element.uiKind == PD_INTENSITY) mark(offsetof(QsbPointC, intensity), 2);
+        if (element.uiKind == PD_LEVEL_OF_NOISE) mark(offsetof(QsbPointC, levelOfNoise), 2);
+        if (element.uiKind == PD_COLOR) mark(offsetof(QsbPointC, red), 3);
+        if (element.uiKind == PD_GRID) mark(offsetof(QsbPointC, gridIndex0), 8);
+    }
+    return written;
+}
+
+TEST(QsbDecodePlan, WritesNoByteOfAbsentElementsOrOfAlignment)
+{
+    std::mt19937 random(8);
+    const std::string strBefore(s_nMostPoints * sizeof(QsbPointC), '\xA5');
+    for (const std::uint32_t uiPositionType : {F::s_uiTypeFloatTriple, F::s_uiTypeDoubleTriple}) {
+        for (const LayoutT& layout : AllCombinations(uiPositionType, false)) {
+            PointDefinitionC definition;
+            layout.Define(definition);
+            const std::vector<char> stored = RandomStoredPoints(definition, s_nMostPoints, random);
+            const std::vector<bool> written = WrittenBytes(layout);
+            for (const QsbInstructionSetT eSet : PlanSets()) {
+                const ExactBytesC target(strBefore.data(), strBefore.size(), 8);
+                QsbDecodePlanC(definition)
+                    .Decode(stored.data(), s_nMostPoints, Matrices()[1], target.Records(), eSet);
+                for (std::size_t i = 0; i < strBefore.size(); ++i) {
+                    ASSERT_TRUE(written[i % sizeof(QsbPointC)] || target.Get()[i] == strBefore[i])
+                        << layout.Name() << ", byte " << i << ", set " << static_cast<int>(eSet);
+                }
+            }
         }
     }
 }

@@ -7,7 +7,6 @@
 #include "Sio/Sio_QsbFileFormat.h"
 
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -24,17 +23,20 @@ void ExpectPlanEqualsVirtualCalls(const LayoutT& layout, std::mt19937& random)
     ASSERT_TRUE(plan.IsUsable()) << layout.Name();
     const std::vector<QsbPointC> records = RandomRecords(nMostPoints, random);
     const std::vector<char> expected = EncodeVirtually(definition, records.data(), nMostPoints);
+    const std::vector<char> before(expected.size(), 'b');
 
-    for (std::size_t nPoints = 0; nPoints <= nMostPoints; ++nPoints) {
-        // Blocks of exactly the size that is needed, and addresses of all sorts.
-        const std::size_t nBytes = nPoints * definition.GetSizeInBytes();
-        const std::size_t nShift = nPoints % 17;
-        const std::unique_ptr<char[]> target(new char[nShift + nBytes]);
-        const std::unique_ptr<QsbPointC[]> source(new QsbPointC[nPoints]);
-        std::copy_n(records.begin(), nPoints, source.get());
-        plan.Encode(source.get(), nPoints, target.get() + nShift);
-        ASSERT_TRUE(nBytes == 0 || std::memcmp(expected.data(), target.get() + nShift, nBytes) == 0)
-            << layout.Name() << ", " << nPoints << " points";
+    for (const QsbInstructionSetT eSet : PlanSets()) {
+        for (std::size_t nPoints = 0; nPoints <= nMostPoints; ++nPoints) {
+            // Blocks of exactly the size that is needed, and addresses of all sorts.
+            const std::size_t nBytes = nPoints * definition.GetSizeInBytes();
+            const ExactBytesC target(before.data(), nBytes, nPoints % 17);
+            const ExactBytesC source(records.data(), nPoints * sizeof(QsbPointC), nPoints % 4 * 8);
+            plan.Encode(source.Records(), nPoints, target.Get(), eSet);
+            ASSERT_TRUE(nBytes == 0 || std::memcmp(expected.data(), target.Get(), nBytes) == 0)
+                << layout.Name() << ", " << nPoints << " points, set " << static_cast<int>(eSet);
+            ASSERT_TRUE(target.IsAloneTouched())
+                << layout.Name() << ", " << nPoints << " points, set " << static_cast<int>(eSet);
+        }
     }
 }
 
@@ -72,9 +74,11 @@ TEST(QsbEncodePlan, StoresLongBatchesTileByTile)
              {PD_COLOR, F::s_uiTypeColor}}}
         .Define(definition);
     const std::vector<QsbPointC> records = RandomRecords(nPoints, random);
-    std::vector<char> actual(nPoints * definition.GetSizeInBytes());
-    QsbEncodePlanC(definition).Encode(records.data(), nPoints, actual.data());
-    EXPECT_EQ(actual, EncodeVirtually(definition, records.data(), nPoints));
+    for (const QsbInstructionSetT eSet : PlanSets()) {
+        std::vector<char> actual(nPoints * definition.GetSizeInBytes());
+        QsbEncodePlanC(definition).Encode(records.data(), nPoints, actual.data(), eSet);
+        EXPECT_EQ(actual, EncodeVirtually(definition, records.data(), nPoints)) << static_cast<int>(eSet);
+    }
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 // Which point definitions a plan is made of, and which are left to the virtual calls.
 #include "Sio/Sio_QsbRecordLayout.h"
 #include "Plans/PlanCases.h"
-#include "Sio/SIO_QsbPointDefElements.h"
 #include "Sio/Sio_QsbFileFormat.h"
 
 namespace {
@@ -12,18 +11,6 @@ namespace {
 using namespace PlanTest;
 using namespace SIO;
 namespace F = QsbFormat;
-
-/// An element that the kernels have never heard of, in the clothes of one that they know.
-class StrangeIntensityC final : public PointDefElementT<PD_INTENSITY, 2>
-{
-public:
-    void Encode(const QsbPointGetterI&, char*) const override {}
-    void Decode(QsbPointModifierI& modifier, const char*, const GMAT::Matrix4C&) const override
-    {
-        modifier.SetIntensity(42.0);
-    }
-    std::uint32_t GetTypeCode() const override { return F::s_uiTypeUInt16; }
-};
 
 TEST(QsbRecordLayout, CountsTheBytesOfAStoredPoint)
 {
@@ -56,6 +43,31 @@ TEST(QsbRecordLayout, LeavesElementsOfUnknownClassesToTheVirtualCalls)
     PointDefinitionC definition;
     LayoutT{{{PD_POSITION, F::s_uiTypeFloatTriple}}}.Define(definition);
     definition.Add(std::make_unique<StrangeIntensityC>());
+    EXPECT_EQ(MakeRecordLayout(definition).tRecordBytes, 0u);
+}
+
+/// A definition that does things its own way, with elements that the kernels know.
+class StrangeDefinitionC final : public PointDefinitionContainerI
+{
+public:
+    void Encode(const QsbPointGetterI&, char*) const override {}
+    void Decode(QsbPointModifierI&, const char*, const GMAT::Matrix4C&) const override {}
+    std::size_t GetSizeInBytes() const override { return m_oDefinition.GetSizeInBytes(); }
+    std::uint32_t GetAvailablePointData() const override { return m_oDefinition.GetAvailablePointData(); }
+    std::uint32_t GetTypeCode() const override { return m_oDefinition.GetTypeCode(); }
+    void Add(std::unique_ptr<PointDefinitionI> element) override { m_oDefinition.Add(std::move(element)); }
+    void Clear() override { m_oDefinition.Clear(); }
+    std::size_t GetCount() const override { return m_oDefinition.GetCount(); }
+    const PointDefinitionI* GetElement(std::size_t i) const override { return m_oDefinition.GetElement(i); }
+
+private:
+    PointDefinitionC m_oDefinition;
+};
+
+TEST(QsbRecordLayout, LeavesADefinitionOfAnUnknownClassToTheVirtualCalls)
+{
+    StrangeDefinitionC definition;
+    definition.Add(PointDefinitionC::CreateElement(PD_POSITION, F::s_uiTypeFloatTriple));
     EXPECT_EQ(MakeRecordLayout(definition).tRecordBytes, 0u);
 }
 

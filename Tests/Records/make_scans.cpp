@@ -4,7 +4,7 @@
 // Writes scans of every kind into a folder, the same bytes on every platform, and list.txt with their names
 // (UTF-8, one on a line): every combination of element encodings, in either kind of block, with random bits
 // that include numbers that are none; batches that end on and around the boundaries of a reader's own; names
-// outside ASCII; files that cannot be read or only in part.
+// outside ASCII and behind a long path; points beyond 4 GiB; files that cannot be read or only in part.
 //
 //   make_scans FOLDER
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
@@ -12,10 +12,12 @@
 #include "Support/PlainDecoder.h"
 #include "Support/QsbBytes.h"
 
+#include <boost/filesystem/operations.hpp>
 #include <cstdio>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -31,22 +33,53 @@ public:
 
     void Write(const std::string& name, const BytesT& bytes)
     {
-        WriteFile(name, bytes);
-        m_list.insert(m_list.end(), name.begin(), name.end());
-        m_list.push_back('\n');
+        WriteFile(name, {{0, bytes}});
+        AddToList(name);
     }
     void Write(const std::string& name, const QsbBytes& file) { Write(name, file.Get()); }
 
-    void WriteList() const { WriteFile("list.txt", m_list); }
+    /// What lies between the two is a hole where the file system has holes.
+    void WriteApart(const std::string& name, const BytesT& front, std::uint64_t offset, const BytesT& rest)
+    {
+        WriteFile(name, {{0, front}, {offset, rest}});
+        AddToList(name);
+    }
+
+    /// Makes a folder in the writer's own, or in one made before.
+    void MakeFolder(const std::string& name) const
+    {
+        boost::filesystem::create_directory(BSS::HAL::FilesystemPath(Path(name)));
+    }
+
+    void WriteList() const { WriteFile("list.txt", {{0, m_list}}); }
 
 private:
-    void WriteFile(const std::string& name, const BytesT& bytes) const
+    struct Portion
     {
-        const std::wstring path = BSS::HAL::JoinPath(m_folder, BSS::HAL::WidePath(name));
-        std::FILE* const file = BSS::HAL::OpenStream(path, "wb");
+        std::uint64_t offset;
+        BytesT bytes;
+    };
+
+    std::wstring Path(const std::string& name) const
+    {
+        return BSS::HAL::JoinPath(m_folder, BSS::HAL::WidePath(name));
+    }
+
+    void AddToList(const std::string& name)
+    {
+        m_list.insert(m_list.end(), name.begin(), name.end());
+        m_list.push_back('\n');
+    }
+
+    void WriteFile(const std::string& name, const std::vector<Portion>& portions) const
+    {
+        std::FILE* const file = BSS::HAL::OpenStream(Path(name), "wb");
         if (file == nullptr) throw std::runtime_error("cannot write " + name);
-        const bool written =
-            bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+        bool written = true;
+        for (const auto& [offset, bytes] : portions) {
+            written = written && BSS::HAL::SeekStream(file, offset) &&
+                      (bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size());
+        }
         if (std::fclose(file) != 0 || !written) throw std::runtime_error("cannot write " + name);
     }
 
@@ -109,6 +142,30 @@ void WriteNames(ScanWriter& writer)
     writer.Write("\xF0\x9F\x93\x90.qsb", Support::SmallScan(6));
 }
 
+// The folder alone is longer than the 260 characters that some systems stop at.
+void WriteBehindALongPath(ScanWriter& writer)
+{
+    std::string folder;
+    for (const char letter : {'a', 'b', 'c'}) {
+        folder += std::string(90, letter);
+        writer.MakeFolder(folder);
+        folder += '/';
+    }
+    writer.Write(folder + "scan.qsb", Support::SmallScan(7));
+}
+
+// A block without meaning is as large as its head can say, so that the next one begins beyond 4 GiB. Its data
+// need not be read by anybody.
+void WriteBeyond4GiB(ScanWriter& writer)
+{
+    constexpr std::uint32_t largest = 0xFFFFFFFF;
+    const BytesT front = QsbBytes().Block(9).ClaimDataBytes(largest).Get();
+    const BytesT scan = Support::SmallScan(8).Get();
+    const std::size_t fileHeader = QsbBytes().Get().size();
+    writer.WriteApart("beyond-4-GiB.qsb", front, front.size() + std::uint64_t{largest},
+                      Support::Slice(scan, fileHeader, scan.size() - fileHeader));
+}
+
 void WriteDamaged(ScanWriter& writer)
 {
     const BytesT whole = Support::SmallScan(25003).Get();
@@ -131,6 +188,8 @@ int main(int argc, char** argv)
         WriteEveryLayout(writer);
         WriteBatches(writer);
         WriteNames(writer);
+        WriteBehindALongPath(writer);
+        WriteBeyond4GiB(writer);
         WriteDamaged(writer);
         writer.WriteList();
     } catch (const std::exception& error) {

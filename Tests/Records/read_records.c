@@ -106,7 +106,7 @@ static int print_scan(const char* path, const char* name)
 
 int main(int argc, char* argv[])
 {
-    char name[256], path[2048];
+    char name[512], path[2048];
     FILE* list;
     int files = 0;
     if (argc != 2 || strlen(argv[1]) > 1024) return 2;

@@ -56,10 +56,17 @@ void* Allocate(std::size_t size)
     return Fails(Call::Allocation, ENOMEM) ? nullptr : std::malloc(size == 0 ? 1 : size);
 }
 
-void* AllocateOrThrow(std::size_t size)
+void* AllocateAligned(std::size_t size, std::align_val_t alignment)
 {
-    if (void* memory = Allocate(size)) return memory;
-    throw std::bad_alloc();
+    if (Fails(Call::Allocation, ENOMEM)) return nullptr;
+    const auto bytes = static_cast<std::size_t>(alignment);
+    return std::aligned_alloc(bytes, (size + bytes - 1) / bytes * bytes); // takes whole multiples only
+}
+
+void* OrThrow(void* memory)
+{
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
 }
 
 } // namespace
@@ -186,12 +193,12 @@ void __wrap_clearerr(std::FILE* stream)
 
 void* operator new(std::size_t size)
 {
-    return Support::AllocateOrThrow(size);
+    return Support::OrThrow(Support::Allocate(size));
 }
 
 void* operator new[](std::size_t size)
 {
-    return Support::AllocateOrThrow(size);
+    return Support::OrThrow(Support::Allocate(size));
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
@@ -202,6 +209,36 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
     return Support::Allocate(size);
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    return Support::OrThrow(Support::AllocateAligned(size, alignment));
+}
+
+void* operator new[](std::size_t size, std::align_val_t alignment)
+{
+    return Support::OrThrow(Support::AllocateAligned(size, alignment));
+}
+
+void operator delete(void* memory, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept
+{
+    std::free(memory);
 }
 
 void operator delete(void* memory) noexcept

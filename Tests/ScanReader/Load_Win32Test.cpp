@@ -8,6 +8,7 @@
 #include <ScanReader/qsb.h>
 #include <algorithm>
 #include <cstring>
+#include <future>
 #include <gtest/gtest.h>
 #include <thread>
 #include <windows.h>
@@ -161,6 +162,39 @@ TEST_F(Loaded, ThreadsThatUsedALoadedLibraryLeaveNothingWhenTheyEnd)
         }).join();
     });
     FreeLibrary(library);
+}
+
+// The thread that unloads cannot give back what another one holds: two handles each, and no more.
+TEST_F(Loaded, AThreadThatLivesLongerThanTheLibraryEndsAndKeepsTwoHandlesAtMost)
+{
+    constexpr int UNLOADS = 50;
+    const auto cycle = [this] {
+        const HMODULE library = LoadLibraryW(L"ScanReaderC.dll");
+        const auto open = Function<decltype(&qsb_open)>(library, "qsb_open");
+        const auto close = Function<decltype(&qsb_close)>(library, "qsb_close");
+        std::promise<bool> used;
+        std::promise<void> unloaded;
+        std::thread user([&] {
+            qsb_reader* const reader = open(m_scan.c_str(), nullptr, 0);
+            close(reader);
+            used.set_value(reader != nullptr);
+            unloaded.get_future().wait();
+        });
+        EXPECT_TRUE(used.get_future().get());
+        EXPECT_TRUE(FreeLibrary(library));
+        EXPECT_EQ(GetModuleHandleW(L"ScanReader.dll"), nullptr);
+        unloaded.set_value();
+        user.join();
+    };
+    for (int i = 0; i < WARM_UP; ++i)
+        cycle();
+    const unsigned threads = CountThreads(), handles = CountHandles();
+    const std::uintptr_t highest = HighestNewHandle();
+    for (int i = 0; i < UNLOADS; ++i)
+        cycle();
+    EXPECT_EQ(CountThreads(), threads);
+    EXPECT_LE(CountHandles(), handles + 2 * UNLOADS);
+    EXPECT_LE(HighestNewHandle(), highest + 4 * 2 * UNLOADS + HANDLE_SLACK);
 }
 
 // RT_VERSION of windows.h is narrow where UNICODE is not defined.

@@ -159,12 +159,33 @@ TEST(QsbBlockList, RemovingTheLastBlockShortensARunByOne)
 TEST(QsbBlockList, RefusesWhatWouldPassItsMemoryLimit)
 {
     QsbBlockListC blocks;
-    constexpr std::uint64_t entries = (QsbBlockListC::s_ullMemoryLimit - 128) / 16; // beside record and array
+    // Beside a record of 24 bytes, the array's own 8, and 64 for memory that is not shared.
+    constexpr std::uint64_t entries = (QsbBlockListC::s_ullMemoryLimit - 96) / 16;
     EXPECT_TRUE(blocks.HasRoomFor(entries));
     EXPECT_FALSE(blocks.HasRoomFor(entries + 1));
 }
 
-TEST(QsbBlockList, WhatItHoldsCountsAgainstTheLimitUntilItIsRemovedOrCleared)
+TEST(QsbBlockList, KeepsAsManyRecordsAsTheLimitHasRoomFor)
+{
+    QsbBlockListC blocks;
+    const std::uint64_t records = QsbBlockListC::s_ullMemoryLimit / sizeof(QsbBlockC);
+    for (std::uint64_t i = 0; i < records; ++i)
+        ASSERT_TRUE(blocks.AppendRead(17 * i, 9, 5, {}));
+    EXPECT_FALSE(blocks.AppendRead(17 * records, 9, 5, {}));
+    EXPECT_EQ(blocks.GetCount(), records);
+}
+
+TEST(QsbBlockList, RunsCountAgainstTheLimitAsWell)
+{
+    QsbBlockListC blocks;
+    const std::uint64_t runs = QsbBlockListC::s_ullMemoryLimit / (sizeof(QsbBlockC) + 16);
+    std::uint64_t count = 0;
+    while (blocks.AppendReadEmpty(24 * count, static_cast<std::uint32_t>(10 + count), 2))
+        ++count;
+    EXPECT_EQ(count, runs);
+}
+
+TEST(QsbBlockList, EntriesCountAgainstTheLimitUntilItIsClearedAndRecordsUntilTheyAreRemoved)
 {
     QsbBlockListC blocks;
     constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16 - 20;
@@ -172,8 +193,13 @@ TEST(QsbBlockList, WhatItHoldsCountsAgainstTheLimitUntilItIsRemovedOrCleared)
     ASSERT_TRUE(blocks.AppendRead(0, 1, 0, SIO::QsbHeaderEntriesT(1000)));
     EXPECT_FALSE(blocks.HasRoomFor(entries));
     blocks.RemoveLast();
+    EXPECT_FALSE(blocks.HasRoomFor(entries)); // their memory is still there
+    blocks.Clear();
     EXPECT_TRUE(blocks.HasRoomFor(entries));
-    ASSERT_TRUE(blocks.AppendRead(0, 1, 0, SIO::QsbHeaderEntriesT(1000)));
+    ASSERT_TRUE(blocks.AppendRead(0, 1, 5, {}));
+    EXPECT_FALSE(blocks.HasRoomFor(QsbBlockListC::s_ullMemoryLimit / 16 - 6));
+    blocks.RemoveLast();
+    EXPECT_TRUE(blocks.HasRoomFor(QsbBlockListC::s_ullMemoryLimit / 16 - 6));
     blocks.Clear();
     EXPECT_TRUE(blocks.HasRoomFor(entries));
 }

@@ -11,6 +11,7 @@ namespace {
 
 constinit thread_local std::size_t t_count = 0;
 constinit thread_local std::size_t t_largest = 0;
+constinit thread_local std::size_t t_bytes = 0;
 
 } // namespace
 
@@ -25,6 +26,7 @@ constinit thread_local std::size_t t_largest = 0;
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     ++t_count;
+    t_bytes += size;
     if (size > t_largest) t_largest = size;
     return std::malloc(size > 0 ? size : 1);
 }
@@ -80,7 +82,7 @@ void operator delete[](void* memory, const std::nothrow_t&) noexcept
 
 namespace Support {
 
-AllocationCount::AllocationCount() noexcept : m_before(t_count)
+AllocationCount::AllocationCount() noexcept : m_before(t_count), m_bytesBefore(t_bytes)
 {
     t_largest = 0;
 }
@@ -93,6 +95,11 @@ std::size_t AllocationCount::Count() const noexcept
 std::size_t AllocationCount::Largest() const noexcept
 {
     return t_largest;
+}
+
+std::size_t AllocationCount::Bytes() const noexcept
+{
+    return t_bytes - m_bytesBefore;
 }
 
 } // namespace Support

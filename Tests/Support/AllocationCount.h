@@ -18,8 +18,12 @@ public:
     /// Bytes asked for by the largest of them.
     std::size_t Largest() const noexcept;
 
+    /// Bytes asked for by all of them together.
+    std::size_t Bytes() const noexcept;
+
 private:
     std::size_t m_before;
+    std::size_t m_bytesBefore;
 };
 
 } // namespace Support

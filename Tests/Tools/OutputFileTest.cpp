@@ -64,14 +64,23 @@ TEST_F(OutputFile, AnExistingTargetIsRefusedWithoutOverwrite)
     EXPECT_EQ(Refusal(m_strTarget, false), m_strTarget + ": exists already; --overwrite replaces it");
 }
 
-TEST_F(OutputFile, AnExistingTargetIsReplacedWithOverwriteAndKeepsItsPermissions)
+TEST_F(OutputFile, AnExistingTargetIsReplacedWithOverwrite)
+{
+    Support::WriteAll(m_strTarget, "old");
+    OutputFileC output(m_strTarget, true);
+    Support::WriteAll(output.GetTemporaryPath(), "new");
+    output.Commit();
+    EXPECT_EQ(Support::ReadAll(m_strTarget), "new");
+    EXPECT_EQ(CountFiles(), 1);
+}
+
+TEST_F(OutputFile, AReplacedTargetKeepsItsPermissions)
 {
     Support::WriteAll(m_strTarget, "old");
     fs::permissions(m_strTarget, fs::owner_read | fs::owner_write);
     OutputFileC output(m_strTarget, true);
     Support::WriteAll(output.GetTemporaryPath(), "new");
     output.Commit();
-    EXPECT_EQ(Support::ReadAll(m_strTarget), "new");
     EXPECT_EQ(fs::status(m_strTarget).permissions() & fs::perms_mask, fs::owner_read | fs::owner_write);
 }
 
@@ -103,12 +112,17 @@ TEST_F(OutputFile, ASymbolicLinkStaysAndItsTargetIsReplaced)
     EXPECT_EQ(Support::ReadAll(m_strTarget), "new");
 }
 
-TEST_F(OutputFile, FoldersDevicesAndMissingFoldersAreRefused)
+TEST_F(OutputFile, FoldersAndMissingFoldersAreRefused)
 {
     EXPECT_NE(Refusal(m_directory.Narrow(""), true), "");
-    EXPECT_NE(Refusal("/dev/zero", true).find("not a regular file"), std::string::npos);
     EXPECT_NE(Refusal(m_directory.Narrow("no/such"), false).find("folder does not exist"), std::string::npos);
     EXPECT_NE(Refusal("", false).find("not a file name"), std::string::npos);
+}
+
+TEST_F(OutputFile, ADeviceIsRefused)
+{
+    for (const bool bOverwrite : {false, true})
+        EXPECT_NE(Refusal(QSB_TEST_DEVICE, bOverwrite).find("not a regular file"), std::string::npos);
 }
 
 } // namespace

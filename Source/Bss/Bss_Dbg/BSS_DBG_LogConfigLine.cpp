@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The numbers are read as the scan format "%*[ \t\r\n]%d%*[ \t\r\n]%u%*[ \t\r\n]%u" would read them, by hand
-// because that leaves open what a number too large becomes.
+// The numbers are read as the scan format "%*[ \t\r\n]%d%*[ \t\r\n]%u%*[ \t\r\n]%u" reads them, with two
+// exceptions, for which it is done by hand: a number too large, of which that leaves open what it becomes,
+// and a minus sign before one of the last two, which that turns into a huge size, end the reading.
 #include "Bss/Bss_Dbg/BSS_DBG_LogConfigLine.h"
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
@@ -41,15 +42,21 @@ bool TakeNumber(std::string_view& text, std::optional<NumberT>& number) noexcept
     return true;
 }
 
-} // namespace
-
-std::optional<LogSettingsT> ParseLogSettings(std::string_view text)
+// Takes what it understands off the text.
+std::optional<LogSettingsT> TakeLogSettings(std::string_view& text)
 {
     LogSettingsT settings;
     if (!TakeLevelWord(text, settings.level)) return std::nullopt;
     static_cast<void>(TakeNumber(text, settings.prefixKind) && TakeNumber(text, settings.limitKib) &&
                       TakeNumber(text, settings.nOlderFiles));
     return settings;
+}
+
+} // namespace
+
+std::optional<LogSettingsT> ParseLogSettings(std::string_view text)
+{
+    return TakeLogSettings(text);
 }
 
 bool IsEmptyLogConfigLine(std::string_view line) noexcept
@@ -63,9 +70,10 @@ std::optional<LogConfigLineT> ParseLogConfigLine(std::string_view line)
     const std::size_t equals = line.find('=');
     if (IsEmptyLogConfigLine(line) || equals == std::string_view::npos) return std::nullopt;
     const std::string_view name = Trimmed(line.substr(0, equals));
-    const std::optional<LogSettingsT> settings = ParseLogSettings(Trimmed(line.substr(equals + 1)));
+    std::string_view rest = Trimmed(line.substr(equals + 1));
+    const std::optional<LogSettingsT> settings = TakeLogSettings(rest);
     if (name.empty() || !settings) return std::nullopt;
-    return LogConfigLineT{std::string(name), *settings};
+    return LogConfigLineT{std::string(name), *settings, std::string(Trimmed(rest))};
 }
 
 } // namespace BSS::DBG

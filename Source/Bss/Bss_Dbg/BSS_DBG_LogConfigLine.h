@@ -32,6 +32,7 @@ struct LogConfigLineT
 {
     std::string consumer;
     LogSettingsT settings;
+    std::string notUnderstood; ///< where the reading ended too early: the rest of the line
 };
 
 /// Stands for all consumers without a line of their own.

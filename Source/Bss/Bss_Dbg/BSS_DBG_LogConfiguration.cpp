@@ -4,71 +4,89 @@
 // See the header.
 #include "Bss/Bss_Dbg/BSS_DBG_LogConfiguration.h"
 
-#include "Bss/Bss_Hal/BSS_HAL_Directories.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Hal/BSS_HAL_Stream.h"
+#include "Bss/Bss_Os/BSS_OS_PathMap.h"
+#include "Bss/Bss_Os/BSS_OS_PathMapI.h"
 
 #include <algorithm>
+#include <boost/filesystem/operations.hpp>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace BSS::DBG {
 
 namespace {
-
-constexpr std::uint64_t MAX_FILE_BYTES = 1 << 20;
 
 struct CloseStream
 {
     void operator()(std::FILE* stream) const noexcept { std::fclose(stream); }
 };
 
-} // namespace
-
-bool LogConfigurationC::Add(std::string_view line)
+bool IsThere(const std::wstring& path)
 {
-    if (IsEmptyLogConfigLine(line)) return true;
-    std::optional<LogConfigLineT> read = ParseLogConfigLine(line);
-    if (!read) return false;
-    m_settings[read->consumer] = read->settings;
-    return true;
+    boost::system::error_code ignored;
+    return boost::filesystem::exists(boost::filesystem::symlink_status(HAL::FilesystemPath(path), ignored));
 }
 
-std::vector<std::size_t> LogConfigurationC::AddText(std::string_view text)
+} // namespace
+
+void LogConfigurationC::Add(const LogConfigLineT& line)
 {
-    std::vector<std::size_t> unread;
+    m_ofProgram[line.consumer] = line.settings;
+    m_ofFile.erase(line.consumer);
+}
+
+std::vector<LogConfigFaultT> LogConfigurationC::ReplaceFile(std::string_view text)
+{
+    std::vector<LogConfigFaultT> faults;
+    m_ofFile.clear();
     for (std::size_t number = 1; !text.empty(); ++number) {
-        const std::size_t end = std::min(text.find('\n'), text.size() - 1);
-        if (!Add(text.substr(0, end + 1))) unread.push_back(number);
-        text.remove_prefix(end + 1);
+        const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+        const std::string_view line = text.substr(0, length);
+        text.remove_prefix(length);
+        if (IsEmptyLogConfigLine(line)) continue;
+        const std::optional<LogConfigLineT> read = ParseLogConfigLine(line);
+        if (read) m_ofFile[read->consumer] = read->settings;
+        if (!read || !read->notUnderstood.empty()) faults.push_back({number, read.has_value()});
     }
-    return unread;
+    return faults;
+}
+
+const LogSettingsT* LogConfigurationC::FindLine(const std::string& consumer) const
+{
+    for (const LinesT* const lines : {&m_ofFile, &m_ofProgram})
+        if (const auto found = lines->find(consumer); found != lines->end()) return &found->second;
+    return nullptr;
 }
 
 const LogSettingsT* LogConfigurationC::Find(const std::string& consumer) const
 {
-    auto found = m_settings.find(consumer);
-    if (found == m_settings.end()) found = m_settings.find(EVERY_CONSUMER);
-    return found == m_settings.end() ? nullptr : &found->second;
+    const LogSettingsT* const own = FindLine(consumer);
+    return own != nullptr ? own : FindLine(EVERY_CONSUMER);
 }
 
 std::wstring LogConfigurationFile()
 {
-    const std::wstring directory = HAL::UserConfigDirectory();
-    return directory.empty() ? directory : HAL::JoinPath(directory, L"logging.conf");
+    UTI::StringC directory;
+    if (OS::GetPathMap().GetPath(OS::PathKind::Configuration, directory) != RC_OK) return {};
+    return HAL::JoinPath(directory.Text(), L"logging.conf");
 }
 
-std::string ReadLogConfigurationFile()
+LogConfigFileT ReadLogConfigurationFile()
 {
     const std::wstring path = LogConfigurationFile();
-    if (path.empty()) return {};
+    if (path.empty() || !IsThere(path)) return {};
     const std::unique_ptr<std::FILE, CloseStream> stream(HAL::OpenStream(path, "rb"));
     std::uint64_t size = 0;
-    if (!stream || !HAL::StreamSize(stream.get(), size) || size > MAX_FILE_BYTES) return {};
+    if (!stream || !HAL::StreamSize(stream.get(), size)) return {LogConfigFileState::Unreadable, {}};
+    if (size > MAX_LOG_CONFIG_BYTES) return {LogConfigFileState::TooLarge, {}};
     std::string text(static_cast<std::size_t>(size), '\0');
     text.resize(std::fread(text.data(), 1, text.size(), stream.get()));
-    return text;
+    if (std::ferror(stream.get()) != 0) return {LogConfigFileState::Unreadable, {}};
+    return {LogConfigFileState::Read, std::move(text)};
 }
 
 } // namespace BSS::DBG

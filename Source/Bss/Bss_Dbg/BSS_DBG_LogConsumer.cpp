@@ -10,6 +10,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogPrefix.h"
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
@@ -27,6 +28,13 @@ constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Dbg\BSS_DBG_LogConsum
 
 constexpr std::size_t LINE_END = sizeof "\n"; // and the terminator
 constexpr unsigned KIB_SHIFT = 10;
+constexpr std::size_t LONGEST_PREFIX = 512; // a thread's name of 63 bytes, each written as four, and the rest
+constexpr char CUT[] = "... (cut)";
+
+void ToDebugOutput(std::string_view text)
+{
+    HAL::DebugOutput(HAL::WideFromUtf8(AsOneLine(text)).c_str());
+}
 
 constinit thread_local bool t_writing = false;
 
@@ -77,7 +85,7 @@ std::string CutMark()
 } // namespace
 
 DbgLogConsumerC::DbgLogConsumerC(std::string name, PrefixKind prefix)
-    : m_name(std::move(name)), m_shownName(WithoutControls(m_name)), m_prefix(prefix), m_level(LEVEL_FINEST),
+    : m_name(std::move(name)), m_shownName(ShownName(m_name)), m_prefix(prefix), m_level(LEVEL_FINEST),
       m_flushLevel(LEVEL_ERROR)
 {}
 
@@ -89,12 +97,14 @@ template<typename MakeT>
 void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
 {
     bool written = false;
-    try {
-        const WritingScope scope;
-        written = make();
-    } catch (...) {
-        written = false;
-    }
+    HAL::Undisturbed([&]() noexcept {
+        try {
+            const WritingScope scope;
+            written = make();
+        } catch (...) {
+            written = false;
+        }
+    });
     if (!written) reportFailure();
 }
 
@@ -103,8 +113,8 @@ void DbgLogConsumerC::logFormatted(int level, const char* format, UTI::FormatSou
     if (t_writing) {
         try {
             std::string text;
-            static_cast<void>(UTI::AppendFormat(text, s_iLOG_LINE_BUFFER_SIZE, format, arguments));
-            HAL::DebugOutput(HAL::WideFromUtf8(text).c_str());
+            const bool whole = UTI::AppendFormat(text, s_iLOG_LINE_BUFFER_SIZE, format, arguments);
+            ToDebugOutput(whole ? text : text + CUT);
         } catch (const std::exception&) {
             reportFailure();
         }
@@ -130,7 +140,7 @@ void DbgLogConsumerC::logText(int level, std::string_view text)
 {
     if (t_writing) {
         try {
-            HAL::DebugOutput(HAL::WideFromUtf8(text).c_str());
+            ToDebugOutput(text);
         } catch (const std::exception&) {
             reportFailure();
         }
@@ -138,7 +148,7 @@ void DbgLogConsumerC::logText(int level, std::string_view text)
     }
     if (!isOpen()) return;
     Guarded([&] {
-        char prefix[256];
+        char prefix[LONGEST_PREFIX];
         UTI::FormatOutT<char> out(prefix, sizeof prefix);
         const HAL::WallTime now = HAL::WallTimeNow();
         PutPrefix(out, getPrefixKind(), level, now);
@@ -154,11 +164,13 @@ bool DbgLogConsumerC::isOpen() const noexcept
 bool DbgLogConsumerC::flush()
 {
     bool flushed = false;
-    try {
-        flushed = flushLines();
-    } catch (...) {
-        flushed = false; // as for a message
-    }
+    HAL::Undisturbed([&]() noexcept {
+        try {
+            flushed = flushLines();
+        } catch (...) {
+            flushed = false; // as for a message
+        }
+    });
     if (!flushed) BSS_ASSERT(!"Failed flushing logs!");
     return flushed;
 }
@@ -260,12 +272,6 @@ bool DbgLogConsumerC::flushLines()
     return flushDevice();
 }
 
-bool DbgLogConsumerC::WriteLinesTo(DbgLogConsumerC& consumer, const LogMomentT& moment,
-                                   std::string_view lines)
-{
-    return consumer.writeLines(moment, lines);
-}
-
 bool DbgLogConsumerC::FlushLinesOf(DbgLogConsumerC& consumer)
 {
     return consumer.flushLines();
@@ -273,8 +279,7 @@ bool DbgLogConsumerC::FlushLinesOf(DbgLogConsumerC& consumer)
 
 bool DbgLogConsumerC::writeMessage(int level, const char* format, UTI::FormatSourceI& arguments)
 {
-    char m_pszPrintBuffer[s_iLOG_LINE_BUFFER_SIZE]; // each call's own; the reports below have always named it
-                                                    // so
+    char m_pszPrintBuffer[s_iLOG_LINE_BUFFER_SIZE]; // each call's own; the reports below show this name
     MessageOutC out(m_pszPrintBuffer, s_iLOG_LINE_BUFFER_SIZE - LINE_END);
     const LogMomentT moment{level, HAL::WallTimeNow()};
     PutPrefix(out, m_prefix.load(std::memory_order_relaxed), level, moment.time);
@@ -315,7 +320,8 @@ std::size_t DbgLogConsumerC::maxLineBytes() const noexcept
 void DbgLogConsumerC::reportFailure() const noexcept
 try {
     HAL::DebugOutput(
-        UTI::Format(L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log (%S)!\n", m_name).c_str());
+        UTI::Format(L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log (%S)!\n", m_shownName)
+            .c_str());
 } catch (const std::exception&) {
     HAL::DebugOutput(L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log ()!\n");
 }

@@ -5,7 +5,8 @@
 // the derived class to write. Logging never throws to the caller, never stops the process and accepts calls
 // from any thread; the lines of one message stay together. The text is made outside of any lock; the lock
 // covers the write. A thread that logs while it is inside a consumer already, because something beneath the
-// consumer reports, is sent to the debugger output instead: no message ever waits for itself.
+// consumer reports, is sent to the debugger output instead, as one line: no message ever waits for itself. A
+// request that the thread end, be it cancellation or interruption, waits until the call is over.
 #pragma once
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
@@ -27,10 +28,13 @@ struct LogSettingsT;
 class DbgLogConsumerC
 {
 public:
-    /// No line is longer than this, its prefix and end included; a longer one is continued in the next.
+    /// No line is longer than this or than a file may grow, its prefix and end included; a longer one is
+    /// continued in the next. Where a file may grow so little that the prefix and a few characters have no
+    /// room, the file cuts the line and marks it.
     static constexpr std::size_t s_iLOG_LINE_BUFFER_SIZE = 16384;
 
-    /// No message is longer than this; what is left out of a longer one is told in its last line.
+    /// A message that is made of a format is cut at this, with its prefix, and its last line says so. A text
+    /// that logText is given is not cut.
     static constexpr std::size_t MAX_MESSAGE_BYTES = std::size_t{1} << 20;
 
     /// How large a log file may grow when nothing else is configured.
@@ -42,7 +46,7 @@ public:
     DbgLogConsumerC(const DbgLogConsumerC&) = delete;
     DbgLogConsumerC& operator=(const DbgLogConsumerC&) = delete;
 
-    // The seventeen operations that all consumers and the manager share.
+    // Seventeen operations that all consumers and the manager share, and start(), which comes behind them.
 
     /// Logs one message whatever its level. Log() is the front that looks at the level first.
     virtual void logFormatted(int level, const char* format, UTI::FormatSourceI& arguments);
@@ -121,14 +125,8 @@ protected:
     /// Puts everything on the device. One call at a time, none of them during a write.
     virtual bool flushDevice();
 
-    /// Writes the lines of one message, under the lock.
-    virtual bool writeLines(const LogMomentT& moment, std::string_view lines);
-
     /// Flushes, under the lock.
     virtual bool flushLines();
-
-    /// For a consumer that passes on to others.
-    static bool WriteLinesTo(DbgLogConsumerC& consumer, const LogMomentT& moment, std::string_view lines);
 
     /// When the lines that write() is given were logged, and whether they must be handed over to the system
     /// at once. For write() only.
@@ -137,7 +135,12 @@ protected:
     {
         return m_writeMoment.level >= m_flushLevel.load(std::memory_order_relaxed);
     }
+
+    /// For a consumer that passes on to others.
     static bool FlushLinesOf(DbgLogConsumerC& consumer);
+
+    /// Tells on the debugger output that a message could not be written.
+    void reportFailure() const noexcept;
 
 private:
     template<typename... Arguments>
@@ -160,8 +163,8 @@ private:
     void Guarded(const MakeT& make) noexcept;
     bool writeMessage(int level, const char* format, UTI::FormatSourceI& arguments);
     bool writeText(const LogMomentT& moment, std::string_view prefix, std::string_view message);
+    bool writeLines(const LogMomentT& moment, std::string_view lines);
     std::size_t maxLineBytes() const noexcept;
-    void reportFailure() const noexcept;
 
     const std::string m_name;
     const std::string m_shownName; // the name as lines show it

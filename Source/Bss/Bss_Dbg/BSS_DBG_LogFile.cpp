@@ -9,6 +9,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogFile.h"
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileName.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
 #include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Directories.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
@@ -34,6 +35,8 @@ constexpr std::uint64_t SHARED_FOR_MS = 1000; // how long others are expected ba
 constexpr int MAX_WAIT_FOR_SOLE_USER_MS = 50;
 constexpr auto PATIENCE = std::chrono::seconds(1);
 constexpr std::size_t LONGEST_FRAGMENT = 16384; // what we may have left behind; no line is longer
+
+constexpr std::string_view CUT_MARK = " (cut)\n";
 
 // How much of the text is whole lines and not longer than `most`.
 std::size_t WholeLines(std::string_view text, std::uint64_t most) noexcept
@@ -340,13 +343,27 @@ bool DbgLogFileC::writeOnce(HAL::AppendLock lock)
     const std::size_t fit = WholeLines(waiting, room);
     if (fit > 0) return writePart(fit, ours);
     if (m_sizeBytes > 0) return rotate();
-    // One line that is longer than any file may be.
-    const std::size_t line = std::min(waiting.find('\n'), waiting.size() - 1) + 1;
+    return writeCut(waiting.substr(0, std::min(waiting.find('\n'), waiting.size() - 1) + 1), ours);
+}
+
+// A line that is longer than any file may be: what fits, and a mark. Lost, where not even the mark has room.
+bool DbgLogFileC::writeCut(std::string_view line, bool ours)
+{
     const auto most = static_cast<std::size_t>(m_limitBytes);
-    const bool done = m_file->Append(waiting.data(), most) == most;
-    m_sizeBytes += most;
-    m_written += line;
-    return done;
+    if (most <= CUT_MARK.size()) {
+        ++m_nLost;
+        m_written += line.size();
+        return true;
+    }
+    const std::string cut =
+        std::string(line.substr(0, WholeCharacters(line, most - CUT_MARK.size()))).append(CUT_MARK);
+    if (m_file->Append(cut.data(), cut.size()) < cut.size()) {
+        if (ours) static_cast<void>(m_file->Truncate(m_sizeBytes));
+        return false;
+    }
+    m_sizeBytes += cut.size();
+    m_written += line.size();
+    return true;
 }
 
 // Appends that much of what waits. If the system takes only a part of it, a line that was begun is taken

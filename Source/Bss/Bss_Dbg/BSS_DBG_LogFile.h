@@ -41,8 +41,9 @@ public:
     DbgLogFileC(const DbgLogFileC&) = delete;
     DbgLogFileC& operator=(const DbgLogFileC&) = delete;
 
-    /// Takes whole lines, each ended by "\n". A line that is longer than the limit itself is cut to it. False
-    /// when lines are waiting that could not be handed over, or were lost. Throws std::bad_alloc only.
+    /// Takes whole lines, each ended by "\n". A line that is longer than the limit itself is cut and ends
+    /// in " (cut)"; with a limit of so few bytes that this has no room, it is lost and counted. False when
+    /// lines are waiting that could not be handed over, or were lost. Throws std::bad_alloc only.
     [[nodiscard]] bool append(std::string_view lines, const HAL::WallTime& now = HAL::WallTimeNow());
 
     /// Hands over everything now. False when that fails; the lines are kept.
@@ -86,6 +87,7 @@ private:
     RoundResult writeLockedOnce();
     void letOthersIn() const;
     bool writeOnce(HAL::AppendLock lock);
+    bool writeCut(std::string_view line, bool ours);
     bool writePart(std::size_t bytes, bool ours);
     bool rotate();
     void repairEnd(std::uint64_t sizeBytes);

@@ -34,6 +34,13 @@ bool IsForbidden(char character)
     return code < 0x20 || code == 0x7F || FORBIDDEN.find(character) != std::string_view::npos;
 }
 
+// One digit, which may be a raised one.
+bool IsDeviceDigit(std::string_view text)
+{
+    if (text.size() == 1) return text[0] >= '0' && text[0] <= '9';
+    return text == "\xC2\xB9" || text == "\xC2\xB2" || text == "\xC2\xB3";
+}
+
 bool IsDevice(std::string_view name)
 {
     std::string stem(name.substr(0, name.find('.')));
@@ -42,10 +49,19 @@ bool IsDevice(std::string_view name)
         return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
     });
     const auto numbered = [&stem](std::string_view device) {
-        return stem.size() > device.size() && stem.compare(0, device.size(), device) == 0;
+        return stem.starts_with(device) && IsDeviceDigit(std::string_view(stem).substr(device.size()));
     };
     return std::find(std::begin(DEVICES), std::end(DEVICES), stem) != std::end(DEVICES) ||
            std::any_of(std::begin(NUMBERED_DEVICES), std::end(NUMBERED_DEVICES), numbered);
+}
+
+// A dot with nothing but a number behind it is how an older file is named.
+void EscapeDotOfNumber(std::string& name)
+{
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string::npos || dot + 1 == name.size()) return;
+    if (name.find_first_not_of("0123456789", dot + 1) != std::string::npos) return;
+    name.replace(dot, 1, Escaped('.'));
 }
 
 std::uint64_t Checksum(const std::string& text)
@@ -76,6 +92,7 @@ std::wstring LogFileNameOf(const std::string& consumerName)
         name += IsForbidden(character) ? Escaped(character) : std::string(1, character);
     if (name.empty() || name.front() == '.' || IsDevice(name))
         name = name.empty() ? "%" : Escaped(name.front()) + name.substr(1);
+    EscapeDotOfNumber(name);
     if (name.size() > LONGEST_NAME)
         name = name.substr(0, LONGEST_NAME) + UTI::Format("~%016I64x", Checksum(consumerName));
     return HAL::WidePath(name + ".txt");

@@ -11,8 +11,11 @@ namespace BSS::DBG {
 
 /// The file name of the consumer of that name: the name and ".txt". Characters that a file name cannot hold,
 /// or that would lead out of the directory, are written as "%2F"; so are the percent sign itself, a dot at
-/// the beginning and the first letter of names that Windows keeps for devices. Different names have different
-/// files, except that a long name is cut and ends in a checksum.
+/// the beginning, the first letter of names that Windows keeps for devices, and a dot with only a number
+/// behind it, which would name an older file of another consumer. Different names have different files,
+/// except that a long name is cut and ends in a checksum, and that names which differ in case share a file
+/// where the file system makes no difference. The names of files that are given otherwise, "ErrorLog.txt" and
+/// "LoaderLog.txt", are also those of the consumers "ErrorLog" and "LoaderLog", which share them.
 std::wstring LogFileNameOf(const std::string& consumerName);
 
 /// The name of an older file: "dir/a.txt" and 2 make "dir/a.2.txt".

@@ -16,6 +16,7 @@ namespace BSS::DBG {
 namespace {
 
 constexpr std::string_view LINE_ENDS = "\r\n";
+constexpr std::string_view CUT_NAME = "...";
 constexpr std::string_view CONTINUED = "(continued) ";
 constexpr std::size_t LEAST_TEXT = 16; // of a line, however small the limit
 
@@ -29,7 +30,7 @@ bool IsHarmful(char32_t character)
 {
     const bool control = (character < 0x20 && character != '\t') || (character >= 0x7F && character < 0xA0);
     const bool separator = character == 0x2028 || character == 0x2029;
-    const bool direction = character == 0x200E || character == 0x200F ||
+    const bool direction = character == 0x061C || character == 0x200E || character == 0x200F ||
                            (character >= 0x202A && character <= 0x202E) ||
                            (character >= 0x2066 && character <= 0x2069);
     return control || separator || direction;
@@ -50,16 +51,6 @@ bool MayBeStrange(std::uint64_t eight) noexcept
     constexpr std::uint64_t SPACES = 0x2020202020202020u;
     constexpr std::uint64_t ONES = 0x0101010101010101u;
     return ((eight | (eight - SPACES) | (eight + ONES)) & HIGH_BITS) != 0;
-}
-
-// The length of the first part that is not longer than `most` and ends between two characters.
-std::size_t FirstPart(std::string_view text, std::size_t most)
-{
-    if (text.size() <= most) return text.size();
-    std::size_t end = most;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end;
-    return end > 0 ? end : most;
 }
 
 } // namespace
@@ -141,6 +132,28 @@ std::string WithoutControls(std::string_view text)
     return clean;
 }
 
+std::string AsOneLine(std::string_view text)
+{
+    return WithoutControls(WithoutLineEnd(text)) + '\n';
+}
+
+std::size_t WholeCharacters(std::string_view text, std::size_t most) noexcept
+{
+    if (text.size() <= most) return text.size();
+    std::size_t end = most;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return end > 0 ? end : most;
+}
+
+std::string ShownName(std::string_view name)
+{
+    std::string shown = WithoutControls(name);
+    if (shown.size() <= LONGEST_SHOWN_NAME) return shown;
+    shown.resize(WholeCharacters(shown, LONGEST_SHOWN_NAME - CUT_NAME.size()));
+    return (shown += CUT_NAME);
+}
+
 std::string LinesOfMessage(const LogLayoutT& layout, std::string_view message)
 {
     const std::vector<std::string_view> parts = SplitMessage(message);
@@ -156,7 +169,7 @@ std::string LinesOfMessage(const LogLayoutT& layout, std::string_view message)
         std::string_view rest = clean;
         bool continued = false;
         do {
-            const std::size_t length = FirstPart(rest, most);
+            const std::size_t length = WholeCharacters(rest, most);
             lines += layout.prefix;
             if (!alone && !layout.bareLines) (lines += layout.name) += UTI::Format(": %03d, ", ++number);
             if (continued) lines += CONTINUED;

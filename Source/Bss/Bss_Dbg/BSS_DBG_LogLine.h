@@ -57,10 +57,22 @@ bool IsPlainLine(std::string_view text) noexcept;
 /// direction of writing, and bytes that are not UTF-8. The result is valid UTF-8.
 std::string WithoutControls(std::string_view text);
 
+/// The text in one line, ended by "\n", whatever it contains: for the debugger output.
+std::string AsOneLine(std::string_view text);
+
+/// How much of the text is at most `most` bytes and ends between two characters.
+std::size_t WholeCharacters(std::string_view text, std::size_t most) noexcept;
+
+/// The longest name that lines show, in bytes.
+inline constexpr std::size_t LONGEST_SHOWN_NAME = 128;
+
+/// A consumer's name as lines show it: without controls; a longer one is cut and ends in "...".
+std::string ShownName(std::string_view name);
+
 /// How a message becomes the lines of a consumer.
 struct LogLayoutT
 {
-    std::string_view name;        ///< of the consumer
+    std::string_view name;        ///< of the consumer, as ShownName makes it
     std::string_view prefix;      ///< before each line
     bool bareLines = false;       ///< lines of a message bear neither name nor number
     std::size_t maxLineBytes = 0; ///< of a line with its end; a longer one is continued in the next

@@ -17,7 +17,9 @@
 #include "Bss/Bss_Os/BSS_OS_PathMap.h"
 
 #include <atomic>
+#include <exception>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 namespace BSS::DBG {
@@ -154,32 +156,73 @@ void DbgLogMgrC::unregisterSubManager(SubLogManagerC& subManager)
 
 bool DbgLogMgrC::configure(std::string_view line)
 {
-    const GuardT guard(m_lock);
-    if (!m_configuration.Add(line)) return false;
-    for (const auto& [name, consumer] : m_consumers)
-        applyConfiguration(name, *consumer);
+    if (IsEmptyLogConfigLine(line)) return true;
+    const std::optional<LogConfigLineT> read = ParseLogConfigLine(line);
+    if (!read) return false;
+    {
+        const GuardT guard(m_lock);
+        m_configuration.Add(*read);
+        const bool every = read->consumer == EVERY_CONSUMER;
+        for (const auto& [name, consumer] : m_consumers)
+            if (every ? !m_configuration.HasOwn(name) : name == read->consumer)
+                applyConfiguration(name, *consumer);
+    }
+    if (!read->notUnderstood.empty())
+        Log(LEVEL_WARN, "the line of configuration for %s counts only up to \"%s\"", read->consumer,
+            read->notUnderstood);
     return true;
 }
 
 void DbgLogMgrC::readConfiguration()
 {
-    const std::string text = ReadLogConfigurationFile();
-    std::vector<std::size_t> unread;
+    const LogConfigFileT file = ReadLogConfigurationFile();
+    if (file.state == LogConfigFileState::TooLarge)
+        Log(LEVEL_WARN, "logging.conf is larger than %I64u bytes and is left out", MAX_LOG_CONFIG_BYTES);
+    if (file.state == LogConfigFileState::Unreadable) Log(LEVEL_WARN, "logging.conf cannot be read");
+    if (file.state != LogConfigFileState::Read) return;
+    std::vector<LogConfigFaultT> faults;
     {
         const GuardT guard(m_lock);
-        unread = m_configuration.AddText(text);
+        faults = m_configuration.ReplaceFile(file.text);
         for (const auto& [name, consumer] : m_consumers)
-            applyConfiguration(name, *consumer);
+            applyAnew(name, *consumer);
     }
-    const ConsumerPtrT logger = getSystemErrorLogger();
-    for (const std::size_t line : unread)
-        if (logger) logger->Log(LEVEL_WARN, "logging.conf: line %u cannot be read and is left out", line);
+    tellFaults(faults);
 }
 
-void DbgLogMgrC::applyConfiguration(const std::string& name, DbgLogConsumerC& consumer) const
+void DbgLogMgrC::tellFaults(const std::vector<LogConfigFaultT>& faults) const
+{
+    const ConsumerPtrT logger = faults.empty() ? nullptr : getSystemErrorLogger();
+    if (!logger) return;
+    for (const LogConfigFaultT& fault : faults)
+        logger->Log(LEVEL_WARN,
+                    fault.bInPart ? "logging.conf: line %u can be read only in part, its end is left out"
+                                  : "logging.conf: line %u cannot be read and is left out",
+                    fault.line);
+}
+
+void DbgLogMgrC::applyConfiguration(const std::string& name, DbgLogConsumerC& consumer)
 {
     const LogSettingsT* const settings = m_configuration.Find(name);
-    if (settings != nullptr) consumer.apply(*settings);
+    if (settings == nullptr) return;
+    m_unconfigured.try_emplace(name, UnconfiguredT{consumer.getLevel(), consumer.getPrefixKind(),
+                                                   consumer.getLimit(), consumer.getOlderFiles()});
+    consumer.apply(*settings);
+}
+
+// As applyConfiguration, and what earlier lines have set and no line sets any more is taken back.
+void DbgLogMgrC::applyAnew(const std::string& name, DbgLogConsumerC& consumer)
+{
+    const LogSettingsT* const settings = m_configuration.Find(name);
+    if (const auto found = m_unconfigured.find(name); found != m_unconfigured.end()) {
+        const UnconfiguredT& before = found->second;
+        if (settings == nullptr) consumer.setLevel(before.level);
+        if (settings == nullptr || !settings->prefixKind) consumer.setPrefixKind(before.prefix);
+        if (settings == nullptr || !settings->limitKib) consumer.setLimit(before.limitBytes);
+        if (settings == nullptr || !settings->nOlderFiles) consumer.setOlderFiles(before.nOlderFiles);
+        if (settings == nullptr) m_unconfigured.erase(found);
+    }
+    applyConfiguration(name, consumer);
 }
 
 std::vector<DbgLogMgrC::ConsumerPtrT> DbgLogMgrC::consumers() const
@@ -194,26 +237,54 @@ std::vector<DbgLogMgrC::ConsumerPtrT> DbgLogMgrC::consumers() const
     return all;
 }
 
-bool DbgLogMgrC::write(std::string_view lines)
-{
-    return writeLines({LEVEL_ERROR, HAL::WallTimeNow()}, lines);
+// The logger, if it takes messages of that level.
+DbgLogMgrC::ConsumerPtrT DbgLogMgrC::loggerFor(int level) const noexcept
+try {
+    const ConsumerPtrT logger = getSystemErrorLogger();
+    return logger && logger->isEnabled(level) ? logger : nullptr;
+} catch (const std::exception&) {
+    reportFailure(); // no event for the lock
+    return nullptr;
 }
 
-bool DbgLogMgrC::writeLines(const LogMomentT& moment, std::string_view lines)
+void DbgLogMgrC::logFormatted(int level, const char* format, UTI::FormatSourceI& arguments)
 {
-    const ConsumerPtrT logger = getSystemErrorLogger();
-    return logger && WriteLinesTo(*logger, moment, lines);
+    if (const ConsumerPtrT logger = loggerFor(level)) logger->logFormatted(level, format, arguments);
+}
+
+void DbgLogMgrC::logFormattedWide(int level, const wchar_t* format, UTI::FormatSourceI& arguments)
+{
+    if (const ConsumerPtrT logger = loggerFor(level)) logger->logFormattedWide(level, format, arguments);
+}
+
+void DbgLogMgrC::logText(int level, std::string_view text)
+{
+    if (const ConsumerPtrT logger = loggerFor(level)) logger->logText(level, text);
+}
+
+// Messages are passed on before they are lines.
+bool DbgLogMgrC::write(std::string_view)
+{
+    return false;
 }
 
 bool DbgLogMgrC::flushLines()
 {
     bool flushed = true;
+    // One that fails, by whatever it throws, does not keep the others from being flushed.
+    const auto flushOne = [&flushed](const auto& flushIt) {
+        try {
+            flushed = flushIt() && flushed;
+        } catch (...) {
+            flushed = false;
+        }
+    };
     for (const ConsumerPtrT& consumer : consumers())
-        flushed = FlushLinesOf(*consumer) && flushed;
+        flushOne([&] { return FlushLinesOf(*consumer); });
     const GuardT guard(m_subManagerLock);
     // Of a copy, as one of them may take itself or another back while it is flushed.
     for (SubLogManagerC* const subManager : std::vector(m_subManagers.begin(), m_subManagers.end()))
-        if (m_subManagers.count(subManager) != 0) flushed = subManager->flushLogs() && flushed;
+        if (m_subManagers.count(subManager) != 0) flushOne([&] { return subManager->flushLogs(); });
     return flushed;
 }
 

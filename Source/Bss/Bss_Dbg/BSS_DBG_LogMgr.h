@@ -3,9 +3,9 @@
 //
 // The process's log manager: makes and keeps the log consumers, each under its name, and owns the system
 // error logger, to which assertions and panics go. It is a consumer itself; what is logged on it goes to the
-// system error logger. Made on first use, when it reads the log configuration, and destroyed when the process
-// ends or the library is unloaded, after the panic handler registry. Safe from any thread; none of its locks
-// is held while a consumer runs.
+// system error logger, if that is enabled for its level. Made on first use, when it reads the log
+// configuration, and destroyed when the process ends or the library is unloaded, after the panic handler
+// registry. Safe from any thread; none of its locks is held while a consumer runs.
 #pragma once
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogConfiguration.h"
@@ -58,12 +58,16 @@ public:
     /// Takes a sub-manager back. When this returns it is not being flushed any more.
     void unregisterSubManager(SubLogManagerC& subManager);
 
-    /// Applies one line of configuration (BSS_DBG_LogConfigLine.h) now, to consumers that exist and to those
-    /// that are made later. False when it cannot be read.
+    /// Applies one line of configuration (BSS_DBG_LogConfigLine.h) now, to the consumer of that name, or to
+    /// all that have no line of their own, and to those that are made later; to no other. False when it
+    /// cannot be read. A line of which only the beginning is understood counts that far, and a warning on the
+    /// system error logger says so.
     bool configure(std::string_view line);
 
-    /// Reads the configuration file again and applies all of it. A line that cannot be read is logged on the
-    /// system error logger as a warning.
+    /// Reads the configuration file again and applies all of it. What an earlier reading has set and this one
+    /// does not is as it was before the consumer's first line of configuration. A line that cannot be read,
+    /// or only in part, is logged on the system error logger as a warning; so is a file that is larger than
+    /// MAX_LOG_CONFIG_BYTES or cannot be read, which changes nothing.
     void readConfiguration();
 
     /// The first of the manager's log files, the one after another, and whether there was one. In the order
@@ -78,17 +82,33 @@ public:
     /// How "TcpIp" consumers are made; null takes the maker away.
     static void setTcpIpConsumerMaker(ConsumerMakerT maker) noexcept;
 
+    // What is logged here is logged on the system error logger, with its level, prefix and limits.
+    void logFormatted(int level, const char* format, UTI::FormatSourceI& arguments) override;
+    void logFormattedWide(int level, const wchar_t* format, UTI::FormatSourceI& arguments) override;
+    void logText(int level, std::string_view text) override;
+
 protected:
     bool write(std::string_view lines) override;
-    bool writeLines(const LogMomentT& moment, std::string_view lines) override;
     bool flushLines() override;
 
 private:
+    // How a consumer was before a line of configuration was applied to it.
+    struct UnconfiguredT
+    {
+        int level;
+        PrefixKind prefix;
+        std::uint64_t limitBytes;
+        unsigned nOlderFiles;
+    };
+
     DbgLogMgrC();
     ~DbgLogMgrC() override;
 
     ConsumerPtrT make(const std::string& name, const std::string& secondName) const;
-    void applyConfiguration(const std::string& name, DbgLogConsumerC& consumer) const;
+    ConsumerPtrT loggerFor(int level) const noexcept;
+    void applyConfiguration(const std::string& name, DbgLogConsumerC& consumer);
+    void applyAnew(const std::string& name, DbgLogConsumerC& consumer);
+    void tellFaults(const std::vector<LogConfigFaultT>& faults) const;
     std::vector<ConsumerPtrT> consumers() const;
     bool isOurs(const DbgLogFileIteratorC& logFile) const;
     DbgLogFileIteratorC logFileAfter(const std::string* name) const;
@@ -97,7 +117,8 @@ private:
     std::map<std::string, ConsumerPtrT> m_consumers;
     ConsumerPtrT m_pSystemErrorLogger;
     LogConfigurationC m_configuration;
-    mutable TSK::MutexC m_subManagerLock; // held while sub-managers are flushed
+    std::map<std::string, UnconfiguredT> m_unconfigured; // of the consumers that lines have been applied to
+    mutable TSK::MutexC m_subManagerLock;                // held while sub-managers are flushed
     std::set<SubLogManagerC*> m_subManagers;
 };
 

@@ -15,7 +15,7 @@ namespace BSS::ERR {
 
 namespace {
 
-// The report bears the name and line of the tasking source, under which it has always been known.
+// The report bears the name and line of the tasking source: readers of logs look for it there.
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_Task)";
 constexpr std::int32_t LINE_INVALID_PARAMETER = 446;
 

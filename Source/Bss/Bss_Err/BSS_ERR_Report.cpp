@@ -9,6 +9,7 @@
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
 #include "Bss/Bss_Err/BSS_ERR_PanicHandlerRegistry.h"
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
@@ -23,6 +24,13 @@
 namespace BSS::ERR {
 
 namespace {
+
+constexpr char CUT[] = "... (cut)";
+
+void ToDebugOutput(const std::string& text)
+{
+    HAL::DebugOutput(HAL::WideFromUtf8(DBG::AsOneLine(text)).c_str());
+}
 
 // Gives integers and nothing else, so that no text in an expression makes the formatter read memory.
 class ReportValues final : public UTI::FormatSourceI
@@ -47,7 +55,7 @@ std::string ReportText(const char* kind, const char* expression, std::uint32_t f
 {
     std::string text = UTI::Format("<<%s at %s(%d): ", kind, file, line);
     ReportValues values(first, second);
-    static_cast<void>(UTI::AppendFormat(text, UTI::FORMAT_MAX_CHARS, expression, values));
+    if (!UTI::AppendFormat(text, UTI::FORMAT_MAX_CHARS, expression, values)) text += CUT;
     return text + end;
 }
 
@@ -59,7 +67,7 @@ auto WithoutSystemErrors(ReportT report, decltype(report()) otherwise) -> declty
     try {
         return report();
     } catch (const SysServiceErrorC& error) {
-        HAL::DebugOutput(HAL::WideFromUtf8(error.what()).c_str());
+        ToDebugOutput(error.what());
         return otherwise;
     }
 }
@@ -73,7 +81,7 @@ bool OnlyDebugOutputIsLeft() noexcept
 bool LogReport(int level, const std::string& text)
 {
     if (OnlyDebugOutputIsLeft()) {
-        HAL::DebugOutput(HAL::WideFromUtf8(text).c_str());
+        ToDebugOutput(text);
         return false;
     }
     const std::shared_ptr<DBG::DbgLogConsumerC> logger = DBG::DbgLogMgrC::instance().getSystemErrorLogger();

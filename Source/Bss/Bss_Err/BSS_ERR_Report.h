@@ -4,7 +4,10 @@
 // How code anywhere in the framework reports a broken precondition (assertion) or a grave inconsistency
 // (panic). A report is logged, handed to the registered panic handler, and then returns: it never throws,
 // aborts or breaks into a debugger (only the allocation of its text may throw std::bad_alloc), so the caller
-// carries on with its own failure path. Reports may come from any thread.
+// carries on with its own failure path. What a log consumer throws while it writes the report ends there and
+// is told on the debugger output; what the panic handler throws is the handler's affair and passes through.
+// Reports may come from any thread; one that comes while its thread is inside a log consumer goes to the
+// debugger output only, and no handler is told.
 //
 // This header stands on the ground floor and includes nothing of ours. The two functions are defined far
 // above, over the log manager, in a source file whose header is this one: strings, locks and logging itself

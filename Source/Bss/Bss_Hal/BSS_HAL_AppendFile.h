@@ -47,7 +47,9 @@ public:
     AppendFileC(const AppendFileC&) = delete;
     AppendFileC& operator=(const AppendFileC&) = delete;
 
-    /// Appends and returns how many bytes were taken: fewer than `count` when the device is full.
+    /// Appends and returns how many bytes were taken: fewer than `count` when the device is full, or the file
+    /// as large as the process may make files; no signal comes of that if the process had its limit when the
+    /// file was opened or GetStatus was last called.
     std::size_t Append(const char* data, std::size_t count) noexcept;
 
     /// Size, and whether the file still has a name. False when the system does not tell.
@@ -86,6 +88,7 @@ private:
 
     const std::intptr_t m_handle;
     const FileIdentity m_identity;
+    [[maybe_unused]] mutable bool m_limited = true; // the system may answer a write by a signal
 };
 
 /// What the name stands for now. False when there is no such file.

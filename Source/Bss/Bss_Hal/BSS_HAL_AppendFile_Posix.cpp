@@ -6,13 +6,16 @@
 #include "Bss/Bss_Hal/BSS_HAL_AppendFile.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 
 #include <cerrno>
+#include <csignal>
 #include <ctime>
 #include <fcntl.h>
 #include <new>
 #include <sched.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -80,6 +83,59 @@ void Nap() noexcept
     static_cast<void>(::nanosleep(&time, nullptr));
 }
 
+// Whether the process may only make files of a certain size.
+bool HasSizeLimit() noexcept
+{
+    struct rlimit limit = {};
+    return ::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
+}
+
+// Keeps the signal that tells of a file as large as allowed, and that ends a process which does not expect
+// it, from this thread, to which it goes. One that was waiting before is left waiting.
+class NoSizeSignal
+{
+public:
+    explicit NoSizeSignal(bool wanted) noexcept : m_active(wanted && Block()) {}
+    ~NoSizeSignal()
+    {
+        if (!m_active) return;
+        const int saved = errno;
+        if (!m_wasPending && IsPending()) {
+            const std::timespec now = {};
+            const sigset_t set = Signal();
+            static_cast<void>(::sigtimedwait(&set, nullptr, &now));
+        }
+        static_cast<void>(::pthread_sigmask(SIG_SETMASK, &m_before, nullptr));
+        errno = saved;
+    }
+    NoSizeSignal(const NoSizeSignal&) = delete;
+    NoSizeSignal& operator=(const NoSizeSignal&) = delete;
+
+private:
+    static sigset_t Signal() noexcept
+    {
+        sigset_t set;
+        ::sigemptyset(&set);
+        ::sigaddset(&set, SIGXFSZ);
+        return set;
+    }
+    static bool IsPending() noexcept
+    {
+        sigset_t pending;
+        return ::sigpending(&pending) == 0 && ::sigismember(&pending, SIGXFSZ) == 1;
+    }
+    bool Block() noexcept
+    {
+        m_wasPending = IsPending();
+        const sigset_t set = Signal();
+        return ::pthread_sigmask(SIG_BLOCK, &set, &m_before) == 0;
+    }
+
+    sigset_t m_before = {};
+    bool m_wasPending = false;
+    const bool m_active;
+};
+
 } // namespace
 
 std::unique_ptr<AppendFileC> AppendFileC::Open(const std::wstring& path)
@@ -96,16 +152,20 @@ std::unique_ptr<AppendFileC> AppendFileC::Open(const std::wstring& path)
         return nullptr;
     }
     static_cast<void>(SetRange(fd, F_RDLCK, PRESENCE));
+    file->m_limited = HasSizeLimit();
     return std::unique_ptr<AppendFileC>(file);
 }
 
 AppendFileC::~AppendFileC()
 {
+    const NoCancellation undisturbed;
     ::close(Descriptor(m_handle)); // everything has been written; the locks go with it
 }
 
 std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept
 {
+    const NoCancellation undisturbed;
+    const NoSizeSignal silent(m_limited);
     const int saved = errno;
     std::size_t done = 0;
     while (done < count) {
@@ -120,6 +180,7 @@ std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept
 
 bool AppendFileC::GetStatus(FileStatus& status) const noexcept
 {
+    m_limited = HasSizeLimit();
     struct stat info = {};
     if (::fstat(Descriptor(m_handle), &info) != 0) return false;
     status.sizeBytes = static_cast<std::uint64_t>(info.st_size);
@@ -129,6 +190,7 @@ bool AppendFileC::GetStatus(FileStatus& status) const noexcept
 
 std::size_t AppendFileC::ReadAt(std::uint64_t offsetBytes, char* data, std::size_t count) const noexcept
 {
+    const NoCancellation undisturbed;
     const ssize_t read = ::pread(Descriptor(m_handle), data, count, static_cast<off_t>(offsetBytes));
     return read < 0 ? 0 : static_cast<std::size_t>(read);
 }
@@ -140,11 +202,13 @@ bool AppendFileC::Truncate(std::uint64_t sizeBytes) noexcept
 
 bool AppendFileC::Sync() noexcept
 {
+    const NoCancellation undisturbed;
     return ::fsync(Descriptor(m_handle)) == 0;
 }
 
 AppendLock AppendFileC::Lock() noexcept
 {
+    const NoCancellation undisturbed;
     const int fd = Descriptor(m_handle);
     for (int round = 0; round < YIELDS_FOR_THE_LOCK + NAPS_FOR_THE_LOCK; ++round) {
         if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return AppendLock::Taken;

@@ -4,6 +4,7 @@
 // There is no debugger output here; a person who wants to see it asks for it by an environment variable.
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 
 #include <cerrno>
@@ -18,6 +19,7 @@ namespace {
 
 void WriteAll(int fd, const char* data, std::size_t size) noexcept
 {
+    const NoCancellation undisturbed;
     while (size > 0) {
         const ssize_t written = ::write(fd, data, size);
         if (written < 0 && errno == EINTR) continue;

@@ -34,4 +34,9 @@ std::wstring JoinPath(const std::wstring& directory, const std::wstring& name);
 /// from an absolute path, on Linux unchanged.
 std::wstring LongPath(const std::wstring& wide);
 
+/// Whether the system takes the name for a device that lies in no folder, as it does with NUL on Windows,
+/// where the file system nevertheless calls it a file. Never on Linux, where devices are entries of folders
+/// and known as what they are.
+bool NamesDevice(const std::wstring& wide);
+
 } // namespace BSS::HAL

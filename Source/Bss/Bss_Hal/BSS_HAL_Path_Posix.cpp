@@ -40,4 +40,9 @@ std::wstring LongPath(const std::wstring& wide)
     return wide;
 }
 
+bool NamesDevice(const std::wstring&)
+{
+    return false;
+}
+
 } // namespace BSS::HAL

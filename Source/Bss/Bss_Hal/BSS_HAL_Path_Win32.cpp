@@ -35,6 +35,17 @@ std::wstring FullPath(const std::wstring& wide)
     return full;
 }
 
+bool BeginsWith(const std::wstring& text, const wchar_t* beginning)
+{
+    return text.rfind(beginning, 0) == 0;
+}
+
+// What has one is given to the system as it is.
+bool HasPrefix(const std::wstring& path)
+{
+    return BeginsWith(path, LR"(\\?\)") || BeginsWith(path, LR"(\\.\)");
+}
+
 } // namespace
 
 std::wstring WidePath(const std::string& narrow)
@@ -65,12 +76,18 @@ std::wstring JoinPath(const std::wstring& directory, const std::wstring& name)
 
 std::wstring LongPath(const std::wstring& wide)
 {
-    if (wide.rfind(LR"(\\?\)", 0) == 0 || wide.rfind(LR"(\\.\)", 0) == 0) return wide;
+    if (HasPrefix(wide)) return wide;
     // The long form is taken as it stands, so "..", "." and forward slashes are resolved before it is made.
     const std::wstring full = FullPath(wide);
     if (full.size() < SHORT_PATH_LIMIT) return wide;
-    if (full.rfind(LR"(\\)", 0) == 0) return LR"(\\?\UNC)" + full.substr(1);
+    if (HasPrefix(full)) return full; // it was written with forward slashes
+    if (BeginsWith(full, LR"(\\)")) return LR"(\\?\UNC)" + full.substr(1);
     return LR"(\\?\)" + full;
+}
+
+bool NamesDevice(const std::wstring& wide)
+{
+    return BeginsWith(FullPath(wide), LR"(\\.\)");
 }
 
 } // namespace BSS::HAL

@@ -37,6 +37,10 @@ std::FILE* OpenStream(const std::wstring& path, const char* mode) noexcept;
 /// Writes the stream's buffer and then everything of the file that the system still holds to the device.
 [[nodiscard]] bool SyncStream(std::FILE* stream) noexcept;
 
+/// Asks the system to begin writing these bytes of the file, which were handed to it, to the device, and does
+/// not wait for that: a SyncStream later on finds less to do. A hint, nothing more.
+void StartWriteback(std::FILE* stream, std::uint64_t offset, std::uint64_t bytes) noexcept;
+
 /// Tells the system that the file will be read from front to back, so that it reads ahead. A hint, nothing
 /// more.
 void AdviseSequential(std::FILE* stream) noexcept;

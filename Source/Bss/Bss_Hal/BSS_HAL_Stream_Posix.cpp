@@ -130,6 +130,12 @@ bool SyncStream(std::FILE* stream) noexcept
     return std::fflush(stream) == 0 && ::fsync(::fileno(stream)) == 0;
 }
 
+void StartWriteback(std::FILE* stream, std::uint64_t offset, std::uint64_t bytes) noexcept
+{
+    static_cast<void>(::sync_file_range(::fileno(stream), static_cast<off_t>(offset),
+                                        static_cast<off_t>(bytes), SYNC_FILE_RANGE_WRITE));
+}
+
 void AdviseSequential(std::FILE* stream) noexcept
 {
     static_cast<void>(::posix_fadvise(::fileno(stream), 0, 0, POSIX_FADV_SEQUENTIAL));

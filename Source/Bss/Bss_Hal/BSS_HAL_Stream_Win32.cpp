@@ -131,6 +131,11 @@ bool SyncStream(std::FILE* stream) noexcept
     return std::fflush(stream) == 0 && FlushFileBuffers(HandleOf(stream)) != 0;
 }
 
+void StartWriteback(std::FILE*, std::uint64_t, std::uint64_t) noexcept
+{
+    // The system knows no such call; its lazy writer begins within a second by itself.
+}
+
 void AdviseSequential(std::FILE*) noexcept
 {
     // The system takes this hint only when a file is opened, and finds sequential reading out by itself.

@@ -130,8 +130,25 @@ private:
         return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
     }
 
+    // The conversions that write numbers with a point take the size of a long double, no others do.
+    bool FitsItsSize(const SpecT& spec) const noexcept
+    {
+        static constexpr std::string_view DOUBLES = "eEfFgGaA";
+        return spec.size != FormatSize::LongDouble ||
+               (spec.letter < 0x80 && DOUBLES.find(static_cast<char>(spec.letter)) != std::string_view::npos);
+    }
+
+    // Takes the pointer, so that the arguments behind it stay in step, and writes nothing through it.
+    bool SkipCount()
+    {
+        std::uintptr_t ignored = 0;
+        static_cast<void>(m_source.TakePointer(ignored));
+        return false;
+    }
+
     bool Convert(const SpecT& spec)
     {
+        if (!FitsItsSize(spec)) return false;
         switch (spec.letter) {
         case 'd':
         case 'i':
@@ -162,6 +179,8 @@ private:
         case 'a':
         case 'A':
             return ConvertDouble(spec);
+        case 'n':
+            return SkipCount();
         default:
             return false;
         }
@@ -232,7 +251,9 @@ private:
     bool ConvertDouble(const SpecT& spec)
     {
         double value = 0;
-        if (!m_source.TakeDouble(value)) return false;
+        const bool taken =
+            spec.size == FormatSize::LongDouble ? m_source.TakeLongDouble(value) : m_source.TakeDouble(value);
+        if (!taken) return false;
         const std::string digits =
             DoubleDigits(value, static_cast<char>(spec.letter), spec.precision, spec.alternate);
         const bool zeros = spec.zero && !spec.left && std::isfinite(value);

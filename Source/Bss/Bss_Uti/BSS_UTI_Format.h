@@ -4,10 +4,12 @@
 // The formatter behind every text of the framework. Conversions mean what they mean to the C runtime of
 // Windows, on every platform and in every locale: "l" is 32 bits, "ll" and "I64" are 64, "I", "z" and "t"
 // have the size of a pointer; "%s" and "%c" take text of the format's own width, "%S" and "%C" of the other
-// one, "h" narrow, "l" and "w" wide; "%p" is 16 upper-case digits; a null text is "(null)". Narrow text is
-// UTF-8. "%n", an unknown conversion and one that has no fitting argument are printed as they stand; a null
-// format is the text "(null)". Knows nothing of logs or reports. Throws std::bad_alloc only. Safe from any
-// thread.
+// one, "h" narrow, "l" and "w" wide; "%p" is 16 upper-case digits; "L" before a conversion of a double is
+// a long double, shown with the precision of a double; a null text is "(null)". Narrow text is UTF-8, wide
+// text UTF-16 or UTF-32 as wchar_t is; where one becomes the other, what is not valid becomes U+FFFD. An
+// unknown conversion and one that has no fitting argument are printed as they stand; so is "%n", which takes
+// its pointer and writes nothing. A null format is the text "(null)". Knows nothing of logs or reports.
+// Throws std::bad_alloc only. Safe from any thread.
 #pragma once
 
 #include "Bss/Bss_Uti/BSS_UTI_FormatOut.h"

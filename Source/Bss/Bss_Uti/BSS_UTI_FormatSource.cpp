@@ -25,6 +25,11 @@ bool FormatSourceI::TakeDouble(double&)
     return false;
 }
 
+bool FormatSourceI::TakeLongDouble(double& value)
+{
+    return TakeDouble(value);
+}
+
 bool FormatSourceI::TakeNarrowText(const char*&)
 {
     return false;
@@ -104,6 +109,12 @@ bool VarArgsC::TakeCharacter(std::uint32_t& value)
 bool VarArgsC::TakeDouble(double& value)
 {
     value = va_arg(m_arguments, double);
+    return true;
+}
+
+bool VarArgsC::TakeLongDouble(double& value)
+{
+    value = static_cast<double>(va_arg(m_arguments, long double)); // what the caller's compiler has passed
     return true;
 }
 

@@ -25,6 +25,9 @@ public:
     virtual bool TakeInteger(std::size_t bytes, std::uint64_t& value);
     virtual bool TakeCharacter(std::uint32_t& value);
     virtual bool TakeDouble(double& value);
+
+    /// The next argument as a long double, made a double. Unless overridden, the same as TakeDouble.
+    virtual bool TakeLongDouble(double& value);
     virtual bool TakeNarrowText(const char*& value);
     virtual bool TakeWideText(const wchar_t*& value);
     virtual bool TakePointer(std::uintptr_t& value);
@@ -134,6 +137,7 @@ public:
     bool TakeInteger(std::size_t bytes, std::uint64_t& value) override;
     bool TakeCharacter(std::uint32_t& value) override;
     bool TakeDouble(double& value) override;
+    bool TakeLongDouble(double& value) override;
     bool TakeNarrowText(const char*& value) override;
     bool TakeWideText(const wchar_t*& value) override;
     bool TakePointer(std::uintptr_t& value) override;

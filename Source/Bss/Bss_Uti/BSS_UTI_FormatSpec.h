@@ -21,7 +21,8 @@ enum class FormatSize
     Long,
     LongLong,
     Pointer,
-    Wide
+    Wide,
+    LongDouble
 };
 
 template<typename CharT>
@@ -114,6 +115,7 @@ private:
         if (Accept('h')) return Accept('h') ? FormatSize::Char : FormatSize::Short;
         if (Accept('l')) return Accept('l') ? FormatSize::LongLong : FormatSize::Long;
         if (Accept('w')) return FormatSize::Wide;
+        if (Accept('L')) return FormatSize::LongDouble;
         if (Accept('j')) return FormatSize::LongLong;
         if (Accept('z') || Accept('t')) return FormatSize::Pointer;
         if (!Accept('I')) return FormatSize::Default;

@@ -24,12 +24,19 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace BSS::UTI {
 
 /// The length of a text as a signed number of 32 bits. Throws boost::numeric::positive_overflow ("bad numeric
 /// conversion: positive overflow") for 0x80000000 and more.
 std::int32_t CheckedLength(std::size_t length);
+
+/// The integers that are meant as numbers.
+template<typename T>
+concept FormattedNumberT = std::is_integral_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, char> &&
+                           !std::is_same_v<T, wchar_t> && !std::is_same_v<T, char8_t> &&
+                           !std::is_same_v<T, char16_t> && !std::is_same_v<T, char32_t>;
 
 class StringC
 {
@@ -149,16 +156,25 @@ public:
     void FormatV(const wchar_t* format, std::va_list arguments);
 
     // Numbers, as C++ source writes them and in no locale. Reading takes white space around the number and
-    // nothing else; false, with the value unchanged, for what is no number or does not fit. Base 16 reads
-    // with or without 0x.
+    // nothing else; false, with the value unchanged, for what is no number, does not fit, or is written with
+    // more than 2048 characters. Base 16 reads with or without 0x.
 
     bool ToNumber(std::int32_t& value, int base = 10) const;
     bool ToNumber(std::uint32_t& value, int base = 10) const;
     bool ToNumber(std::int64_t& value, int base = 10) const;
     bool ToNumber(std::uint64_t& value, int base = 10) const;
     bool ToNumber(double& value) const;
-    static StringC FromNumber(std::int64_t value);
-    static StringC FromNumber(std::uint64_t value, int base = 10);
+
+    /// Any integer, but no truth value and no character. Bases 2 to 36; the empty string for any other.
+    template<FormattedNumberT NumberT>
+    static StringC FromNumber(NumberT value, int base = 10)
+    {
+        if constexpr (std::is_signed_v<NumberT>) {
+            return FromSigned(value, base);
+        } else {
+            return FromUnsigned(value, base);
+        }
+    }
 
     /// The shortest text that reads back as the same number.
     static StringC FromNumber(double value);
@@ -175,6 +191,8 @@ private:
     class FormatTryC;
     using SourceUserT = void (*)(const void* arguments, FormatTryC& attempt);
 
+    static StringC FromSigned(std::int64_t value, int base);
+    static StringC FromUnsigned(std::uint64_t value, int base);
     explicit StringC(TextBlockC* block) noexcept : m_pBlock(block) {}
     static void OfRow(const void* arguments, FormatTryC& attempt);
     static void OfVarArgs(const void* arguments, FormatTryC& attempt);

@@ -51,8 +51,7 @@ void StringC::AppendChars(const wchar_t* text, std::size_t count)
         return;
     }
     StringC longer(*this);
-    wchar_t* const own =
-        longer.Own(needed <= TextBlockC::INLINE_CHARS + 1 ? needed : needed + needed / 2, length);
+    wchar_t* const own = longer.Own(TextBlockC::GrownCapacity(needed), length);
     std::wmemcpy(own + length, text, count);
     own[length + count] = L'\0';
     *this = static_cast<StringC&&>(longer);

@@ -95,12 +95,12 @@ bool StringC::ToNumber(double& value) const
     return true;
 }
 
-StringC StringC::FromNumber(std::int64_t value)
+StringC StringC::FromSigned(std::int64_t value, int base)
 {
-    return Written(value);
+    return base < 2 || base > 36 ? StringC() : Written(value, base);
 }
 
-StringC StringC::FromNumber(std::uint64_t value, int base)
+StringC StringC::FromUnsigned(std::uint64_t value, int base)
 {
     return base < 2 || base > 36 ? StringC() : Written(value, base);
 }

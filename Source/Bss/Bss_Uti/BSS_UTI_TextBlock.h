@@ -18,8 +18,18 @@ public:
     /// Longest text that needs no heap buffer.
     static constexpr std::size_t INLINE_CHARS = 15;
 
+    /// The capacity, terminator included, for a text that grows: half as much again as is needed, but not
+    /// more than the longest text takes.
+    static constexpr std::size_t GrownCapacity(std::size_t needed) noexcept
+    {
+        constexpr std::size_t MOST = std::size_t{1} << 31;
+        if (needed <= INLINE_CHARS + 1) return needed;
+        const std::size_t grown = needed + needed / 2;
+        return grown < MOST ? grown : needed < MOST ? MOST : needed;
+    }
+
     /// A new block with one reference and a text; null is the empty text. Throws std::bad_alloc, and
-    /// boost::numeric::positive_overflow for a text of 2^31 - 1 characters or more.
+    /// boost::numeric::positive_overflow for a text of 2^31 characters or more.
     static TextBlockC* Make(const wchar_t* text);
     static TextBlockC* Make(const wchar_t* text, std::size_t length);
 

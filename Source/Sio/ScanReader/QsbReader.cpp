@@ -8,6 +8,7 @@
 #include "API_Hdr/GMAT_Algebra.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Sio/SIO_QsbPointDefinition.h"
+#include "Sio/Sio_CacheLine.h"
 #include "Sio/Sio_QsbPointIterator.h"
 #include "Sio/Sio_QsbReader.h"
 
@@ -40,6 +41,9 @@ constexpr char s_szNoPositionOrIntensity[] =
 constexpr char s_szEndOfFile[] = "End-of-file";
 constexpr char s_szReadFailed[] = "QsbReader:Read: Failed to read points.";
 constexpr char s_szNoMemory[] = "QsbReader: Out of memory.";
+
+/// In cache lines of its own, since every operation sets it.
+using MessageT = std::basic_string<char, std::char_traits<char>, SIO::CacheLineAllocatorT<char>>;
 
 // The batch is decoded into the reader core's records and handed out as the exported ones.
 static_assert(sizeof(QsbPoint) == sizeof(SIO::QsbPointC) && alignof(QsbPoint) == alignof(SIO::QsbPointC));
@@ -89,7 +93,7 @@ QsbPoint& QsbPoint::operator=(QsbPoint&& other) noexcept
     return *this = static_cast<const QsbPoint&>(other);
 }
 
-struct QsbReadIterator::State
+struct alignas(SIO::s_nCacheLineBytes) QsbReadIterator::State
 {
     explicit State(unsigned int size) : vecPoints(size), oIterator(size), oPointIterator(FirstRecord()) {}
 
@@ -100,12 +104,12 @@ struct QsbReadIterator::State
     }
 
     SIO::QsbPointC oScratch;
-    std::vector<SIO::QsbPointC> vecPoints;
+    std::vector<SIO::QsbPointC, SIO::CacheLineAllocatorT<SIO::QsbPointC>> vecPoints;
     SIO::QsbReaderIteratorC oIterator;
     SIO::QsbPointArrayIteratorC oPointIterator;
 };
 
-struct QsbReader::State
+struct alignas(SIO::s_nCacheLineBytes) QsbReader::State
 {
     State() { strMessage.reserve(s_nMessageCapacity); }
 
@@ -115,7 +119,7 @@ struct QsbReader::State
     void SetOpenError(BSS::ResultCodeT code, const char* suffix)
     {
         strMessage = s_szOpenError;
-        strMessage += std::to_string(static_cast<std::int32_t>(code));
+        strMessage += std::to_string(static_cast<std::int32_t>(code)).c_str();
         strMessage += suffix;
     }
 
@@ -130,7 +134,7 @@ struct QsbReader::State
         return 0;
     }
 
-    std::string strMessage; ///< never grows beyond what it has room for, so setting it cannot fail
+    MessageT strMessage; ///< never grows beyond what it has room for, so setting it cannot fail
     SIO::QsbReaderC oReader;
     std::uint32_t uiContentFlags = 0;
 };

@@ -82,9 +82,9 @@ typedef struct qsb_facts
 /** Version of the library, in the form of QSB_VERSION. */
 SCANREADER_C_API uint32_t qsb_version(void);
 
-/** Opens the scan at `path`: UTF-8 on Windows, the bytes of the name on Linux. Returns null when that fails; then
- *  `message` holds the reason, cut to `message_size` bytes with its zero. After success it is empty. `message` may be
- *  null. The caller closes the reader. */
+/** Opens the scan at `path`: the bytes of the name on Linux; on Windows UTF-8, and what is not valid UTF-8 is taken in
+ *  the active code page. Returns null when that fails; then `message` holds the reason, cut to `message_size` bytes with
+ *  its zero. After success it is empty. `message` may be null. The caller closes the reader. */
 SCANREADER_C_API qsb_reader* qsb_open(const char* path, char* message, size_t message_size);
 
 /** Closes and frees. Null is allowed. */

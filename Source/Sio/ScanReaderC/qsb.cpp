@@ -24,6 +24,8 @@ static_assert(offsetof(qsb_point, x) == offsetof(QsbPoint, x) && offsetof(qsb_po
               offsetof(qsb_point, noise) == offsetof(QsbPoint, levelOfNoise) &&
               offsetof(qsb_point, row) == offsetof(QsbPoint, gridIndex0) &&
               offsetof(qsb_point, column) == offsetof(QsbPoint, gridIndex1));
+static_assert(QSB_VERSION == SCANREADER_VERSION_MAJOR * 0x10000 + SCANREADER_VERSION_MINOR * 0x100 + SCANREADER_VERSION_PATCH,
+              "the header and the project agree on the version");
 static_assert(sizeof(qsb_facts) == 168 && offsetof(qsb_facts, content) == 160, "part of the binary interface");
 
 namespace {

@@ -111,9 +111,7 @@ int Export(const ExportOptionsC& options)
 
     const auto poSink = MakeSink(eKind, outputs, scan.GetHeader(), ScanName(options.oCommon.strOutput));
     ProgressC progress("exporting", scan.GetHeader().ullPoints, options.oCommon.bQuiet);
-    std::vector<std::vector<double>> columns;
-    while (const std::size_t nPoints = scan.Read(columns)) {
-        poSink->Write(columns, nPoints);
+    while (const std::size_t nPoints = scan.Forward(*poSink)) {
         progress.Advance(nPoints);
         StopIfInterrupted();
     }

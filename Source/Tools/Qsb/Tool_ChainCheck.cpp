@@ -9,6 +9,7 @@
 #include "Tools/Qsb/Tool_ScanInput.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fmt/format.h>
 
 namespace Tool {
@@ -150,12 +151,17 @@ private:
 
     bool Append(const BlockHeadC& head, std::size_t nEntries)
     {
-        SIO::QsbHeaderEntriesT entries(nEntries);
+        SIO::QsbBlockListC& blocks = m_oChain.oBlocks;
+        if (nEntries == 0) return blocks.AppendRead(m_ullOffset, head.uiId, head.uiDataBytes, nullptr, 0);
+        SIO::QsbEntryArrayT& entries = blocks.TakeEntries(nEntries);
+        auto* const pBytes = reinterpret_cast<char*>(entries.First());
         const std::size_t nBytes = nEntries * Format::s_nEntryBytes;
-        const std::size_t nRead =
-            m_oWindow.ReadAt(m_ullOffset + Format::s_nBlockHeadBytes, entries.data(), nBytes);
-        if (nRead != nBytes) m_oChain.bLastHeaderWhole = false; // the file has become shorter
-        return m_oChain.oBlocks.AppendRead(m_ullOffset, head.uiId, head.uiDataBytes, std::move(entries));
+        const std::size_t nRead = m_oWindow.ReadAt(m_ullOffset + Format::s_nBlockHeadBytes, pBytes, nBytes);
+        if (nRead != nBytes) { // the file has become shorter
+            std::memset(pBytes + nRead, 0, nBytes - nRead);
+            m_oChain.bLastHeaderWhole = false;
+        }
+        return blocks.AppendRead(m_ullOffset, head.uiId, head.uiDataBytes, entries);
     }
 
     bool RefuseRoom()

@@ -18,6 +18,8 @@ namespace {
 
 namespace fs = boost::filesystem;
 
+constexpr char s_szNotRegular[] = "is not a regular file, so it is not written to";
+
 [[noreturn]] void Fail(const std::string& target, const std::string& reason)
 {
     throw ToolErrorC(s_iFailed, fmt::format("{}: {}", target, reason));
@@ -31,7 +33,7 @@ fs::path PathOf(const std::string& narrow)
 void CheckExisting(const std::string& target, const fs::file_status& status, bool bOverwrite)
 {
     if (fs::is_directory(status)) Fail(target, "is a folder; name a file");
-    if (!fs::is_regular_file(status)) Fail(target, "is not a regular file, so it is not written to");
+    if (!fs::is_regular_file(status)) Fail(target, s_szNotRegular);
     if (!bOverwrite) Fail(target, "exists already; --overwrite replaces it");
 }
 
@@ -51,6 +53,7 @@ fs::path Resolve(const std::string& target, bool bOverwrite, const std::vector<s
     fs::path path = PathOf(target);
     if (path.empty() || path.filename_is_dot() || path.filename_is_dot_dot())
         Fail(target, "is not a file name");
+    if (BSS::HAL::NamesDevice(BSS::HAL::WidePath(target))) Fail(target, s_szNotRegular);
     boost::system::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (fs::exists(status)) {

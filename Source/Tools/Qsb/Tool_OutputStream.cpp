@@ -16,6 +16,7 @@ namespace Tool {
 namespace {
 
 constexpr std::size_t s_nLargeBuffer = std::size_t{1} << 20;
+constexpr std::uint64_t s_ullWriteback = std::uint64_t{8} << 20;
 
 } // namespace
 
@@ -40,6 +41,10 @@ void OutputStreamC::Flush()
     const std::size_t nBytes = m_strBuffer.size();
     if (std::fwrite(m_strBuffer.data(), 1, nBytes, m_pStream.get()) != nBytes) Fail();
     m_strBuffer.clear();
+    m_ullWritten += nBytes;
+    if (m_ullWritten - m_ullStarted < s_ullWriteback) return;
+    BSS::HAL::StartWriteback(m_pStream.get(), m_ullStarted, m_ullWritten - m_ullStarted);
+    m_ullStarted = m_ullWritten;
 }
 
 void OutputStreamC::Close()

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Writes a file in large pieces. ToolErrorC with s_iFailed when the system does not take them. One thread at
-// a time.
+// Writes a file in large pieces, and has the device begin while more is made: the file must be on disk before
+// it is given its name, and by then most of it is. ToolErrorC with s_iFailed when the system does not take
+// them. One thread at a time.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -35,6 +37,8 @@ private:
     std::string m_strTarget;
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> m_pStream;
     std::string m_strBuffer;
+    std::uint64_t m_ullWritten = 0;
+    std::uint64_t m_ullStarted = 0; ///< bytes that the system was asked to bring to the device
 };
 
 } // namespace Tool

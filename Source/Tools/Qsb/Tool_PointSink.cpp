@@ -9,6 +9,7 @@
 #include "Tools/Qsb/Tool_PlyHeader.h"
 
 #include <fmt/format.h>
+#include <stdexcept>
 
 namespace Tool {
 
@@ -35,8 +36,19 @@ public:
 
     void Write(const ColumnsT& columns, std::size_t nPoints) override
     {
-        AppendRecords(m_oStream.Buffer(), m_oHeader, columns, nPoints);
+        Tool::AppendRecords(m_oStream.Buffer(), m_oHeader, columns, nPoints);
         m_oStream.Written();
+    }
+
+    bool TakesRecords() const override { return true; }
+
+    char* AppendRecords(std::size_t nPoints) override
+    {
+        m_oStream.Written(); // the records of the last call
+        std::string& bytes = m_oStream.Buffer();
+        const std::size_t nOffset = bytes.size();
+        bytes.resize(nOffset + nPoints * m_oHeader.GetRecordBytes());
+        return bytes.data() + nOffset;
     }
 
     void Finish() override { m_oStream.Close(); }
@@ -88,6 +100,11 @@ std::string PlyHeaderText(const RawHeaderC& header)
 }
 
 } // namespace
+
+char* PointSinkI::AppendRecords(std::size_t)
+{
+    throw std::logic_error("this form has no records");
+}
 
 void AppendRecords(std::string& bytes, const RawHeaderC& header, const ColumnsT& columns, std::size_t nPoints)
 {

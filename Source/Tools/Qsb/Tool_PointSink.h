@@ -24,6 +24,13 @@ public:
     /// with s_iFailed when that fails.
     virtual void Write(const std::vector<std::vector<double>>& columns, std::size_t nPoints) = 0;
 
+    /// Whether points can be given as records: the header's fields one behind the other, little-endian.
+    virtual bool TakesRecords() const { return false; }
+
+    /// Appends `nPoints` records that are still to be filled in, before any other operation; says where.
+    /// ToolErrorC with s_iFailed when what was appended before cannot be written.
+    virtual char* AppendRecords(std::size_t nPoints);
+
     /// Completes and closes the files.
     virtual void Finish() = 0;
 };

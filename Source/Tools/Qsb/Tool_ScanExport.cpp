@@ -4,6 +4,8 @@
 // Points to columns, and the account.
 #include "Tools/Qsb/Tool_ScanExport.h"
 
+#include "Tools/Qsb/Tool_PointSink.h"
+
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
@@ -24,6 +26,7 @@ ScanExportC::ScanExportC(ScanReaderC& reader, const ExportChoicesC& choices)
 {
     ChooseFields(choices);
     PrepareHeader();
+    PrepareMoves();
 }
 
 void ScanExportC::ChooseFields(const ExportChoicesC& choices)
@@ -36,8 +39,22 @@ void ScanExportC::ChooseFields(const ExportChoicesC& choices)
         const bool bMapped = m_bApplyPose && IsPosition(eValue);
         const NumberTypeT eSource = bMapped ? NumberTypeT::Double : eStored;
         const NumberTypeT eWritten = IsPosition(eValue) ? choices.oPosition.value_or(eSource) : eStored;
-        m_vecFields.push_back({eValue, eStored, ValueConversionC(eSource, eWritten)});
+        const std::size_t nOffset =
+            m_rReader.GetOffsetOf(KindOf(eValue)) + IndexInElement(eValue) * SizeOf(eStored);
+        m_vecFields.push_back({eValue, eStored, ValueConversionC(eSource, eWritten), nOffset});
         m_oHeader.vecFields.push_back({std::string(NameOf(eValue)), eWritten});
+    }
+}
+
+void ScanExportC::PrepareMoves()
+{
+    m_bKeepsBytes =
+        !m_bApplyPose && std::all_of(m_vecFields.begin(), m_vecFields.end(),
+                                     [](const FieldT& field) { return field.oConversion.KeepsBytes(); });
+    std::size_t nTarget = 0;
+    for (const FieldT& field : m_vecFields) {
+        m_oMoves.Add(field.nOffset, nTarget, SizeOf(field.eStored));
+        nTarget += SizeOf(field.eStored);
     }
 }
 
@@ -60,24 +77,52 @@ void ScanExportC::PrepareHeader()
 
 std::size_t ScanExportC::Read(std::vector<std::vector<double>>& columns)
 {
-    // Whether there are points beyond the readable ones is known, so the reader need not stumble over it.
-    m_vecPoints.clear();
-    if (m_ullRead < m_oHeader.ullPoints) m_rReader.Read(m_vecPoints);
-    m_ullRead += m_vecPoints.size();
-    if (m_bApplyPose) {
-        const GMAT::Matrix4C& pose = m_rReader.GetInfo().oTransformation;
-        for (ScanPointC& point : m_vecPoints)
-            GMAT::TransformPosition(pose, point.x, point.y, point.z);
-    }
+    const ScanReaderC::StoredT stored = ReadStored();
     columns.resize(m_vecFields.size());
+    for (auto& column : columns)
+        column.resize(stored.nPoints);
+    if (stored.nPoints == 0) return 0;
     for (std::size_t i = 0; i < m_vecFields.size(); ++i) {
-        columns[i].resize(m_vecPoints.size());
-        const ScanValueT eValue = m_vecFields[i].eValue;
-        for (std::size_t j = 0; j < m_vecPoints.size(); ++j)
-            columns[i][j] = ValueIn(m_vecPoints[j], eValue);
-        m_vecFields[i].oConversion.Convert(columns[i]);
+        LoadNumbers(m_vecFields[i].eStored, false, stored.pFirst + m_vecFields[i].nOffset, stored.nStride,
+                    stored.nPoints, columns[i].data());
     }
-    return m_vecPoints.size();
+    if (m_bApplyPose) {
+        const GMAT::Matrix4C pose = m_rReader.GetInfo().oTransformation;
+        // Every scan has positions, and they are its first fields.
+        for (std::size_t i = 0; i < stored.nPoints; ++i)
+            GMAT::TransformPosition(pose, columns[0][i], columns[1][i], columns[2][i]);
+    }
+    for (std::size_t i = 0; i < m_vecFields.size(); ++i)
+        m_vecFields[i].oConversion.Convert(columns[i]);
+    return stored.nPoints;
+}
+
+ScanReaderC::StoredT ScanExportC::ReadStored()
+{
+    // Whether there are points beyond the readable ones is known, so the reader need not stumble over it.
+    if (m_ullRead == m_oHeader.ullPoints) return {};
+    const ScanReaderC::StoredT stored = m_rReader.ReadStored();
+    m_ullRead += stored.nPoints;
+    return stored;
+}
+
+std::size_t ScanExportC::Forward(PointSinkI& sink)
+{
+    if (m_bKeepsBytes && sink.TakesRecords()) return ForwardStored(sink);
+    const std::size_t nPoints = Read(m_vecColumns);
+    if (nPoints != 0) sink.Write(m_vecColumns, nPoints);
+    return nPoints;
+}
+
+std::size_t ScanExportC::ForwardStored(PointSinkI& sink)
+{
+    const ScanReaderC::StoredT stored = ReadStored();
+    if (stored.nPoints == 0) return 0;
+    char* const pRecords = sink.AppendRecords(stored.nPoints);
+    m_oMoves.Move(stored.pFirst, stored.nStride, pRecords, m_oHeader.GetRecordBytes(), stored.nPoints);
+    for (FieldT& field : m_vecFields)
+        field.oConversion.NoteKept(stored.pFirst + field.nOffset, stored.nStride, stored.nPoints);
+    return stored.nPoints;
 }
 
 void ScanExportC::AddTo(ConversionReportC& report) const

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "Tools/Qsb/Tool_RawHeader.h"
+#include "Tools/Qsb/Tool_RecordMoves.h"
 #include "Tools/Qsb/Tool_Report.h"
 #include "Tools/Qsb/Tool_ScanReader.h"
 #include "Tools/Qsb/Tool_ScanValue.h"
@@ -16,6 +17,8 @@
 #include <vector>
 
 namespace Tool {
+
+class PointSinkI;
 
 struct ExportChoicesC
 {
@@ -39,6 +42,10 @@ public:
     /// s_iDamaged when they cannot be read after all.
     std::size_t Read(std::vector<std::vector<double>>& columns);
 
+    /// Hands the next points to `sink`, which is for the header here. Returns how many, 0 at the end. Fails
+    /// as Read does, and as the sink does.
+    std::size_t Forward(PointSinkI& sink);
+
     /// Adds a row for every field and part of the scan, with what is known so far.
     void AddTo(ConversionReportC& report) const;
 
@@ -48,10 +55,14 @@ private:
         ScanValueT eValue;
         NumberTypeT eStored;
         ValueConversionC oConversion;
+        std::size_t nOffset; ///< in the stored point
     };
 
     void ChooseFields(const ExportChoicesC& choices);
     void PrepareHeader();
+    void PrepareMoves();
+    ScanReaderC::StoredT ReadStored();
+    std::size_t ForwardStored(PointSinkI& sink);
     void AddScanHeader(ConversionReportC& report) const;
     void AddWhatIsHidden(ConversionReportC& report) const;
 
@@ -60,7 +71,9 @@ private:
     std::vector<FieldT> m_vecFields;
     RawHeaderC m_oHeader;
     std::uint64_t m_ullRead = 0;
-    std::vector<ScanPointC> m_vecPoints;
+    std::vector<std::vector<double>> m_vecColumns;
+    RecordMovesC m_oMoves;
+    bool m_bKeepsBytes = false; ///< every field is written as it is stored, so that its bytes can be moved
 };
 
 } // namespace Tool

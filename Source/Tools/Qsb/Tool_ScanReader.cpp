@@ -101,27 +101,46 @@ bool ScanReaderC::HasGridSize() const noexcept
     return grid[0] != 0 && grid[1] != 0;
 }
 
-void ScanReaderC::Read(std::vector<ScanPointC>& points)
+ScanReaderC::StoredT ScanReaderC::ReadStored()
 {
-    const SIO::PointDefinitionContainerI& definition = *m_oStrategy.GetPointDefinition();
-    const std::size_t nRecordBytes = definition.GetSizeInBytes();
+    const std::size_t nRecordBytes = m_oStrategy.GetPointDefinition()->GetSizeInBytes();
     // What the file does not hold is not allocated for, and what it holds of a torn batch is still delivered.
     const auto uiWanted = static_cast<std::uint32_t>(
         std::min<std::uint64_t>(s_uiBatch, GetNumberOfReadablePoints() - m_ullRead));
-    points.clear();
-    if (m_ullRead == GetNumberOfPoints()) return;
+    if (m_ullRead == GetNumberOfPoints()) return {};
     m_vecRaw.resize(uiWanted * nRecordBytes);
     if (uiWanted == 0 || m_oContainer.ReadPoints(m_oStrategy, m_vecRaw.data(), uiWanted) != uiWanted) {
         throw ToolErrorC(s_iDamaged, fmt::format("{}: the data is torn, {} of {} points are readable",
                                                  m_strPath, m_ullRead, GetNumberOfPoints()));
     }
-    points.resize(uiWanted);
+    m_ullRead += uiWanted;
+    return {m_vecRaw.data(), uiWanted, nRecordBytes};
+}
+
+void ScanReaderC::Read(std::vector<ScanPointC>& points)
+{
+    points.clear();
+    const StoredT stored = ReadStored();
+    points.resize(stored.nPoints);
+    const SIO::PointDefinitionContainerI& definition = *m_oStrategy.GetPointDefinition();
     ScanPointIteratorC iterator(points.data());
     const GMAT::Matrix4C unused;
-    for (std::uint32_t i = 0; i < uiWanted; ++i, iterator.Advance()) {
-        definition.Decode(iterator.Current(), m_vecRaw.data() + i * nRecordBytes, unused);
+    for (std::size_t i = 0; i < stored.nPoints; ++i, iterator.Advance())
+        definition.Decode(iterator.Current(), stored.pFirst + i * stored.nStride, unused);
+}
+
+std::size_t ScanReaderC::GetOffsetOf(SIO::PointDataKindT eKind) const
+{
+    const SIO::PointDefinitionContainerI& definition = *m_oStrategy.GetPointDefinition();
+    std::size_t nFound = 0;
+    std::size_t nOffset = 0;
+    for (std::size_t i = 0; i < definition.GetCount(); ++i) {
+        const SIO::PointDefinitionI& element = *definition.GetElement(i);
+        // Of several elements of a kind the last one counts.
+        if (element.GetAvailablePointData() == eKind) nFound = nOffset;
+        nOffset += element.GetSizeInBytes();
     }
-    m_ullRead += uiWanted;
+    return nFound;
 }
 
 void ScanReaderC::Rewind()

@@ -48,6 +48,20 @@ public:
     /// s_iDamaged when the file does not hold them; the message says how many points are readable.
     void Read(std::vector<ScanPointC>& points);
 
+    /// A batch of points as the file has them.
+    struct StoredT
+    {
+        const char* pFirst = nullptr;
+        std::size_t nPoints = 0;
+        std::size_t nStride = 0; ///< bytes from one point to the next
+    };
+
+    /// As Read, but leaves the points as they are. They stay until the next operation.
+    StoredT ReadStored();
+
+    /// Where in a stored point the element of this kind lies, whose values count.
+    std::size_t GetOffsetOf(SIO::PointDataKindT eKind) const;
+
     /// Goes back to the first point.
     void Rewind();
 

@@ -4,7 +4,6 @@
 // Values and the encodings of the elements that they are part of.
 #include "Tools/Qsb/Tool_ScanValue.h"
 
-#include "Sio/SIO_QsbPointDefinition.h"
 #include "Tools/Qsb/Tool_Encodings.h"
 
 #include <utility>
@@ -34,6 +33,26 @@ std::pair<SIO::PointDataKindT, std::uint32_t> ElementOf(const ScanFormatC& forma
 }
 
 } // namespace
+
+SIO::PointDataKindT KindOf(ScanValueT eValue)
+{
+    return ElementOf({}, eValue).first;
+}
+
+std::size_t IndexInElement(ScanValueT eValue)
+{
+    switch (eValue) {
+    case ScanValueT::Y:
+    case ScanValueT::Green:
+    case ScanValueT::Column:
+        return 1;
+    case ScanValueT::Z:
+    case ScanValueT::Blue:
+        return 2;
+    default:
+        return 0;
+    }
+}
 
 bool IsStored(const ScanFormatC& format, ScanValueT eValue)
 {

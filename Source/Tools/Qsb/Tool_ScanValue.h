@@ -5,6 +5,7 @@
 // scan file knows elements of several numbers. Their order is the order in which columns are written.
 #pragma once
 
+#include "Sio/SIO_QsbPointDefinition.h"
 #include "Tools/Qsb/Tool_NumberType.h"
 #include "Tools/Qsb/Tool_ScanFormat.h"
 #include "Tools/Qsb/Tool_ScanPoint.h"
@@ -45,6 +46,12 @@ bool IsStored(const ScanFormatC& format, ScanValueT eValue);
 
 /// The type of number that a stored value is.
 NumberTypeT StoredTypeOf(const ScanFormatC& format, ScanValueT eValue);
+
+/// The kind of the element that the value is part of.
+SIO::PointDataKindT KindOf(ScanValueT eValue);
+
+/// Which of its element's numbers the value is.
+std::size_t IndexInElement(ScanValueT eValue);
 
 /// The value in a point.
 inline double& ValueIn(ScanPointC& point, ScanValueT eValue) noexcept

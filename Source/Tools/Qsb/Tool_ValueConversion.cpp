@@ -4,11 +4,26 @@
 // The conversion of a value, and the way back by which it is judged.
 #include "Tools/Qsb/Tool_ValueConversion.h"
 
+#include "Sio/Sio_LittleEndian.h"
+
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 
 namespace Tool {
+
+namespace {
+
+template<typename T>
+std::uint64_t CountNotFinite(const char* pFirst, std::size_t nStride, std::size_t nCount) noexcept
+{
+    std::uint64_t ullCount = 0;
+    for (std::size_t i = 0; i < nCount; ++i)
+        ullCount += std::isfinite(SIO::LoadLittleEndian<T>(pFirst + i * nStride)) ? 0 : 1;
+    return ullCount;
+}
+
+} // namespace
 
 ValueConversionC::ValueConversionC(NumberTypeT eSource, NumberTypeT eStored, double dMultiplier,
                                    double dDivisor)
@@ -28,6 +43,12 @@ void ValueConversionC::Convert(std::vector<double>& values)
         Compare(dValue, dStored);
         dValue = dStored;
     }
+}
+
+void ValueConversionC::NoteKept(const char* pFirst, std::size_t nStride, std::size_t nCount) noexcept
+{
+    if (m_eSource == NumberTypeT::Float) m_ullNotFinite += CountNotFinite<float>(pFirst, nStride, nCount);
+    if (m_eSource == NumberTypeT::Double) m_ullNotFinite += CountNotFinite<double>(pFirst, nStride, nCount);
 }
 
 double ValueConversionC::Stored(double dScaled) const noexcept

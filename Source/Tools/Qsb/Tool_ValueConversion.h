@@ -24,6 +24,13 @@ public:
     /// Replaces values by what is to be stored.
     void Convert(std::vector<double>& values);
 
+    /// Whether what is to be stored are the same numbers in the same type.
+    bool KeepsBytes() const noexcept { return m_bExact && m_eSource == m_eStored; }
+
+    /// Takes note of little-endian numbers that are kept as they are: the first one, and how far apart they
+    /// are.
+    void NoteKept(const char* pFirst, std::size_t nStride, std::size_t nCount) noexcept;
+
     NumberTypeT GetStoredType() const noexcept { return m_eStored; }
     std::uint64_t GetChanged() const noexcept { return m_ullChanged; }
 

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// Threads cannot be cancelled here.
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
+
+namespace BSS::HAL {
+
+NoCancellation::NoCancellation() noexcept : m_before(0) {}
+
+NoCancellation::~NoCancellation()
+{
+    static_cast<void>(m_before);
+}
+
+} // namespace BSS::HAL
