@@ -58,6 +58,7 @@ bool PulseWaitEvent(WaitHandleT handle) noexcept;
 /// Waits for it that are still going on fail as one for a closed handle does.
 bool CloseWaitHandle(WaitHandleT handle) noexcept;
 
+/// On Linux also whether the descriptor behind it is open.
 bool IsWaitHandleOpen(WaitHandleT handle) noexcept;
 
 struct WaitAnswerT
