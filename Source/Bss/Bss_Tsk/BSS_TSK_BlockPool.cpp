@@ -4,12 +4,14 @@
 // See the header.
 #include "Bss/Bss_Tsk/BSS_TSK_BlockPool.h"
 
-#include "Bss/Bss_Hal/BSS_HAL_StaticLock.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <new>
+#include <thread>
 #include <utility>
 
 namespace BSS::TSK {
@@ -18,6 +20,29 @@ namespace {
 
 constexpr std::uint32_t CHAIN = 32;
 constexpr std::uint32_t MOST_KEPT = 2 * CHAIN;
+
+// For the few steps of giving or taking a chain. There before any code has run and after all destructors
+// have.
+class SpinLockC
+{
+public:
+    void lock() noexcept
+    {
+        for (int round = 0; m_held.test_and_set(std::memory_order_acquire); ++round) {
+            if (round < ROUNDS) {
+                HAL::SpinPause();
+            } else {
+                std::this_thread::yield(); // its owner does not run
+            }
+        }
+    }
+    void unlock() noexcept { m_held.clear(std::memory_order_release); }
+
+private:
+    static constexpr int ROUNDS = 100;
+
+    std::atomic_flag m_held;
+};
 
 struct BlockT
 {
@@ -38,7 +63,7 @@ public:
 
     void Give(BlockT* chain) noexcept
     {
-        const std::lock_guard<HAL::StaticLockC> guard(m_lock);
+        const std::lock_guard<SpinLockC> guard(m_lock);
         chain->nextChain = m_first;
         m_first = chain;
     }
@@ -46,7 +71,7 @@ public:
     /// A chain of blocks. Throws std::bad_alloc.
     BlockT* Take()
     {
-        const std::lock_guard<HAL::StaticLockC> guard(m_lock);
+        const std::lock_guard<SpinLockC> guard(m_lock);
         if (m_first != nullptr) return std::exchange(m_first, m_first->nextChain);
         auto* const slab = static_cast<SlabT*>(::operator new(sizeof(SlabT), ALIGNMENT));
         slab->next = m_slabs;
@@ -66,7 +91,7 @@ private:
         SlabT* next;
     };
 
-    HAL::StaticLockC m_lock;
+    SpinLockC m_lock;
     BlockT* m_first = nullptr;
     SlabT* m_slabs = nullptr;
 };

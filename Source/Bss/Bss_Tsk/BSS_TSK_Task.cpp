@@ -137,10 +137,10 @@ void TaskC::start()
         {
             if (opens == TaskRunT::Gate::Abandoned) run.stopped.store(true);
             run.gate.store(opens);
-            run.gate.notify_one();
+            run.gateMoved.set();
         }
     } gate{*run};
-    run->id.wait(0);
+    static_cast<void>(run->arrived.wait(-1));
     Log(getLogger(), DBG::LEVEL_INFO, "TaskC::start() Starting task: name='%s', handle=%08x\r\n", getName(),
         m_thread.thread->getNativeHandle());
     setPriority();
@@ -280,8 +280,8 @@ void TaskC::c_main(const std::shared_ptr<TaskRunT>& run, TaskC* self)
 {
     const std::uint32_t id = HAL::CurrentThreadId();
     run->id.store(id);
-    run->id.notify_one();
-    run->gate.wait(TaskRunT::Gate::Closed);
+    run->arrived.set();
+    static_cast<void>(run->gateMoved.wait(-1));
     if (run->gate.load() == TaskRunT::Gate::Abandoned) {
         run->markEnded();
         return;

@@ -6,6 +6,7 @@
 // thread: one that was ended by force never tells, so whoever ended it does. For BSS_TSK_Task.cpp only.
 #pragma once
 
+#include "Bss/Bss_Tsk/BSS_TSK_Event.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 
 #include <atomic>
@@ -53,11 +54,13 @@ struct TaskRunT
 
     const std::string name;
     const std::shared_ptr<DBG::DbgLogConsumerC> logger;
-    std::atomic<std::uint32_t> id{0};       ///< of the thread, 0 until it has arrived
-    std::atomic<Gate> gate{Gate::Closed};   ///< where the thread waits until start() has published it
-    std::atomic<Entry> entry{Entry::Ahead}; ///< changed once, by the thread or by the object's end
-    std::atomic<bool> stopped{false};       ///< set by the thread, or by whoever ended it by force
-    MutexC killLock;                        ///< one kill at a time
+    std::atomic<std::uint32_t> id{0}; ///< of the thread, 0 until it has arrived
+    EventC arrived{HAL::ResetMode::Manual};
+    std::atomic<Gate> gate{Gate::Closed};
+    EventC gateMoved{HAL::ResetMode::Manual}; ///< where the thread waits until start() has published it
+    std::atomic<Entry> entry{Entry::Ahead};   ///< changed once, by the thread or by the object's end
+    std::atomic<bool> stopped{false};         ///< set by the thread, or by whoever ended it by force
+    MutexC killLock;                          ///< one kill at a time
 
 private:
     boost::mutex m_mutex;

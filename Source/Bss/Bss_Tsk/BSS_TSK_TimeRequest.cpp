@@ -165,6 +165,7 @@ bool TimeRequestT::ArmAndKeep(std::uint32_t ofGeneration)
 {
     for (;;) {
         std::uint32_t nSeen = 0;
+        bool bStopped = false;
         {
             const GuardC guard(lock);
             nSeen = nClockChanges;
@@ -173,7 +174,7 @@ bool TimeRequestT::ArmAndKeep(std::uint32_t ofGeneration)
         if (id == 0) return false;
         {
             const GuardC guard(lock);
-            const bool bStopped = *generation != ofGeneration;
+            bStopped = *generation != ofGeneration;
             if (!bStopped && nClockChanges == nSeen) {
                 // It may have fired before this comes to keep the id; then there is nothing to keep, or it
                 // has a new one.
@@ -182,7 +183,7 @@ bool TimeRequestT::ArmAndKeep(std::uint32_t ofGeneration)
             }
         }
         // Nobody else knows of this timer. If it is not found it has fired, and has seen to what comes next.
-        if (engine.killTimer(id) != RC_OK) return true;
+        if (engine.killTimer(id) != RC_OK || bStopped) return true;
     }
 }
 

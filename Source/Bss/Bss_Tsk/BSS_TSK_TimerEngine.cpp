@@ -109,7 +109,12 @@ int TimerEngineC::start(std::uint32_t engineId)
         Finish();
     }
     const HAL::WaitHandleT event = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
-    if (event == HAL::NO_WAIT_HANDLE) return 0;
+    const HAL::WaitHandleT arrived = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
+    if (event == HAL::NO_WAIT_HANDLE || arrived == HAL::NO_WAIT_HANDLE) {
+        HAL::CloseWaitHandle(event);
+        HAL::CloseWaitHandle(arrived);
+        return 0;
+    }
     {
         const GuardC timers(m_timerLock);
         m_engineId = engineId & 15;
@@ -121,13 +126,15 @@ int TimerEngineC::start(std::uint32_t engineId)
     m_threadId.store(0);
     try {
         if (HAL::TakeFault(HAL::FaultT::Thread)) throw boost::thread_resource_error();
-        m_hTimerThread = std::make_unique<boost::thread>([this, event] { Run(event); });
+        m_hTimerThread = std::make_unique<boost::thread>([this, event, arrived] { Run(event, arrived); });
     } catch (const boost::thread_resource_error&) {
         HAL::CloseWaitHandle(event);
+        HAL::CloseWaitHandle(arrived);
         m_bRunning.store(false);
         return 0;
     }
-    m_threadId.wait(0);
+    HAL::WaitForOne(arrived, HAL::WAIT_WITHOUT_LIMIT);
+    HAL::CloseWaitHandle(arrived);
     Report(HAL::ApplyThreadPriority(m_threadId.load(), HAL::PRIORITY_TIME_CRITICAL), "0", LINE_PRIORITY);
     m_bStarted.store(true);
     const GuardC timers(m_timerLock);
@@ -340,10 +347,10 @@ std::uint32_t TimerEngineC::DrawId()
     }
 }
 
-void TimerEngineC::Run(HAL::WaitHandleT event)
+void TimerEngineC::Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived)
 {
     m_threadId.store(HAL::CurrentThreadId());
-    m_threadId.notify_one();
+    HAL::SetWaitEvent(arrived);
     HAL::SetCurrentThreadName("TimerEngine");
     HAL::AskForExactWaits();
     try {

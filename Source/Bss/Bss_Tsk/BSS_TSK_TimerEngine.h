@@ -10,8 +10,10 @@
 // When kill returns, the timer's callback is not running any more, unless it is the one that kills. What a
 // callback throws is logged and goes no further.
 //
-// A computer that has been asleep fires all that has fallen due meanwhile, each periodic timer as often as it
-// missed. When told so, the engine waits for the event of BSS_TSK_WakeUp.h before it sets or fires anything.
+// Where the clock goes on while a computer is asleep, as on Windows, all that has fallen due meanwhile fires
+// when it wakes, each periodic timer as often as it missed. On Linux the clock stands still meanwhile, so
+// nothing is missed and everything is later by the sleep. When told so, the engine waits for the event of
+// BSS_TSK_WakeUp.h before it sets or fires anything.
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
@@ -135,7 +137,7 @@ private:
     TimerRecordT& TakeRecord();
     void ReleaseRecord(TimerRecordT& timer);
     std::uint32_t DrawId();
-    void Run(HAL::WaitHandleT event);
+    void Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived);
     bool ProcessTimer(HAL::WaitHandleT event);
     void Notify(const TimerRecordT& timer);
     void Settle(TimerRecordT& timer);

@@ -109,6 +109,20 @@ TEST_F(TaskTest, ThreadThatCannotBeMadeIsAnExceptionAndTheNextStartWorks)
     EXPECT_TRUE(ran.load());
 }
 
+TEST_F(TaskTest, EventsThatCannotBeMadeAreAnExceptionAndTheNextStartWorks)
+{
+    std::atomic<bool> ran{false};
+    WorkTaskC task(Settings(), [&] { ran = true; });
+    for (const std::uint32_t nth : {1u, 2u}) {
+        BSS::HAL::OrderFault(BSS::HAL::FaultT::Event, nth);
+        EXPECT_THROW(task.start(), BSS::SysServiceErrorC);
+        EXPECT_FALSE(task.isRunning());
+    }
+    task.start();
+    EXPECT_TRUE(task.waitForStop(-1));
+    EXPECT_TRUE(ran.load());
+}
+
 TEST_F(TaskTest, TheStackIsAsLargeAsTheOptionSays)
 {
     TskMgr::instance().setTaskOptions(OPTION, {0, 8u << 20});
@@ -412,6 +426,27 @@ TEST_F(TaskTest, StartedStoppedAndWaitedForFromManyThreadsItEndsInOrder)
         one.join();
         two.join();
         ASSERT_FALSE(task.isRunning());
+    }
+    EXPECT_TRUE(reports.Reports().empty());
+}
+
+TEST_F(TaskTest, AskedStoppedKilledAndWaitedForFromManyThreadsAtOnceItEnds)
+{
+    WorkTaskC task(Settings(), &UntilInterrupted);
+    for (int round = 0; round < 50; ++round) {
+        task.start();
+        std::thread waiting([&] { EXPECT_TRUE(task.waitForStop(-1)); });
+        std::thread asking([&] {
+            while (task.isRunning() && task.getTaskId() != 0)
+                std::this_thread::yield();
+        });
+        std::thread killing([&] { task.kill(); });
+        task.stop();
+        EXPECT_TRUE(task.waitForStop(20000));
+        waiting.join();
+        asking.join();
+        killing.join();
+        ASSERT_EQ(task.getTaskId(), 0u);
     }
     EXPECT_TRUE(reports.Reports().empty());
 }

@@ -14,6 +14,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <sys/resource.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace BSS::TSK;
@@ -137,6 +138,103 @@ void KillACommandTask(TaskSettingsT settings)
 TEST_F(TaskForceTest, ACommandTaskThatWasEndedByForceServesAgainAfterAStart)
 {
     EXPECT_EXIT(KillACommandTask(Settings("commands")), testing::ExitedWithCode(0), "");
+}
+
+// Others wait for the task without limit while it is ended.
+void KillATaskThatIsWaitedFor(TaskSettingsT settings)
+{
+    std::atomic<bool> entered{false};
+    WorkTaskC task(std::move(settings), [&] {
+        entered = true;
+        for (;;) {
+        }
+    });
+    task.start();
+    CHILD_EXPECT(Support::Eventually([&] { return entered.load(); }));
+    std::atomic<int> over{0};
+    std::thread first([&] { over += task.waitForStop(-1) ? 1 : 0; });
+    std::thread second([&] { over += task.waitForStop(20000) ? 1 : 0; });
+    task.kill();
+    first.join();
+    second.join();
+    CHILD_EXPECT(over.load() == 2);
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, WhoeverWaitsForATaskThatIsEndedByForceIsLetGo)
+{
+    EXPECT_EXIT(KillATaskThatIsWaitedFor(Settings("waited for")), testing::ExitedWithCode(0), "");
+}
+
+class SpinningHookC final : public CommandTaskC
+{
+public:
+    explicit SpinningHookC(TaskSettingsT settings) : CommandTaskC(std::move(settings), 10)
+    {
+        setWaitTimeout(1);
+    }
+    std::atomic<bool> spins{true};
+    std::atomic<int> entered{0};
+
+protected:
+    void onTimeout() override
+    {
+        ++entered;
+        while (spins.load()) {
+        }
+    }
+};
+
+void KillInsideTheTimeoutHook(const TaskSettingsT& settings)
+{
+    {
+        SpinningHookC task(settings);
+        task.start();
+        CHILD_EXPECT(Support::Eventually([&] { return task.entered.load() == 1; }));
+        task.kill();
+        task.spins = false;
+        task.start();
+        CHILD_EXPECT(Support::Eventually([&] { return task.entered.load() > 2; }));
+        task.stop();
+        CHILD_EXPECT(task.waitForStop(20000));
+    }
+    {
+        SpinningHookC task(settings);
+        task.start();
+        CHILD_EXPECT(Support::Eventually([&] { return task.entered.load() == 1; }));
+        task.kill();
+    }
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, ACommandTaskThatWasEndedInsideItsHookRunsAgainAndCanBeDestroyed)
+{
+    EXPECT_EXIT(KillInsideTheTimeoutHook(Settings("hook")), testing::ExitedWithCode(0), "");
+}
+
+// A handler runs for ever and another thread waits in detachEvent for it.
+void KillInsideAHandlerThatIsBeingDetached(TaskSettingsT settings)
+{
+    CommandTaskC task(std::move(settings), 10);
+    EventC event;
+    std::atomic<bool> entered{false};
+    task.start();
+    task.attachEvent(event.getHandle(), [&](BSS::HAL::WaitHandleT) {
+        entered = true;
+        for (;;) {
+        }
+    });
+    event.set();
+    CHILD_EXPECT(Support::Eventually([&] { return entered.load(); }));
+    std::thread detaching([&] { CHILD_EXPECT(task.detachEvent(event.getHandle()) == BSS::RC_OK); });
+    task.kill();
+    detaching.join();
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, WhoeverWaitsForAHandlerThatIsEndedByForceIsLetGo)
+{
+    EXPECT_EXIT(KillInsideAHandlerThatIsBeingDetached(Settings("handler")), testing::ExitedWithCode(0), "");
 }
 
 void GiveUpPermissions()
