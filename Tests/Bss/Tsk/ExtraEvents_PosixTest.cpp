@@ -19,12 +19,19 @@ TEST_F(ExtraDescriptorsTest, ADescriptorThatIsClosedUnderItsHandleIsReportedOnce
     int ends[2] = {-1, -1};
     ASSERT_EQ(::pipe(ends), 0);
     const WaitHandleT handle = MakeNativeWaitable(ends[0]);
+    std::atomic<int> calls{0};
     Make(10);
     task->start();
-    EXPECT_EQ(task->attachEvent(handle, [](WaitHandleT) {}), BSS::RC_OK);
-    // The task has the descriptor in its list.
-    ASSERT_TRUE(
-        Support::Eventually([&] { return log->Has("3 [BSS::TSK::CommandTaskC] reload event list\n"); }));
+    EXPECT_EQ(task->attachEvent(handle,
+                                [&](WaitHandleT) {
+                                    char byte = 0;
+                                    EXPECT_EQ(::read(ends[0], &byte, 1), 1);
+                                    ++calls;
+                                }),
+              BSS::RC_OK);
+    // The task serves the descriptor, and has taken note of everything that came before.
+    EXPECT_EQ(::write(ends[1], "x", 1), 1);
+    ASSERT_TRUE(Support::Eventually([&] { return calls.load() == 1; }));
     ::close(ends[0]);
     std::string expected;
     for (int i = 0; i < ROUNDS; ++i) {
