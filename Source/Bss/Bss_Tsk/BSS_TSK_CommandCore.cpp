@@ -70,6 +70,7 @@ void CommandCoreC::LogLevel(std::uint32_t count, std::uint32_t before) const
 
 ResultCodeT CommandCoreC::RefuseFull()
 {
+    if (onRefused) onRefused();
     bOverflow.store(true);
     // Wakes a loop that has drained the queue already and would otherwise wait without limit, with nobody
     // able to post any more.

@@ -97,6 +97,7 @@ public:
     std::function<void()> timeoutHook;    ///< set before the first start
     std::atomic<bool> bObjectGone{false}; ///< the hook must not be called any more
     WaitFunctionT wait = &HAL::WaitForAny;
+    std::function<void()> onRefused; ///< for tests: between the refusal of a message and the overflow flag
 
 private:
     using HandlesT = std::vector<HAL::WaitHandleT>;

@@ -439,6 +439,30 @@ TEST_F(CommandTaskTest, AnOverflowThatIsSetAfterTheQueueHasDrainedStillEnds)
     EXPECT_TRUE(Support::Eventually([&] { return !task->isInOverflow(); }));
 }
 
+TEST_F(CommandTaskTest, AnOverflowWhoseQueueDrainsBeforeItIsSetStillEnds)
+{
+    Make(1);
+    task->start();
+    Hold();
+    EXPECT_EQ(task->postCommand(Named("a")), BSS::RC_OK);
+    task->getCore().onRefused = [&] { DrainAndSleep("a"); };
+    EXPECT_EQ(task->postCommand(Named("b")), BSS::RC_FAILED);
+    EXPECT_TRUE(Support::Eventually([&] { return !task->isInOverflow(); }));
+    EXPECT_EQ(Order(), "a");
+}
+
+TEST_F(CommandTaskTest, AStopThatIsRefusedWhileTheLoopDrainsItsLastMessageStillEndsIt)
+{
+    Make(1);
+    task->start();
+    Hold();
+    EXPECT_EQ(task->postCommand(Named("a")), BSS::RC_OK);
+    task->getCore().onRefused = [&] { DrainAndSleep("a"); };
+    task->stop();
+    EXPECT_TRUE(task->waitForStop(20000));
+    EXPECT_EQ(Order(), "a");
+}
+
 TEST_F(CommandTaskTest, AnOwnOverflowTextReplacesTheUsualOneInTheNotification)
 {
     CountingObserverC observer;
