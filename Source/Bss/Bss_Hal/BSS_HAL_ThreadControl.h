@@ -8,8 +8,9 @@
 // destructor and no thread-local cleanup runs, its stack stays allocated, and every lock that it holds stays
 // locked for ever, those of the C library's heap included. On Windows the system ends the thread; on Linux a
 // signal handler does, so a thread that blocks that signal, or sleeps in the kernel where no signal reaches
-// it, goes on. The waits of this platform layer alone are made for it: a thread is never ended while it holds
-// their lock, and one that waited takes no signal away from others.
+// it, goes on. The waits of this platform layer alone are made for it: on Linux a thread is never ended while
+// it holds their lock, and one that is ended asleep in a wait hands the signal on that had just woken it. A
+// signal that a wait has returned with is the thread's own and goes with it.
 #pragma once
 
 #include <cstdint>
@@ -26,8 +27,22 @@ bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept;
 /// The calling thread may be ended by force from now on.
 void AllowForcedEnd() noexcept;
 
+/// The calling thread is about to end and will not be ended by force any more. Nothing on Windows.
+void ForbidForcedEnd() noexcept;
+
+/// Puts off the forced end of the calling thread while it is in the middle of what other threads depend on;
+/// one that was to be ended meanwhile ends when its last shield goes. On Linux only: Windows has no means to.
+class EndShieldC
+{
+public:
+    EndShieldC() noexcept;
+    ~EndShieldC();
+    EndShieldC(const EndShieldC&) = delete;
+    EndShieldC& operator=(const EndShieldC&) = delete;
+};
+
 /// Ends a thread of this process. On Linux the exit code goes nowhere. False when there is no such thread, or
-/// when it has not ended within a second.
+/// when it has not ended within a second; on Linux it then goes on and will not end later because of this.
 bool EndThreadByForce(std::uint32_t threadId, std::uint32_t exitCode) noexcept;
 
 /// Lets the calling thread's waits end as exactly as the system can; Linux otherwise takes up to 50

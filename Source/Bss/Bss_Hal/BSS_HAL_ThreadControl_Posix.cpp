@@ -6,9 +6,9 @@
 // noexcept function ends the whole process.
 #include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 
-#include "Bss/Bss_Hal/BSS_HAL_EndShield_Posix.h"
 #include "Bss/Bss_Hal/BSS_HAL_StaticLock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_WaitSlot_Posix.h"
 
 #include <atomic>
 #include <cerrno>
@@ -30,12 +30,16 @@ constinit thread_local volatile int t_shields = 0;
 constinit thread_local volatile bool t_endPending = false;
 
 constinit StaticLockC s_endLock; // one forced end at a time
+constexpr std::uint32_t END_BEGUN =
+    0xFFFFFFFF; // no thread's number: the thread is ending, nobody can call it back
 constinit std::atomic<std::uint32_t> s_threadToEnd{0};
 
-[[noreturn]] void EndThisThread() noexcept
+// Returns if whoever wanted the end has given up by now.
+void EndThisThread() noexcept
 {
+    std::uint32_t self = CurrentThreadId();
+    if (!s_threadToEnd.compare_exchange_strong(self, END_BEGUN)) return;
     AbandonWait();
-    s_threadToEnd.store(0);
     for (;;)
         ::syscall(SYS_exit, 0);
 }
@@ -102,7 +106,9 @@ EndShieldC::EndShieldC() noexcept
 EndShieldC::~EndShieldC()
 {
     t_shields = t_shields - 1;
-    if (t_shields == 0 && t_endPending) EndThisThread();
+    if (t_shields != 0 || !t_endPending) return;
+    t_endPending = false;
+    EndThisThread();
 }
 
 bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept
@@ -131,6 +137,11 @@ void AllowForcedEnd() noexcept
     ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
 }
 
+void ForbidForcedEnd() noexcept
+{
+    t_shields = t_shields + 1; // for good
+}
+
 bool EndThreadByForce(std::uint32_t threadId, std::uint32_t) noexcept
 {
     constexpr int ROUNDS = 10000; // of 100 microseconds
@@ -142,7 +153,10 @@ bool EndThreadByForce(std::uint32_t threadId, std::uint32_t) noexcept
     for (int round = 0; sent && IsAlive(threadId); ++round) {
         const timespec pause = {0, 100000};
         ::nanosleep(&pause, nullptr);
-        sent = round < ROUNDS;
+        if (round < ROUNDS) continue;
+        // Either the thread goes on for good, or it has begun to end and will be gone in a moment.
+        std::uint32_t wanted = threadId;
+        sent = !s_threadToEnd.compare_exchange_strong(wanted, 0);
     }
     s_threadToEnd.store(0);
     return sent;

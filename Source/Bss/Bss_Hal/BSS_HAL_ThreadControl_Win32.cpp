@@ -19,6 +19,12 @@ bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept
 
 void AllowForcedEnd() noexcept {}
 
+void ForbidForcedEnd() noexcept {}
+
+EndShieldC::EndShieldC() noexcept = default;
+
+EndShieldC::~EndShieldC() = default;
+
 bool EndThreadByForce(std::uint32_t threadId, std::uint32_t exitCode) noexcept
 {
     constexpr DWORD LIMIT_MS = 1000;

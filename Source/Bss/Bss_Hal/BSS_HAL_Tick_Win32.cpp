@@ -43,7 +43,7 @@ std::uint64_t TickCount64() noexcept
     static const TickFunctionT function = LookUp();
     if (function != nullptr) return function();
     const std::lock_guard<StaticLockC> guard(s_lock);
-    s_extended += GetTickCount() - static_cast<std::uint32_t>(s_extended);
+    s_extended = ExtendTick(s_extended, GetTickCount());
     return s_extended;
 }
 

@@ -58,6 +58,8 @@ struct WaiterT
     // Guarded by the lock until the word says RELEASED.
     WaitAnswerT answer;
     std::size_t count = 0;
+    bool bHandOn = false; ///< the answer is a signal that another thread must get if this one comes to an end
+    const WaitHandleT* handles = nullptr;
     std::array<WaitSlotT*, MAX_WAIT_HANDLES> slots;
     std::array<WaitNodeT, MAX_WAIT_HANDLES> nodes;
 };
@@ -83,5 +85,10 @@ bool TakeSignal(WaitSlotT& slot, WaitHandleT handle) noexcept;
 // Under the lock.
 void EnterList(WaiterT& waiter, std::size_t index) noexcept;
 void LeaveLists(WaiterT& waiter) noexcept;
+
+/// Takes the calling thread, which is about to be ended, out of every list of waiting threads, and hands on
+/// the signal that it has been released with and not returned. Called inside a signal handler; the thread
+/// holds no shield and not the lock.
+void AbandonWait() noexcept;
 
 } // namespace BSS::HAL

@@ -2,9 +2,10 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Events and the one wait that everything above is made of: for any of up to 62 handles, with a time limit.
-// A handle that is closed is known to be closed, whoever closed it, and never stands for another object. Set,
-// reset, pulse and wait are safe from any thread and never an interruption point; a signal is never lost:
-// what one thread did before it set an event is visible to the thread whose wait or reset takes that signal.
+// On Linux a handle that is closed is known to be closed, whoever closed it, and never stands for another
+// object; on Windows the system may give its number to the next object that is made. Set, reset, pulse and
+// wait are safe from any thread and never an interruption point; a signal is never lost: what one thread did
+// before it set an event is visible to the thread whose wait or reset takes that signal.
 #pragma once
 
 #include "Bss/Bss_Hal/BSS_HAL_Handle.h"
@@ -58,6 +59,7 @@ bool PulseWaitEvent(WaitHandleT handle) noexcept;
 /// Waits for it that are still going on fail as one for a closed handle does.
 bool CloseWaitHandle(WaitHandleT handle) noexcept;
 
+/// On Linux also whether the descriptor behind it is open.
 bool IsWaitHandleOpen(WaitHandleT handle) noexcept;
 
 struct WaitAnswerT

@@ -7,18 +7,20 @@
 // their handles is a descriptor, in poll with one more descriptor that wakes them.
 #include "Bss/Bss_Hal/BSS_HAL_Waitable.h"
 
-#include "Bss/Bss_Hal/BSS_HAL_EndShield_Posix.h"
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 #include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Hal/BSS_HAL_WaitSlot_Posix.h"
 
 #include <cerrno>
 #include <ctime>
+#include <fcntl.h>
 #include <linux/futex.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace BSS::HAL {
 
@@ -65,7 +67,8 @@ class WakeDescriptorC
 public:
     ~WakeDescriptorC()
     {
-        if (m_descriptor >= 0) ::close(m_descriptor);
+        // Forgotten: the thread's later cleanup may wait too, and the number may be somebody else's by then.
+        if (m_descriptor >= 0) ::close(std::exchange(m_descriptor, -1));
     }
     int Get() noexcept
     {
@@ -135,6 +138,7 @@ enum class SetKindT
 // Setting or pulsing an event that threads may wait for.
 bool SetWaited(WaitSlotT& slot, WaitHandleT handle, SetKindT kind) noexcept
 {
+    const EndShieldC shield; // a thread that is out of the list has yet to be woken
     std::atomic<std::uint32_t>* word = nullptr;
     {
         const WaitGuardC guard;
@@ -148,7 +152,10 @@ bool SetWaited(WaitSlotT& slot, WaitHandleT handle, SetKindT kind) noexcept
             slot.word.fetch_or(SLOT_SIGNALLED);
         }
         if (waited && manual) ReleaseAll(slot, KindT::Signalled, 0);
-        if (waited && !manual) word = ReleaseFirst(slot, KindT::Signalled, 0);
+        if (waited && !manual) {
+            slot.first->waiter->bHandOn = kind == SetKindT::Set;
+            word = ReleaseFirst(slot, KindT::Signalled, 0);
+        }
     }
     Wake(word);
     return true;
@@ -160,7 +167,9 @@ class WaitC
 public:
     WaitC(const WaitHandleT* handles, std::size_t count, std::int64_t deadlineNs) noexcept
         : m_handles(handles), m_count(count), m_deadlineNs(deadlineNs)
-    {}
+    {
+        m_waiter.handles = handles;
+    }
 
     WaitAnswerT Run() noexcept
     {
@@ -231,6 +240,7 @@ private:
     {
         const WaitGuardC guard;
         m_waiter.word.store(WaiterT::WAITING);
+        m_waiter.bHandOn = false;
         for (std::size_t i = 0; i < m_count; ++i) {
             WaitSlotT& slot = *m_waiter.slots[i];
             const std::uint64_t word = slot.word.fetch_or(SLOT_WAITED);
@@ -372,8 +382,13 @@ bool CloseWaitHandle(WaitHandleT handle) noexcept
 
 bool IsWaitHandleOpen(WaitHandleT handle) noexcept
 {
-    const WaitSlotT* const slot = SlotOf(handle);
-    return slot != nullptr && IsSlotOf(slot->word.load(), handle);
+    WaitSlotT* const slot = SlotOf(handle);
+    if (slot == nullptr) return false;
+    const WaitGuardC guard; // the slot's descriptor belongs to the word
+    const std::uint64_t word = slot->word.load();
+    if (!IsSlotOf(word, handle)) return false;
+    // A descriptor may have been closed under its handle.
+    return (word & SLOT_DESCRIPTOR) == 0 || ::fcntl(slot->descriptor, F_GETFD) >= 0;
 }
 
 WaitAnswerT WaitForAny(const WaitHandleT* handles, std::size_t count, std::uint32_t limitMs) noexcept
@@ -394,10 +409,12 @@ WaitAnswerT WaitForAnyUntil(const WaitHandleT* handles, std::size_t count, std::
 void AbandonWait() noexcept
 {
     if (t_waiter == nullptr) return;
+    WaiterT& waiter = *std::exchange(t_waiter, nullptr);
     WaitLock().lock();
-    LeaveLists(*t_waiter);
+    LeaveLists(waiter);
+    const bool bHandOn = waiter.bHandOn;
     WaitLock().unlock();
-    t_waiter = nullptr;
+    if (bHandOn) SetWaitEvent(waiter.handles[waiter.answer.index]);
 }
 
 } // namespace BSS::HAL

@@ -85,10 +85,15 @@ WaitAnswerT WaitForAny(const WaitHandleT* handles, std::size_t count, std::uint3
 
 WaitAnswerT WaitForAnyUntil(const WaitHandleT* handles, std::size_t count, std::uint64_t dueTick) noexcept
 {
-    const std::uint64_t now = TickCount64();
-    const std::uint64_t left = dueTick > now ? dueTick - now : 0;
-    return WaitForAny(handles, count,
-                      static_cast<std::uint32_t>(std::min<std::uint64_t>(left, WAIT_WITHOUT_LIMIT - 1)));
+    // A wait may end before the clock has come so far, and takes no more than 49.7 days.
+    for (;;) {
+        const std::uint64_t now = TickCount64();
+        const std::uint64_t left = dueTick > now ? dueTick - now : 0;
+        const WaitAnswerT answer =
+            WaitForAny(handles, count,
+                       static_cast<std::uint32_t>(std::min<std::uint64_t>(left, WAIT_WITHOUT_LIMIT - 1)));
+        if (answer.kind != WaitAnswerT::Kind::TimedOut || TickCount64() >= dueTick) return answer;
+    }
 }
 
 } // namespace BSS::HAL

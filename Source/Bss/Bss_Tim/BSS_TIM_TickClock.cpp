@@ -35,7 +35,7 @@ TickSourceI::~TickSourceI() = default;
 std::uint64_t TickClockC::now()
 {
     const TSK::GuardC guard(m_lock);
-    m_tick += m_source.getTick() - static_cast<std::uint32_t>(m_tick);
+    m_tick = HAL::ExtendTick(m_tick, m_source.getTick());
     return m_tick;
 }
 

@@ -51,24 +51,13 @@ struct BlockT
 };
 
 // The chains that no thread keeps. Blocks are made in slabs of one chain, so that those which are used one
-// after the other lie beside each other. The slabs are freed with the library if all their blocks have come
-// back.
+// after the other lie beside each other. The slabs are kept for good: threads that were let go may give
+// blocks back until the very end.
 template<std::size_t BYTES>
 class StoreC
 {
 public:
     constexpr StoreC() = default;
-    ~StoreC()
-    {
-        std::size_t nBack = 0;
-        for (const BlockT* chain = m_first; chain != nullptr; chain = chain->nextChain) {
-            for (const BlockT* block = chain; block != nullptr; block = block->next)
-                ++nBack;
-        }
-        if (nBack != m_nSlabs * CHAIN) return;
-        while (m_slabs != nullptr)
-            ::operator delete(std::exchange(m_slabs, m_slabs->next), ALIGNMENT);
-    }
     StoreC(const StoreC&) = delete;
     StoreC& operator=(const StoreC&) = delete;
 
@@ -87,7 +76,6 @@ public:
         auto* const slab = static_cast<SlabT*>(::operator new(sizeof(SlabT), ALIGNMENT));
         slab->next = m_slabs;
         m_slabs = slab;
-        ++m_nSlabs;
         for (std::size_t i = 0; i < CHAIN; ++i)
             new (slab->bytes + i * BYTES) BlockT{
                 i + 1 < CHAIN ? reinterpret_cast<BlockT*>(slab->bytes + (i + 1) * BYTES) : nullptr, nullptr};
@@ -106,7 +94,6 @@ private:
     SpinLockC m_lock;
     BlockT* m_first = nullptr;
     SlabT* m_slabs = nullptr;
-    std::size_t m_nSlabs = 0;
 };
 
 enum class Life : std::uint8_t

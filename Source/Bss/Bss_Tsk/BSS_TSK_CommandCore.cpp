@@ -5,6 +5,7 @@
 #include "Bss/Bss_Tsk/BSS_TSK_CommandCore.h"
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandLog.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
 #include "Bss/Bss_Tsk/BSS_TSK_StopRequest.h"
@@ -69,6 +70,7 @@ void CommandCoreC::LogLevel(std::uint32_t count, std::uint32_t before) const
 
 ResultCodeT CommandCoreC::RefuseFull()
 {
+    if (onRefused) onRefused();
     bOverflow.store(true);
     // Wakes a loop that has drained the queue already and would otherwise wait without limit, with nobody
     // able to post any more.
@@ -103,11 +105,10 @@ ResultCodeT CommandCoreC::Attach(HAL::WaitHandleT handle, ExtraEventHandlerT han
 {
     auto shared = std::make_shared<const ExtraEventHandlerT>(std::move(handler));
     {
-        CommandRunSideT& own = *side.load();
-        const GuardC guard(own.tableLock);
-        const auto found = own.table.find(handle);
-        if (found == own.table.end() && own.table.size() >= MAX_EXTRA_EVENTS) return RC_FAILED;
-        own.table.insert_or_assign(handle, std::move(shared));
+        const GuardC guard(tableLock);
+        const auto found = table.find(handle);
+        if (found == table.end() && table.size() >= MAX_EXTRA_EVENTS) return RC_FAILED;
+        table.insert_or_assign(handle, std::move(shared));
     }
     reloadEvent.set();
     return RC_OK;
@@ -116,20 +117,23 @@ ResultCodeT CommandCoreC::Attach(HAL::WaitHandleT handle, ExtraEventHandlerT han
 ResultCodeT CommandCoreC::Detach(HAL::WaitHandleT handle)
 {
     {
-        CommandRunSideT& own = *side.load();
-        const GuardC guard(own.tableLock);
-        if (own.table.erase(handle) == 0) return RC_NOT_FOUND;
+        const GuardC guard(tableLock);
+        if (table.erase(handle) == 0) return RC_NOT_FOUND;
     }
     reloadEvent.set();
+    // The handler may be running at this moment.
+    CommandRunSideT& own = *side.load();
+    if (own.handlerThread.load() == HAL::CurrentThreadId()) return RC_OK;
+    const GuardC guard(own.handlerGate);
     return RC_OK;
 }
 
-// The old side is kept for ever: its locks may be held by nobody. Its messages are lost, and counted as gone.
+// The old side is kept for ever: its locks may be held by nobody. Its messages are lost, and counted as gone;
+// a thread that was ended between taking a message and counting it leaves one too many in the count.
 void CommandCoreC::AbandonRunSide()
 {
     auto* const fresh = new CommandRunSideT;
     CommandRunSideT* const old = side.load();
-    fresh->table = old->table;
     std::uint32_t lost = 0;
     for (const TakenMsgsT::ListT* list : {&old->taken.high, &old->taken.normal}) {
         for (const MsgNodeT* node = list->first; node != nullptr; node = node->next)
@@ -137,6 +141,9 @@ void CommandCoreC::AbandonRunSide()
     }
     queue.forget(lost);
     side.store(fresh);
+    // Whoever waits for what the thread was in need not wait any more. One post too many does no harm.
+    old->handlerGate.post();
+    old->hookGate.post();
 }
 
 } // namespace BSS::TSK

@@ -12,6 +12,7 @@
 #include "Bss/Bss_Tsk/BSS_TSK_Event.h"
 #include "Bss/Bss_Tsk/BSS_TSK_MsgQueue.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
+#include "Bss/Bss_Tsk/BSS_TSK_Semaphore.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TaskStatistics.h"
 #include "Bss/Bss_Uti/BSS_UTI_Subject.h"
 
@@ -28,15 +29,17 @@ class DbgLogConsumerC;
 
 namespace BSS::TSK {
 
-/// The lock and lists that the task's thread holds and changes. A thread that is ended by force may leave
-/// them locked or half changed; the next one gets new ones, and these are abandoned.
+/// The locks and lists that the task's thread holds and changes. A thread that is ended by force may leave
+/// them locked or half changed; the next one gets new ones, and these are abandoned. What others wait for is
+/// a semaphore: it has no owner, so that whoever ended the thread can give it back.
 struct CommandRunSideT
 {
     MutexC queueLock;
     TakenMsgsT taken;
-    MsgPtrT current; ///< the message that is being executed
-    MutexC tableLock;
-    std::map<HAL::WaitHandleT, std::shared_ptr<const ExtraEventHandlerT>> table; ///< of extra events
+    MsgPtrT current;                             ///< the message that is being executed
+    SemaphoreC handlerGate{1};                   ///< taken while an event handler runs
+    std::atomic<std::uint32_t> handlerThread{0}; ///< on which one runs
+    SemaphoreC hookGate{1};                      ///< taken while the time-out hook runs
 };
 
 class CommandCoreC
@@ -89,9 +92,12 @@ public:
     MutexC settingsLock; ///< guards the two below
     std::wstring overflowText;
     std::shared_ptr<UTI::SubjectC> timeoutSubject;
-    MutexC hookLock;
-    std::function<void()> timeoutHook; ///< empty once the object is gone; guarded by the lock above
+    MutexC tableLock; ///< guards the table; held briefly, by the task's thread behind a shield
+    std::map<HAL::WaitHandleT, std::shared_ptr<const ExtraEventHandlerT>> table; ///< of extra events
+    std::function<void()> timeoutHook;    ///< set before the first start
+    std::atomic<bool> bObjectGone{false}; ///< the hook must not be called any more
     WaitFunctionT wait = &HAL::WaitForAny;
+    std::function<void()> onRefused; ///< for tests: between the refusal of a message and the overflow flag
 
 private:
     using HandlesT = std::vector<HAL::WaitHandleT>;

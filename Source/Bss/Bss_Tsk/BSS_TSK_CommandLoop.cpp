@@ -5,6 +5,7 @@
 // kill, and boost::thread_interrupted.
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 #include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandCore.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandLog.h"
@@ -35,6 +36,42 @@ constexpr std::size_t QUEUE_EVENT = 0;
 constexpr std::size_t RELOAD_EVENT = 1;
 
 using KindT = HAL::WaitAnswerT::Kind;
+
+// The time in which an event handler runs, for those who detach it and wait.
+class HandlerTurnC
+{
+public:
+    explicit HandlerTurnC(CommandRunSideT& own) : m_own(own)
+    {
+        const HAL::EndShieldC shield;
+        m_own.handlerGate.lock();
+        m_own.handlerThread.store(HAL::CurrentThreadId());
+    }
+    ~HandlerTurnC()
+    {
+        const HAL::EndShieldC shield;
+        m_own.handlerThread.store(0);
+        m_own.handlerGate.unlock();
+    }
+    HandlerTurnC(const HandlerTurnC&) = delete;
+    HandlerTurnC& operator=(const HandlerTurnC&) = delete;
+
+private:
+    CommandRunSideT& m_own;
+};
+
+// Lets go of the message however its execution ends.
+class CurrentMsgC
+{
+public:
+    explicit CurrentMsgC(MsgPtrT& current) noexcept : m_current(current) {}
+    ~CurrentMsgC() { m_current = nullptr; }
+    CurrentMsgC(const CurrentMsgC&) = delete;
+    CurrentMsgC& operator=(const CurrentMsgC&) = delete;
+
+private:
+    MsgPtrT& m_current;
+};
 
 } // namespace
 
@@ -81,9 +118,9 @@ void CommandCoreC::Loop()
 CommandCoreC::HandlesT CommandCoreC::BuildWaitList()
 {
     HandlesT handles = {queueEvent.getHandle(), reloadEvent.getHandle()};
-    CommandRunSideT& own = *side.load();
-    const GuardC guard(own.tableLock);
-    for (const auto& [handle, handler] : own.table)
+    const HAL::EndShieldC shield;
+    const GuardC guard(tableLock);
+    for (const auto& [handle, handler] : table)
         if (HAL::IsWaitHandleOpen(handle)) handles.push_back(handle);
     return handles;
 }
@@ -115,8 +152,8 @@ void CommandCoreC::ServeTimeout(bool& bLeave)
         if (bStopRequested.load()) bLeave = true;
     }
     Guarded("the time-out hook", [this] {
-        const GuardC guard(hookLock);
-        if (timeoutHook) timeoutHook();
+        const GuardC guard(side.load()->hookGate);
+        if (timeoutHook && !bObjectGone.load()) timeoutHook();
     });
     std::shared_ptr<UTI::SubjectC> subject;
     {
@@ -145,11 +182,15 @@ void CommandCoreC::ServeFailure(std::uint32_t error, HandlesT& handles)
 void CommandCoreC::ServeExtraEvent(HAL::WaitHandleT handle)
 {
     Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] handle extra event\n");
-    CommandRunSideT& own = *side.load();
-    const GuardC guard(own.tableLock);
-    const auto found = own.table.find(handle);
-    if (found == own.table.end()) return;
-    const std::shared_ptr<const ExtraEventHandlerT> handler = found->second; // it may detach itself
+    const HandlerTurnC turn(*side.load()); // before the look: whoever detaches it afterwards waits
+    std::shared_ptr<const ExtraEventHandlerT> handler; // a share, as it may detach itself
+    {
+        const HAL::EndShieldC shield;
+        const GuardC guard(tableLock);
+        const auto found = table.find(handle);
+        if (found != table.end()) handler = found->second;
+    }
+    if (!handler) return;
     Guarded("an event handler", [&] { (*handler)(handle); });
 }
 
@@ -185,6 +226,7 @@ bool CommandCoreC::ExecuteMessages()
             if (nExecuted == 0 || !MoreComes()) return false;
             continue;
         }
+        const CurrentMsgC current(own.current);
         ++nExecuted;
         if (bStopRequested.load(std::memory_order_relaxed) && lastStopPost.load() != RC_OK)
             lastStopPost.store(PostStopRequest());
@@ -202,7 +244,6 @@ bool CommandCoreC::ExecuteMessages()
         } else {
             Execute(message);
         }
-        own.current = nullptr;
     }
     return true;
 }

@@ -19,6 +19,8 @@ namespace {
 
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_CommandTask)";
 
+constexpr int HOOK_LIMIT_MS = 42; // as long as a kill waits
+
 bool ReadAssertOnOverflow()
 {
     std::uint32_t value = 0;
@@ -42,11 +44,11 @@ CommandTaskC::CommandTaskC(TaskSettingsT settings, std::uint32_t maxMsgCount)
 
 CommandTaskC::~CommandTaskC()
 {
-    {
-        const GuardC guard(m_core->hookLock);
-        m_core->timeoutHook = nullptr;
-    }
+    m_core->bObjectGone.store(true);
     if (!isRunning()) return;
+    // The hook may be running. One that does not come back runs on, as any task that was not stopped.
+    SemaphoreC& hookGate = m_core->side.load()->hookGate;
+    if (getCurrent() != this && hookGate.lock(HOOK_LIMIT_MS)) hookGate.unlock();
     // The loop leaves on its own from here on. The thread must have its share before the object's goes.
     m_core->bKilled.store(true);
     m_core->reloadEvent.set();
@@ -87,7 +89,7 @@ void CommandTaskC::kill()
 {
     m_core->bKilled.store(true);
     m_core->reloadEvent.set();
-    if (killThread()) m_core->AbandonRunSide();
+    killThread([this] { m_core->AbandonRunSide(); });
 }
 
 void CommandTaskC::main()

@@ -4,6 +4,7 @@
 // See the header.
 #include "Bss/Bss_Tsk/BSS_TSK_MsgQueue.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 #include "Bss/Bss_Tsk/BSS_TSK_BlockPool.h"
 
 #include <algorithm>
@@ -142,6 +143,7 @@ void MsgQueueC::drop(TakenMsgsT& taken) noexcept
 
 void MsgQueueC::Collect(TakenMsgsT& taken) noexcept
 {
+    const HAL::EndShieldC shield; // what is neither in the stack nor taken would stay counted for ever
     struct ChainT
     {
         MsgNodeT* first = nullptr;

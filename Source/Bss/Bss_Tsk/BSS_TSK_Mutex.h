@@ -5,7 +5,9 @@
 // threads wait. An uncontended lock is one exchange on that word; a thread that has to wait spins briefly and
 // then sleeps on an event that is made when it is first needed. Unfair: whoever comes first when the mutex is
 // released takes it. Not an interruption point. Any thread may lock it; it may be destroyed as soon as nobody
-// holds or awaits it, even if the thread that released it last is still on its way out of unlock().
+// holds or awaits it, even if the thread that released it last is still on its way out of unlock(). A thread
+// that is ended by force inside lock() or unlock() may leave it locked for ever, and undestroyable, as one
+// that is ended while it holds it does.
 #pragma once
 
 #include "Bss/Bss_Hal/BSS_HAL_ThreadIdCache.h"

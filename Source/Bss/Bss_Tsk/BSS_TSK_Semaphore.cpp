@@ -10,7 +10,7 @@
 
 #include <algorithm>
 #include <boost/chrono/duration.hpp>
-#include <boost/thread/exceptions.hpp>
+#include <boost/system/system_error.hpp>
 #include <boost/thread/thread_only.hpp>
 
 namespace BSS::TSK {
@@ -62,7 +62,8 @@ try {
     const boost::this_thread::disable_interruption undisturbed;
     boost::unique_lock<boost::mutex> guard(m_mutex);
     const CountedC counted(m_nWaiting);
-    while (!tryLock()) {
+    // Sequentially consistent after the count of waiters, as unlock is with the two the other way round.
+    while (!Take(m_count.load())) {
         if (deadlineUs == SEMAPHORE_NO_DEADLINE) {
             m_posted.wait(guard);
             continue;
@@ -72,7 +73,8 @@ try {
         m_posted.wait_for(guard, boost::chrono::microseconds(std::min(left, LONGEST_SLEEP_US)));
     }
     return true;
-} catch (const boost::thread_exception&) {
+} catch (const boost::system::system_error&) {
+    // What every failure of Boost's mutexes and condition variables is.
     throw ERR::ErrorBaseC("waiting for a semaphore failed", RC_SERVICE_FAILED);
 }
 

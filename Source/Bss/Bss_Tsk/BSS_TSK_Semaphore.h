@@ -57,21 +57,22 @@ public:
     /// lock() does.
     [[nodiscard]] bool lock(int timeoutMs) override;
 
-    [[nodiscard]] bool tryLock() override
-    {
-        std::uint32_t count = m_count.load(std::memory_order_relaxed);
-        while (count != 0) {
-            // Acquire pairs with the increment in unlock.
-            if (m_count.compare_exchange_weak(count, count - 1)) return true;
-        }
-        return false;
-    }
+    [[nodiscard]] bool tryLock() override { return Take(m_count.load(std::memory_order_relaxed)); }
 
     void wait() { lock(); }
     [[nodiscard]] bool wait(int timeoutMs) { return lock(timeoutMs); }
     void post() { unlock(); }
 
 private:
+    // `count` is what was last seen.
+    bool Take(std::uint32_t count) noexcept
+    {
+        while (count != 0) {
+            // Acquire pairs with the increment in unlock.
+            if (m_count.compare_exchange_weak(count, count - 1)) return true;
+        }
+        return false;
+    }
     void WaitOrThrow();
     void WakeOne();
     bool WaitUntil(std::int64_t deadlineUs);

@@ -15,13 +15,12 @@
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TaskRun.h"
+#include "Bss/Bss_Tsk/BSS_TSK_TaskThread.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TskMgr.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
-#include <boost/chrono/duration.hpp>
 #include <boost/thread/thread_only.hpp>
 #include <boost/thread/tss.hpp>
-#include <cstring>
 #include <exception>
 #include <functional>
 #include <utility>
@@ -51,15 +50,6 @@ boost::thread_specific_ptr<TaskC>& CurrentTask()
     return *current;
 }
 
-// The low 32 bits of whatever the system calls a thread.
-std::uint32_t NativeHandle(boost::thread& thread)
-{
-    const auto native = thread.native_handle();
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &native, sizeof native < sizeof bits ? sizeof native : sizeof bits);
-    return static_cast<std::uint32_t>(bits);
-}
-
 template<typename... Arguments>
 void Log(DBG::DbgLogConsumerC* logger, int level, const char* format, const Arguments&... arguments)
 {
@@ -73,13 +63,6 @@ void Trace(const wchar_t* format, const TaskRunT& run, std::uint32_t id)
     TskMgr::instance().getTrace().add(HAL::Utf8FromWide(line));
 }
 
-// Whether the thread has ended. Of several threads that join at once one is told that there is nothing to
-// join any more; the thread has ended then too.
-bool JoinFor(boost::thread& thread, int timeoutMs)
-{
-    return thread.try_join_for(boost::chrono::milliseconds(timeoutMs)) || !thread.joinable();
-}
-
 boost::thread MakeThread(std::uint32_t stackSizeBytes, const std::function<void()>& entry)
 {
     boost::thread::attributes attributes;
@@ -90,14 +73,9 @@ boost::thread MakeThread(std::uint32_t stackSizeBytes, const std::function<void(
 
 } // namespace
 
-bool TaskC::ThreadT::isJoinable() const
-{
-    return thread && thread->joinable();
-}
-
 bool TaskC::ThreadT::isRunning() const
 {
-    return isJoinable() && !run->stopped.load();
+    return run && !run->stopped.load();
 }
 
 TaskC::TaskC(TaskSettingsT settings) : m_settings(std::move(settings)) {}
@@ -106,10 +84,13 @@ TaskC::~TaskC()
 {
     const boost::this_thread::disable_interruption undisturbed;
     const ThreadT thread = Thread();
-    if (!thread.isJoinable()) return;
-    if (thread.isRunning() && thread.run->id.load() != HAL::CurrentThreadId()) {
+    if (!thread.run) return;
+    TaskRunT::Entry ahead = TaskRunT::Entry::Ahead;
+    thread.run->entry.compare_exchange_strong(ahead, TaskRunT::Entry::Barred);
+    const bool bOwnThread = thread.run->isOwnThread();
+    if (thread.isRunning() && !bOwnThread) {
         LogWait(thread.run->id.load(), 0);
-        if (JoinFor(*thread.thread, 0)) return;
+        static_cast<void>(thread.run->awaitEnd(0));
     }
     if (thread.isRunning()) {
         Log(getLogger(), DBG::LEVEL_ERROR, "Task (name='%s', id=%08x) not stopped before destructor call\r\n",
@@ -118,8 +99,11 @@ TaskC::~TaskC()
                    static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(this)), 0, BSS_SOURCE_NAME,
                    LINE_DESTRUCTOR);
         thread.thread->detach();
+    } else if (bOwnThread) {
+        thread.thread->detach();
     } else {
-        thread.thread->join(); // it has its last lines to write
+        thread.run->awaitEnd(-1); // it has its last lines to write
+        thread.thread->join();
     }
 }
 
@@ -128,12 +112,17 @@ void TaskC::start()
     const GuardC guard(m_lock);
     setState(ComponentState::Started);
     if (m_thread.isRunning()) throw SysServiceErrorC("the task is running already", RC_SERVICE_FAILED);
-    if (m_thread.isJoinable()) m_thread.thread->join();
+    if (m_thread.run) {
+        if (m_thread.run->isOwnThread())
+            throw SysServiceErrorC("the task is still about to end", RC_SERVICE_FAILED);
+        m_thread.run->awaitEnd(-1);
+        m_thread.thread->join();
+    }
     const auto run = std::make_shared<TaskRunT>(getName(), m_settings.logger);
     const std::uint32_t stackSize = TskMgr::instance().getStackSize(m_settings.stackOption);
     try {
         m_thread.thread =
-            std::make_shared<boost::thread>(MakeThread(stackSize, [run, this] { c_main(run, this); }));
+            std::make_shared<TaskThreadC>(MakeThread(stackSize, [run, this] { c_main(run, this); }));
     } catch (const boost::thread_resource_error&) {
         m_thread = {};
         throw SysServiceErrorC("no thread for the task", RC_SERVICE_FAILED);
@@ -153,7 +142,7 @@ void TaskC::start()
     } gate{*run};
     static_cast<void>(run->arrived.wait(-1));
     Log(getLogger(), DBG::LEVEL_INFO, "TaskC::start() Starting task: name='%s', handle=%08x\r\n", getName(),
-        NativeHandle(*m_thread.thread));
+        m_thread.thread->getNativeHandle());
     setPriority();
     gate.opens = TaskRunT::Gate::Open;
 }
@@ -181,18 +170,20 @@ void TaskC::logStop() const
 bool TaskC::waitForStop(int timeoutMs)
 {
     const ThreadT thread = Thread();
-    if (!thread.isJoinable()) return true;
-    if (!thread.isRunning()) {
-        thread.thread->join(); // it has its last lines to write
+    if (!thread.run) return true;
+    const bool bOwnThread = thread.run->isOwnThread();
+    if (!thread.isRunning() && !bOwnThread) {
+        thread.run->awaitEnd(-1); // it has its last lines to write
+        thread.thread->join();
         return true;
     }
     LogWait(thread.run->id.load(), timeoutMs);
-    if (thread.run->id.load() == HAL::CurrentThreadId()) {
+    if (bOwnThread) {
         throw boost::thread_resource_error(
             static_cast<int>(boost::system::errc::resource_deadlock_would_occur),
             "boost thread: trying joining itself");
     }
-    if (timeoutMs >= 0) return JoinFor(*thread.thread, timeoutMs);
+    if (!thread.run->awaitEnd(timeoutMs)) return false;
     thread.thread->join();
     return true;
 }
@@ -202,31 +193,41 @@ void TaskC::kill()
     killThread();
 }
 
-bool TaskC::killThread()
+void TaskC::killThread(const std::function<void()>& whenForced)
 {
-    bool bForced = false;
     const boost::this_thread::disable_interruption undisturbed;
     const ThreadT thread = Thread();
-    if (thread.isJoinable()) {
-        const std::uint32_t id = thread.run->id.load();
-        Log(getLogger(), DBG::LEVEL_ERROR, "TaskC::kill() name='%s', id=%08x\r\n", getName(), id);
-        if (m_settings.assertOnKill) BSS_ASSERT_AT(!"Task killed!", LINE_KILLED);
-        thread.thread->interrupt();
-        if (!JoinFor(*thread.thread, FRIENDLY_KILL_MS)) {
-            Log(getLogger(), DBG::LEVEL_ERROR,
-                "TaskC::friendly kill failed! No interruption point found in task name='%s', id=%08x\r\n",
-                getName(), id);
-            if (!HAL::EndThreadByForce(id, KILLED_EXIT_CODE)) {
-                Log(getLogger(), DBG::LEVEL_ERROR,
-                    "TaskC::kill() the system did not end task name='%s', id=%08x\r\n", getName(), id);
-            }
-            thread.run->stopped.store(true);
-            thread.thread->detach();
-            bForced = true;
-        }
-    }
+    if (thread.run) KillRun(thread, whenForced);
     setState(ComponentState::Stopped);
-    return bForced;
+}
+
+void TaskC::KillRun(const ThreadT& thread, const std::function<void()>& whenForced)
+{
+    TaskRunT& run = *thread.run;
+    const GuardC guard(run.killLock);
+    if (!thread.thread->isJoinable()) return;
+    const std::uint32_t id = run.id.load();
+    Log(getLogger(), DBG::LEVEL_ERROR, "TaskC::kill() name='%s', id=%08x\r\n", getName(), id);
+    if (m_settings.assertOnKill) BSS_ASSERT_AT(!"Task killed!", LINE_KILLED);
+    thread.thread->interrupt();
+    bool bForced = false;
+    if (!run.awaitEnd(FRIENDLY_KILL_MS)) {
+        Log(getLogger(), DBG::LEVEL_ERROR,
+            "TaskC::friendly kill failed! No interruption point found in task name='%s', id=%08x\r\n",
+            getName(), id);
+        bForced = HAL::EndThreadByForce(id, KILLED_EXIT_CODE);
+    }
+    if (run.isEnded()) {
+        thread.thread->join(); // after all by itself
+    } else if (bForced) {
+        if (whenForced) whenForced();
+        thread.thread->detach();
+        run.stopped.store(true);
+        run.markEnded();
+    } else {
+        Log(getLogger(), DBG::LEVEL_ERROR, "TaskC::kill() the system did not end task name='%s', id=%08x\r\n",
+            getName(), id);
+    }
 }
 
 const char* TaskC::getComponentName() const noexcept
@@ -281,7 +282,10 @@ void TaskC::c_main(const std::shared_ptr<TaskRunT>& run, TaskC* self)
     run->id.store(id);
     run->arrived.set();
     static_cast<void>(run->gateMoved.wait(-1));
-    if (run->gate.load() == TaskRunT::Gate::Abandoned) return;
+    if (run->gate.load() == TaskRunT::Gate::Abandoned) {
+        run->markEnded();
+        return;
+    }
     HAL::AllowForcedEnd();
     HAL::SetCurrentThreadName(run->name.c_str());
     TskMgr::instance().countStart();
@@ -296,10 +300,15 @@ void TaskC::c_main(const std::shared_ptr<TaskRunT>& run, TaskC* self)
     run->stopped.store(true);
     Log(logger, DBG::LEVEL_INFO, "TaskC::c_main() end: name='%s', id=0x%08x/%d\r\n", run->name, id, id);
     Trace(L"Stopped[0x%8.8x/%09d] %S\r\n", *run, id);
+    HAL::ForbidForcedEnd(); // whoever sees the end joins, which takes what Boost does after this
+    run->markEnded();
 }
 
-void TaskC::RunMain(const TaskRunT& run, TaskC& self)
+void TaskC::RunMain(TaskRunT& run, TaskC& self)
 {
+    TaskRunT::Entry ahead = TaskRunT::Entry::Ahead;
+    if (!run.entry.compare_exchange_strong(ahead, TaskRunT::Entry::Entered))
+        return; // there is no object any more
     try {
         self.main();
     } catch (const boost::thread_interrupted&) {

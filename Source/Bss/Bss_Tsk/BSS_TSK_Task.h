@@ -11,6 +11,11 @@
 // and let go, and that is safe only if its main() touches nothing but what it has a share in: the object is
 // gone while it runs on. What main() throws is logged and ends the task.
 //
+// Beware of an object that goes right after start(). If the thread has not entered main() by then it never
+// will. But if it is just entering, it may run into an object whose derived half has gone: start() does not
+// wait until main() has taken its share. A task that may be let go says so itself, and whoever owns it waits
+// for that.
+//
 // kill() ends a thread that reaches no interruption point within 42 ms by force, wherever it is. What that
 // leaves behind says BSS_HAL_ThreadControl.h: locks held for ever, memory lost, nothing unwound. It is a last
 // resort of a process that is about to end.
@@ -20,12 +25,9 @@
 #include "Bss/Bss_Tsk/BSS_TSK_SysComponent.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
-
-namespace boost {
-class thread;
-} // namespace boost
 
 namespace BSS::DBG {
 class DbgLogConsumerC;
@@ -34,6 +36,7 @@ class DbgLogConsumerC;
 namespace BSS::TSK {
 
 struct TaskRunT;
+class TaskThreadC;
 
 /// What a task is made of.
 struct TaskSettingsT
@@ -63,7 +66,8 @@ public:
     /// never was. Throws boost::thread_resource_error on the task's own thread. An interruption point.
     bool waitForStop(int timeoutMs) override;
 
-    /// Requests interruption, waits 42 ms for the end, and then ends the thread by force.
+    /// Requests interruption, waits 42 ms for the end, and then ends the thread by force. Where the system
+    /// does not end it the task goes on running, which is logged; the state is Stopped all the same.
     void kill() override;
 
     const char* getComponentName() const noexcept override;
@@ -93,27 +97,28 @@ protected:
     /// What stop() logs, for tasks that stop in another way.
     void logStop() const;
 
-    /// What kill() does. Whether the thread had to be ended by force.
-    bool killThread();
+    /// What kill() does. The action is called if the thread was ended by force, while the task still counts
+    /// as running, so that no start comes in between.
+    void killThread(const std::function<void()>& whenForced = {});
 
 private:
     /// What is known of the thread at one moment, both null when there is none.
     struct ThreadT
     {
-        std::shared_ptr<boost::thread> thread;
+        std::shared_ptr<TaskThreadC> thread;
         std::shared_ptr<TaskRunT> run;
 
-        bool isJoinable() const;
         bool isRunning() const;
     };
 
     static void c_main(const std::shared_ptr<TaskRunT>& run, TaskC* self);
-    static void RunMain(const TaskRunT& run, TaskC& self);
+    static void RunMain(TaskRunT& run, TaskC& self);
     ThreadT Thread() const;
+    void KillRun(const ThreadT& thread, const std::function<void()>& whenForced);
     void LogWait(std::uint32_t id, int timeoutMs) const;
 
     TaskSettingsT m_settings;
-    mutable MutexC m_lock; // guards the thread below, not the thread's work
+    mutable MutexC m_lock; // guards the two pointers below
     ThreadT m_thread;
 };
 

@@ -128,7 +128,7 @@ std::uint32_t TimeRequestT::DelayMs(std::uint64_t now) const
 std::uint32_t TimeRequestT::Arm(std::uint32_t ofGeneration)
 {
     std::uint32_t period = 1;
-    std::uint32_t delay = 0;
+    std::uint64_t dueTick = 0;
     std::uint16_t flags = Timer::TIMER_ONE_SHOT | Timer::TIMER_CALLBACK;
     {
         const GuardC guard(lock);
@@ -154,19 +154,37 @@ std::uint32_t TimeRequestT::Arm(std::uint32_t ofGeneration)
             BSS_ASSERT_AT(false, LINE_OTHER_TYPE);
             return 0;
         }
-        delay = DelayMs(engine.getClock().now());
+        // A time and not a delay: the engine looks at its clock later than this.
+        const std::uint64_t now = engine.getClock().now();
+        dueTick = now + DelayMs(now);
     }
-    return engine.setTimer(period, RESOLUTION_MS, &OnEngineTimer, cookie, flags, delay);
+    return engine.setTimerAt(period, RESOLUTION_MS, &OnEngineTimer, cookie, flags, dueTick);
 }
 
-// It may have fired before this comes to keep the id; then there is nothing to keep, or it has a new one.
 bool TimeRequestT::ArmAndKeep(std::uint32_t ofGeneration)
 {
-    const std::uint32_t id = Arm(ofGeneration);
-    if (id == 0) return false;
-    const GuardC guard(lock);
-    if (*generation == ofGeneration && type != TIME_UNKNOWN && timerId == 0) timerId = id;
-    return true;
+    for (;;) {
+        std::uint32_t nSeen = 0;
+        bool bStopped = false;
+        {
+            const GuardC guard(lock);
+            nSeen = nClockChanges;
+        }
+        const std::uint32_t id = Arm(ofGeneration);
+        if (id == 0) return false;
+        {
+            const GuardC guard(lock);
+            bStopped = *generation != ofGeneration;
+            if (!bStopped && nClockChanges == nSeen) {
+                // It may have fired before this comes to keep the id; then there is nothing to keep, or it
+                // has a new one.
+                if (type != TIME_UNKNOWN && timerId == 0) timerId = id;
+                return true;
+            }
+        }
+        // Nobody else knows of this timer. If it is not found it has fired, and has seen to what comes next.
+        if (engine.killTimer(id) != RC_OK || bStopped) return true;
+    }
 }
 
 // On the engine's thread, with the engine's lock held.

@@ -35,7 +35,8 @@ struct TimeRequestT
     /// free, or on the engine's thread. The timer's id, or 0.
     std::uint32_t Arm(std::uint32_t ofGeneration);
 
-    /// Arms and keeps the timer's id. With the lock free. False when the engine has no timer to give.
+    /// Arms and keeps the timer's id; does so again if the clock is set meanwhile. With the lock free. False
+    /// when the engine has no timer to give.
     bool ArmAndKeep(std::uint32_t ofGeneration);
 
     /// The engine's call.
@@ -66,8 +67,9 @@ struct TimeRequestT
     std::uint32_t cycleMs = 0;
     std::uint32_t offsetMs = 0;
     TIM::GpsTimeT target;
-    std::uint64_t lastTick = 0; ///< when it last fired
-    std::uint64_t slotTime = 0; ///< when it is to fire next, for relative requests too
+    std::uint32_t nClockChanges = 0; ///< that the request has been told of
+    std::uint64_t lastTick = 0;      ///< when it last fired
+    std::uint64_t slotTime = 0;      ///< when it is to fire next, for relative requests too
 
 private:
     std::uint32_t DelayMs(std::uint64_t now) const;

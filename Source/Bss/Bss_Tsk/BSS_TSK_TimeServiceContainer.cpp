@@ -11,8 +11,9 @@ namespace BSS::TSK {
 
 TimeServiceContainerC& TimeServiceContainerC::instance()
 {
-    static TimeServiceContainerC container;
-    return container;
+    // Never destroyed: timers may fire until the very end.
+    static auto* const container = new TimeServiceContainerC;
+    return *container;
 }
 
 void TimeServiceContainerC::attach(const std::shared_ptr<TimeRequestT>& request)

@@ -58,6 +58,7 @@ TimeServiceRequestC::TimeServiceRequestC()
 
 TimeServiceRequestC::~TimeServiceRequestC()
 {
+    m_request->clock.getSubject().detach(*this);
     detachAll();
     if (!isRunning()) return;
     BSS_ASSERT(!"Time service request not stopped before deleting the object!");
@@ -192,6 +193,8 @@ void TimeServiceRequestC::update(UTI::SubjectC&, std::uint32_t, const UTI::RefPt
     {
         const GuardC guard(m_request->lock);
         if (m_request->type != TIME_ONE_SHOT_ABSOLUTE) return;
+        ++m_request->nClockChanges;
+        if (m_request->timerId == 0) return; // whoever is arming it sees the change
         timerId = std::exchange(m_request->timerId, 0);
         generation = *m_request->generation;
     }

@@ -7,8 +7,9 @@
 // out.
 //
 // Cyclic requests fire at multiples of the cycle plus the offset on the tick clock. Slots that have passed
-// while the computer was asleep are left out too. Delays may be of any length: the request waits for long
-// ones in pieces of two hours, and looks again when its GPS clock has been set.
+// while the computer was asleep are left out too, where that clock counts the sleep. Delays may be of any
+// length: the request waits for long ones in pieces of two hours, and looks again when its GPS clock has been
+// set.
 //
 // A request belongs to one thread, which adds, stops and destroys it; its messages run on the client's. It
 // must be stopped before the client or the request goes. After stop() nothing that was posted before it is

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <boost/thread/thread_only.hpp>
 #include <exception>
+#include <utility>
 
 namespace BSS::TSK::Timer {
 
@@ -61,7 +62,12 @@ TimerEngineC::TimerEngineC(TIM::TickClockC& clock) : m_clock(clock) {}
 
 TimerEngineC::~TimerEngineC()
 {
-    if (isRunning()) {
+    bool bThread = false;
+    {
+        const GuardC guard(m_startLock);
+        bThread = m_hTimerThread != nullptr;
+    }
+    if (bThread) {
         Report(false, "m_hTimerEvent == 0 && m_hTimerThread == 0", __LINE__);
         stop(); // which reports what is left
     } else {
@@ -77,28 +83,42 @@ void TimerEngineC::ReportLeftOver()
     BSS_ASSERT(m_ulNbActiveTimers == 0);
 }
 
+// Under the timer lock.
+void TimerEngineC::Empty()
+{
+    m_wakeTime = TimerWheelC::NEVER;
+    m_ID2IdxMap.clear();
+    m_wheel.reset(m_clock.now());
+    m_ulNbActiveTimers = 0;
+    m_Timers.clear();
+    m_pFree = nullptr;
+    const GuardC guard(m_resolutionLock);
+    m_resolutionUses = {};
+    m_minResolution = RESOLUTION_NONE;
+}
+
 int TimerEngineC::start(std::uint32_t engineId)
 {
+    if (m_threadId.load() == HAL::CurrentThreadId()) return 1; // a callback, whose engine may be stopping
     const GuardC guard(m_startLock);
     Report(engineId < 16, "dwID <= (0xf0000000 >> 28)", LINE_ENGINE_ID);
-    if (m_hTimerThread) return 1;
-    m_hTimerEvent = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
-    m_hArrived = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
-    if (m_hTimerEvent == HAL::NO_WAIT_HANDLE || m_hArrived == HAL::NO_WAIT_HANDLE) {
-        CloseEvents();
+    if (m_bStarted.load()) return 1;
+    if (m_hTimerThread) {
+        // A callback has ended it.
+        ReportLeftOver();
+        Finish();
+    }
+    const HAL::WaitHandleT event = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
+    const HAL::WaitHandleT arrived = HAL::MakeWaitEvent(HAL::ResetMode::Auto, false);
+    if (event == HAL::NO_WAIT_HANDLE || arrived == HAL::NO_WAIT_HANDLE) {
+        HAL::CloseWaitHandle(event);
+        HAL::CloseWaitHandle(arrived);
         return 0;
     }
     {
         const GuardC timers(m_timerLock);
         m_engineId = engineId & 15;
-        m_resolutionUses = {};
-        m_minResolution = RESOLUTION_NONE;
-        m_wakeTime = TimerWheelC::NEVER;
-        m_ID2IdxMap.clear();
-        m_wheel.reset(m_clock.now());
-        m_ulNbActiveTimers = 0;
-        m_Timers.clear();
-        m_pFree = nullptr;
+        Empty();
         for (std::size_t i = 0; i < RESERVED_TIMERS; ++i)
             ReleaseRecord(m_Timers.emplace_back());
     }
@@ -106,14 +126,19 @@ int TimerEngineC::start(std::uint32_t engineId)
     m_threadId.store(0);
     try {
         if (HAL::TakeFault(HAL::FaultT::Thread)) throw boost::thread_resource_error();
-        m_hTimerThread = std::make_unique<boost::thread>([this] { Run(); });
+        m_hTimerThread = std::make_unique<boost::thread>([this, event, arrived] { Run(event, arrived); });
     } catch (const boost::thread_resource_error&) {
-        CloseEvents();
+        HAL::CloseWaitHandle(event);
+        HAL::CloseWaitHandle(arrived);
         m_bRunning.store(false);
         return 0;
     }
-    HAL::WaitForOne(m_hArrived, HAL::WAIT_WITHOUT_LIMIT);
+    HAL::WaitForOne(arrived, HAL::WAIT_WITHOUT_LIMIT);
+    HAL::CloseWaitHandle(arrived);
     Report(HAL::ApplyThreadPriority(m_threadId.load(), HAL::PRIORITY_TIME_CRITICAL), "0", LINE_PRIORITY);
+    m_bStarted.store(true);
+    const GuardC timers(m_timerLock);
+    m_hTimerEvent = event; // last: from here on timers can be set
     return 1;
 }
 
@@ -126,38 +151,48 @@ int TimerEngineC::stop()
     const GuardC guard(m_startLock);
     if (!m_hTimerThread) return 1;
     ReportLeftOver();
-    m_bRunning.store(false);
-    HAL::SetWaitEvent(m_hTimerEvent);
-    const boost::this_thread::disable_interruption undisturbed;
-    m_hTimerThread->join();
-    m_hTimerThread.reset();
-    CloseEvents();
-    const GuardC timers(m_timerLock);
-    m_threadId.store(0);
-    // Whatever was left has been told of and is gone.
-    m_wheel.reset(0);
-    m_ID2IdxMap.clear();
-    m_ulNbActiveTimers = 0;
+    Finish();
     return 1;
 }
 
-void TimerEngineC::CloseEvents()
+// Under the start lock. Callbacks never take that one, so the thread comes to its end.
+void TimerEngineC::Finish()
 {
-    const GuardC guard(m_timerLock);
-    for (HAL::WaitHandleT* const handle : {&m_hTimerEvent, &m_hArrived}) {
-        HAL::CloseWaitHandle(*handle);
-        *handle = HAL::NO_WAIT_HANDLE;
+    HAL::WaitHandleT event = HAL::NO_WAIT_HANDLE;
+    m_bRunning.store(false);
+    {
+        // Not while a timer is being set: the event is closed below.
+        const GuardC timers(m_timerLock);
+        event = std::exchange(m_hTimerEvent, HAL::NO_WAIT_HANDLE);
     }
-}
-
-bool TimerEngineC::isRunning() const
-{
-    const GuardC guard(m_startLock);
-    return m_hTimerThread != nullptr;
+    HAL::SetWaitEvent(event);
+    const boost::this_thread::disable_interruption undisturbed;
+    m_hTimerThread->join();
+    m_hTimerThread.reset();
+    HAL::CloseWaitHandle(event);
+    m_threadId.store(0);
+    m_bStarted.store(false);
+    // Whatever was left has been told of and is gone.
+    const GuardC timers(m_timerLock);
+    Empty();
 }
 
 std::uint32_t TimerEngineC::setTimer(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
                                      std::uint32_t user, std::uint16_t flags, std::uint32_t firstDelayMs)
+{
+    return CheckAndAdd(periodMs, resolutionMs, target, user, flags, {firstDelayMs, false});
+}
+
+std::uint32_t TimerEngineC::setTimerAt(std::uint32_t periodMs, std::uint32_t resolutionMs,
+                                       TimerTargetT target, std::uint32_t user, std::uint16_t flags,
+                                       std::uint64_t firstDueTick)
+{
+    return CheckAndAdd(periodMs, resolutionMs, target, user, flags, {firstDueTick, true});
+}
+
+std::uint32_t TimerEngineC::CheckAndAdd(std::uint32_t periodMs, std::uint32_t resolutionMs,
+                                        TimerTargetT target, std::uint32_t user, std::uint16_t flags,
+                                        FirstT first)
 {
     if ((flags & ~FLAGS_ALLOWED) != 0) {
         Report(false, "false", LINE_FLAGS);
@@ -171,9 +206,9 @@ std::uint32_t TimerEngineC::setTimer(std::uint32_t periodMs, std::uint32_t resol
         Report(false, "false", LINE_NO_PERIOD);
         return 0;
     }
-    if (firstDelayMs > TIMER_LONGEST_MS && firstDelayMs != TIMER_FIRST_AFTER_PERIOD) {
+    if (!first.bTick && first.value > TIMER_LONGEST_MS && first.value != TIMER_FIRST_AFTER_PERIOD) {
         Report(false, "false", LINE_FIRST_DELAY);
-        firstDelayMs = TIMER_LONGEST_MS;
+        first.value = TIMER_LONGEST_MS;
     }
     resolutionMs = std::clamp(resolutionMs, 1u, RESOLUTION_NONE);
     // The order of these two is as intended: it may end up above the period.
@@ -181,19 +216,19 @@ std::uint32_t TimerEngineC::setTimer(std::uint32_t periodMs, std::uint32_t resol
     std::uint32_t dwTimerId = 0;
     {
         const HAL::PriorityBoostC boost;
-        dwTimerId = Add(periodMs, resolutionMs, target, user, flags, firstDelayMs);
+        dwTimerId = Add(periodMs, resolutionMs, target, user, flags, first);
     }
     Report((dwTimerId & ~0xf0000000) != 0, "dwTimerId & (~0xf0000000)", LINE_NO_ID);
     return dwTimerId;
 }
 
 std::uint32_t TimerEngineC::Add(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
-                                std::uint32_t user, std::uint16_t flags, std::uint32_t firstDelayMs)
+                                std::uint32_t user, std::uint16_t flags, FirstT first)
 {
     if (!UseResolution(resolutionMs)) return 0;
     AwaitWakeUp();
     const GuardC guard(m_timerLock);
-    if (m_hTimerEvent == HAL::NO_WAIT_HANDLE) {
+    if (m_hTimerEvent == HAL::NO_WAIT_HANDLE || !m_bRunning.load()) {
         ReleaseResolution(resolutionMs);
         return 0;
     }
@@ -213,7 +248,7 @@ std::uint32_t TimerEngineC::Add(std::uint32_t periodMs, std::uint32_t resolution
     timer->user = user;
     timer->flags = flags;
     timer->bActive = true;
-    timer->dueTime = m_clock.now() + (firstDelayMs == TIMER_FIRST_AFTER_PERIOD ? periodMs : firstDelayMs);
+    timer->dueTime = DueTime(periodMs, first);
     ++m_ulNbActiveTimers;
     m_wheel.insert(*timer);
     if (timer->dueTime < m_wakeTime) {
@@ -221,6 +256,13 @@ std::uint32_t TimerEngineC::Add(std::uint32_t periodMs, std::uint32_t resolution
         HAL::SetWaitEvent(m_hTimerEvent);
     }
     return timer->uId;
+}
+
+std::uint64_t TimerEngineC::DueTime(std::uint32_t periodMs, FirstT first)
+{
+    const std::uint64_t now = m_clock.now();
+    if (first.bTick) return std::min(first.value, now + TIMER_LONGEST_MS);
+    return now + (first.value == TIMER_FIRST_AFTER_PERIOD ? periodMs : first.value);
 }
 
 ResultCodeT TimerEngineC::killTimer(std::uint32_t timerId)
@@ -272,6 +314,8 @@ void TimerEngineC::ReleaseResolution(std::uint32_t resolutionMs)
 {
     if (resolutionMs > RESOLUTIONS) return;
     const GuardC guard(m_resolutionLock);
+    // A timer that was being set while the engine was started again has lost its use.
+    if (m_resolutionUses[resolutionMs - 1] == 0) return;
     if (--m_resolutionUses[resolutionMs - 1] != 0 || m_minResolution != resolutionMs) return;
     while (m_minResolution < RESOLUTION_NONE && m_resolutionUses[m_minResolution - 1] == 0)
         ++m_minResolution;
@@ -303,16 +347,15 @@ std::uint32_t TimerEngineC::DrawId()
     }
 }
 
-void TimerEngineC::Run()
+void TimerEngineC::Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived)
 {
     m_threadId.store(HAL::CurrentThreadId());
-    HAL::SetWaitEvent(m_hArrived);
+    HAL::SetWaitEvent(arrived);
     HAL::SetCurrentThreadName("TimerEngine");
     HAL::AskForExactWaits();
-    const HAL::WaitHandleT event = m_hTimerEvent;
     try {
         while (m_bRunning.load()) {
-            while (m_bRunning.load() && ProcessTimer()) {
+            while (m_bRunning.load() && ProcessTimer(event)) {
             }
             std::uint64_t wakeTime = TimerWheelC::NEVER;
             {
@@ -329,38 +372,54 @@ void TimerEngineC::Run()
         }
     } catch (const boost::thread_interrupted&) {
         LogThrown("interrupted; the engine ends");
+        m_threadId.store(0); // the number may be another thread's soon
+        m_bRunning.store(false);
+        m_bStarted.store(false);
     }
 }
 
 // False when no timer is due.
-bool TimerEngineC::ProcessTimer()
+bool TimerEngineC::ProcessTimer(HAL::WaitHandleT event)
 {
-    AwaitWakeUp();
+    AwaitWakeUpOrStop(event);
     const GuardC guard(m_timerLock);
+    if (!m_bRunning.load()) return false;
     TimerRecordT* const timer = m_wheel.head(m_clock.now());
     if (timer == nullptr) return false;
     m_wheel.remove(*timer);
     m_pFiring = timer;
-    Notify(*timer);
-    m_pFiring = nullptr;
-    if (!timer->bActive) {
-        ReleaseRecord(*timer);
-        return true;
+    try {
+        Notify(*timer);
+    } catch (const boost::thread_interrupted&) {
+        Settle(*timer);
+        throw;
     }
-    if ((timer->flags & TIMER_PERIODIC) != 0) {
-        timer->dueTime += timer->period;
-        m_wheel.insert(*timer);
-        return true;
-    }
-    timer->bActive = false;
-    --m_ulNbActiveTimers;
-    TimerRecordT* const found = m_ID2IdxMap.find(timer->uId);
-    Report(found == nullptr || found == timer, "&m_Timers[ itID2Idx->second ] == lpTimer", LINE_OTHER_RECORD);
-    Report(found != nullptr, "!\"ProcessTimer: iterator not found.\"", LINE_NO_RECORD);
-    m_ID2IdxMap.erase(timer->uId);
-    ReleaseResolution(timer->resolution);
-    ReleaseRecord(*timer);
+    Settle(*timer);
     return true;
+}
+
+// What becomes of a timer that has been told of.
+void TimerEngineC::Settle(TimerRecordT& timer)
+{
+    m_pFiring = nullptr;
+    if (!timer.bActive) {
+        ReleaseRecord(timer);
+        return;
+    }
+    if ((timer.flags & TIMER_PERIODIC) != 0) {
+        timer.dueTime += timer.period;
+        m_wheel.insert(timer);
+        return;
+    }
+    timer.bActive = false;
+    --m_ulNbActiveTimers;
+    TimerRecordT* const found = m_ID2IdxMap.find(timer.uId);
+    Report(found == nullptr || found == &timer, "&m_Timers[ itID2Idx->second ] == lpTimer",
+           LINE_OTHER_RECORD);
+    Report(found != nullptr, "!\"ProcessTimer: iterator not found.\"", LINE_NO_RECORD);
+    m_ID2IdxMap.erase(timer.uId);
+    ReleaseResolution(timer.resolution);
+    ReleaseRecord(timer);
 }
 
 void TimerEngineC::Notify(const TimerRecordT& timer)
@@ -370,7 +429,6 @@ void TimerEngineC::Notify(const TimerRecordT& timer)
         try {
             reinterpret_cast<TimerCallbackT>(timer.target)(timer.uId, 0, timer.user, 0, 0);
         } catch (const boost::thread_interrupted&) {
-            m_pFiring = nullptr;
             throw;
         } catch (const std::exception& error) {
             LogThrown(error.what());
@@ -389,9 +447,27 @@ void TimerEngineC::Notify(const TimerRecordT& timer)
     }
 }
 
+void TimerEngineC::setWakeUpWait(bool bWait)
+{
+    if (bWait) static_cast<void>(GetWakeUpRequestedEvent()); // made here, where that may fail
+    m_bWakeUpWait.store(bWait);
+}
+
 void TimerEngineC::AwaitWakeUp() const
 {
     if (m_bWakeUpWait.load()) static_cast<void>(GetWakeUpRequestedEvent().wait(-1));
+}
+
+// On the engine's thread. The engine's own event says that it is stopping, or that there is a new first
+// timer, for which the thread looks anyway afterwards.
+void TimerEngineC::AwaitWakeUpOrStop(HAL::WaitHandleT event) const
+{
+    if (!m_bWakeUpWait.load()) return;
+    const HAL::WaitHandleT handles[] = {GetWakeUpRequestedEvent().getHandle(), event};
+    while (m_bRunning.load()) {
+        const HAL::WaitAnswerT answer = HAL::WaitForAny(handles, 2, HAL::WAIT_WITHOUT_LIMIT);
+        if (answer.kind != HAL::WaitAnswerT::Kind::Signalled || answer.index == 0) return;
+    }
 }
 
 } // namespace BSS::TSK::Timer

@@ -10,8 +10,10 @@
 // When kill returns, the timer's callback is not running any more, unless it is the one that kills. What a
 // callback throws is logged and goes no further.
 //
-// A computer that has been asleep fires all that has fallen due meanwhile, each periodic timer as often as it
-// missed. When told so, the engine waits for the event of BSS_TSK_WakeUp.h before it sets or fires anything.
+// Where the clock goes on while a computer is asleep, as on Windows, all that has fallen due meanwhile fires
+// when it wakes, each periodic timer as often as it missed. On Linux the clock stands still meanwhile, so
+// nothing is missed and everything is later by the sleep. When told so, the engine waits for the event of
+// BSS_TSK_WakeUp.h before it sets or fires anything.
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
@@ -73,13 +75,15 @@ public:
 
     /// `engineId` is 0 to 15 and becomes part of all ids. 1, also when the engine runs already; 0 when the
     /// system has no event or thread to give. A priority that the system refuses for the thread is reported
-    /// by an assertion.
+    /// by an assertion. An engine that a callback has ended by boost::thread_interrupted begins anew.
     int start(std::uint32_t engineId);
 
-    /// Ends the thread. Timers that are left are reported by an assertion and fire no more. 1; 0 for a
-    /// callback, which cannot stop its own engine.
+    /// Ends the thread, after the callback that is running. Timers that are left are reported by an assertion
+    /// and fire no more; none can be set from here on. 1; 0 for a callback, which cannot stop its own engine.
     int stop();
-    bool isRunning() const;
+
+    /// Until stop has ended the thread. False once a callback has ended it.
+    bool isRunning() const noexcept { return m_bStarted.load(); }
 
     /// The timer's id, or 0. Bad arguments are reported by assertions: flags outside 0x1F1 and a period of 0
     /// are refused, a period or first delay of more than two hours is two hours. A first delay of 0 fires at
@@ -89,6 +93,11 @@ public:
     std::uint32_t setTimer(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
                            std::uint32_t user, std::uint16_t flags, std::uint32_t firstDelayMs);
 
+    /// The same with the first firing at a time of the engine's clock instead of after a delay: at once if it
+    /// is past, two hours from now at the latest.
+    std::uint32_t setTimerAt(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
+                             std::uint32_t user, std::uint16_t flags, std::uint64_t firstDueTick);
+
     /// RC_OK; RC_NOT_FOUND for an id that is no timer's (any more).
     ResultCodeT killTimer(std::uint32_t timerId);
 
@@ -97,8 +106,9 @@ public:
     /// The smallest resolution that a timer has asked for; 55 without any.
     std::uint32_t getMinResolution() const;
 
-    /// Whether to wait for the event "WakeUpRequested".
-    void setWakeUpWait(bool bWait) noexcept { m_bWakeUpWait.store(bWait); }
+    /// Whether to wait for the event "WakeUpRequested". Throws SysServiceErrorC when the system has no event
+    /// to give for it.
+    void setWakeUpWait(bool bWait);
 
     TIM::TickClockC& getClock() const noexcept { return m_clock; }
 
@@ -110,19 +120,32 @@ private:
     static constexpr std::uint32_t RESOLUTION_NONE = 55;
     static constexpr std::size_t RESERVED_TIMERS = 128;
 
+    /// When a timer fires first: after a delay, or at a time.
+    struct FirstT
+    {
+        std::uint64_t value;
+        bool bTick;
+    };
+
+    std::uint32_t CheckAndAdd(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
+                              std::uint32_t user, std::uint16_t flags, FirstT first);
     std::uint32_t Add(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
-                      std::uint32_t user, std::uint16_t flags, std::uint32_t firstDelayMs);
+                      std::uint32_t user, std::uint16_t flags, FirstT first);
+    std::uint64_t DueTime(std::uint32_t periodMs, FirstT first);
     bool UseResolution(std::uint32_t resolutionMs);
     void ReleaseResolution(std::uint32_t resolutionMs);
     TimerRecordT& TakeRecord();
     void ReleaseRecord(TimerRecordT& timer);
     std::uint32_t DrawId();
-    void Run();
-    bool ProcessTimer();
+    void Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived);
+    bool ProcessTimer(HAL::WaitHandleT event);
     void Notify(const TimerRecordT& timer);
+    void Settle(TimerRecordT& timer);
     void AwaitWakeUp() const;
+    void AwaitWakeUpOrStop(HAL::WaitHandleT event) const;
+    void Empty();
+    void Finish();
     void ReportLeftOver();
-    void CloseEvents();
 
     TIM::TickClockC& m_clock;
     std::uint32_t m_engineId = 0;
@@ -135,15 +158,15 @@ private:
     std::array<std::uint16_t, RESOLUTIONS> m_resolutionUses = {};
     std::uint32_t m_minResolution = RESOLUTION_NONE;
     std::uint32_t m_idCounter = 0;
-    HAL::WaitHandleT m_hTimerEvent = HAL::NO_WAIT_HANDLE;
-    HAL::WaitHandleT m_hArrived = HAL::NO_WAIT_HANDLE; // signalled when the thread has told its id
-    std::unique_ptr<boost::thread> m_hTimerThread;
+    HAL::WaitHandleT m_hTimerEvent = HAL::NO_WAIT_HANDLE; // guarded by the timer lock
+    std::unique_ptr<boost::thread> m_hTimerThread;        // guarded by the start lock
     std::atomic<std::uint32_t> m_threadId{0};
     mutable MutexC m_startLock;                    // start and stop
     mutable MutexC m_resolutionLock;               // the uses and the minimum
     mutable MutexC m_timerLock;                    // everything else about timers
     std::uint64_t m_wakeTime = TimerWheelC::NEVER; // until when the thread sleeps; guarded by the timer lock
-    std::atomic<bool> m_bRunning{false};
+    std::atomic<bool> m_bRunning{false};           // the thread is to go on, and timers may be set
+    std::atomic<bool> m_bStarted{false}; // the answer of isRunning, which takes no lock: callbacks ask it
     std::atomic<bool> m_bWakeUpWait{false};
 };
 

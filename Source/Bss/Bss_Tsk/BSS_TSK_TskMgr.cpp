@@ -20,8 +20,9 @@ constexpr std::int32_t LINE_STACK_SIZE = 100;
 
 TskMgr& TskMgr::instance()
 {
-    static TskMgr manager;
-    return manager;
+    // Never destroyed: threads that were let go may outlive everything else.
+    static auto* const manager = new TskMgr;
+    return *manager;
 }
 
 void TskMgr::setTaskOptions(std::int32_t taskIdx, const TaskOptions& options)

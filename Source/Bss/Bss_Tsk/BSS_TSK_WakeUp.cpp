@@ -8,8 +8,9 @@ namespace BSS::TSK::Timer {
 
 EventC& GetWakeUpRequestedEvent()
 {
-    static EventC event(HAL::ResetMode::Manual, false, L"WakeUpRequested");
-    return event;
+    // Never destroyed: engines may run until the very end.
+    static auto* const event = new EventC(HAL::ResetMode::Manual, false, L"WakeUpRequested");
+    return *event;
 }
 
 } // namespace BSS::TSK::Timer

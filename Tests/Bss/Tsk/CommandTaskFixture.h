@@ -89,6 +89,15 @@ protected:
     }
     void Go() { hold->leave.set(); }
 
+    /// Goes on, and waits until what was held up has been run and the task is about to wait.
+    void DrainAndSleep(const std::string& strExpected)
+    {
+        const std::uint64_t before = task->getStatistics().getWaitCount();
+        Go();
+        EXPECT_TRUE(Ordered(strExpected));
+        EXPECT_TRUE(Support::Eventually([&] { return task->getStatistics().getWaitCount() > before; }));
+    }
+
     /// Appends its name to `order` when it is executed.
     BSS::TSK::CommandPtrT Named(const std::string& strName)
     {

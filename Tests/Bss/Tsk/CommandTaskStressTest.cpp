@@ -69,6 +69,8 @@ TEST_F(CommandTaskStress, NoMessageIsLostOrRunTwiceOrOutOfOrderHoweverTheTaskIsT
 {
     log->setLevel(8);
     Make(64); // small, so that it overflows often
+    TaskTests::CountingObserverC overflows;
+    task->getOverflowSubject().attach(overflows);
     std::vector<LedgerT> ledgers(PRODUCERS);
     std::atomic<bool> producing{true};
     std::vector<std::thread> threads;
@@ -120,6 +122,7 @@ TEST_F(CommandTaskStress, NoMessageIsLostOrRunTwiceOrOutOfOrderHoweverTheTaskIsT
         all += ledger.posted[0] + ledger.posted[1];
     }
     EXPECT_EQ(all, 10000u);
+    EXPECT_FALSE(overflows.Codes().empty());
 }
 
 TEST(MsgQueue, NeverHoldsMoreThanItsMaximumAndLosesNothing)

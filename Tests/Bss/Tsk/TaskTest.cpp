@@ -430,6 +430,27 @@ TEST_F(TaskTest, StartedStoppedAndWaitedForFromManyThreadsItEndsInOrder)
     EXPECT_TRUE(reports.Reports().empty());
 }
 
+TEST_F(TaskTest, AskedStoppedKilledAndWaitedForFromManyThreadsAtOnceItEnds)
+{
+    WorkTaskC task(Settings(), &UntilInterrupted);
+    for (int round = 0; round < 50; ++round) {
+        task.start();
+        std::thread waiting([&] { EXPECT_TRUE(task.waitForStop(-1)); });
+        std::thread asking([&] {
+            while (task.isRunning() && task.getTaskId() != 0)
+                std::this_thread::yield();
+        });
+        std::thread killing([&] { task.kill(); });
+        task.stop();
+        EXPECT_TRUE(task.waitForStop(20000));
+        waiting.join();
+        asking.join();
+        killing.join();
+        ASSERT_EQ(task.getTaskId(), 0u);
+    }
+    EXPECT_TRUE(reports.Reports().empty());
+}
+
 TEST(TaskTrace, KeepsTheLastThousandLines)
 {
     TaskTraceC trace;

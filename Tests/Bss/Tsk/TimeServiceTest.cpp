@@ -8,11 +8,14 @@
 #include "Bss/Bss_Tsk/BSS_TSK_TimeServiceContainer.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimeServiceRequest.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
+#include "Support/Eventually.h"
 #include "Support/LogRecorder.h"
 #include "TaskFixture.h"
 #include "TimerFixture.h"
 
+#include <functional>
 #include <memory>
+#include <thread>
 
 using namespace BSS::TSK;
 using namespace BSS::TIM;
@@ -452,6 +455,96 @@ TEST(NextSlot, IsTheNextMultiplePlusTheOffset)
     EXPECT_EQ(NextSlot(1030, 100, 30), 1130u);
     EXPECT_EQ(NextSlot(1000, 100, 230), 1030u);
     EXPECT_EQ(NextSlot(5, 100, 99), 99u);
+}
+
+// A counter that does something when it is asked for the nth time: what happens between a request's look at
+// the clock and its timer.
+class HookedTicksC final : public TickSourceI
+{
+public:
+    explicit HookedTicksC(TickSourceI& ticks) : m_ticks(ticks) {}
+    std::uint32_t getTick() noexcept override
+    {
+        if (std::this_thread::get_id() == m_asking && m_nLeft > 0 && --m_nLeft == 0) m_hook();
+        return m_ticks.getTick();
+    }
+    void waitUntil(BSS::HAL::WaitHandleT event, std::uint32_t dueTick) noexcept override
+    {
+        m_ticks.waitUntil(event, dueTick);
+    }
+    void wait(BSS::HAL::WaitHandleT event) noexcept override { m_ticks.wait(event); }
+    void HookAt(int nth, std::function<void()> hook)
+    {
+        m_hook = std::move(hook);
+        m_nLeft = nth;
+    }
+
+private:
+    TickSourceI& m_ticks;
+    const std::thread::id m_asking = std::this_thread::get_id(); // the test's; the engine's asks too
+    int m_nLeft = 0;
+    std::function<void()> m_hook;
+};
+
+class ArmingTest : public TimeServiceTest
+{
+protected:
+    ArmingTest()
+    {
+        EXPECT_EQ(hookedEngine.start(2), 1);
+        reports.Clear();
+    }
+    ~ArmingTest() override
+    {
+        hookedRequest.stop();
+        hookedEngine.stop();
+    }
+
+    HookedTicksC hookedTicks{ticks};
+    TickClockC hookedClock{hookedTicks};
+    Timer::TimerEngineC hookedEngine{hookedClock};
+    TimeServiceRequestC hookedRequest{hookedEngine, gps, log};
+};
+
+TEST_F(ArmingTest, ARequestThatIsStoppedWhileItArmsLeavesNoTimerBehind)
+{
+    bool bStopped = false;
+    hookedTicks.HookAt(3, [&] {
+        hookedRequest.stop();
+        bStopped = true;
+    });
+    EXPECT_EQ(hookedRequest.addOneShotRelativeRequest(&client, 50, Keep(), 1), BSS::RC_OK);
+    EXPECT_TRUE(bStopped);
+    EXPECT_FALSE(hookedRequest.isRunning());
+    EXPECT_EQ(hookedEngine.getActiveCount(), 0u);
+}
+
+TEST_F(ArmingTest, AClockThatIsSetWhileARequestArmsCounts)
+{
+    bool bSet = false;
+    hookedTicks.HookAt(2, [&] {
+        gps.set(GpsTimeT{2300, 60950});
+        bSet = true;
+    });
+    EXPECT_EQ(hookedRequest.addOneShotAbsoluteRequest(&client, GpsTimeT{2300, 61000}, Keep(), 5), BSS::RC_OK);
+    EXPECT_TRUE(bSet);
+    gps.pass(50);
+    ticks.add(50);
+    // Whoever sets a timer wakes the engine, which looks at the clock.
+    hookedEngine.setTimerAt(1, 1, &TaskTests::OnTimer, 0, 0, 0);
+    EXPECT_TRUE(Support::Eventually([&] { return !hookedRequest.isRunning(); }));
+    hookedEngine.stop();
+    EXPECT_EQ(calls, std::vector<std::uint32_t>{5});
+}
+
+TEST_F(TimeServiceTest, ARequestThatIsGoneIsNoObserverOfItsClock)
+{
+    const std::size_t before = gps.getSubject().getObserverCount();
+    {
+        const TimeServiceRequestC other(engine, gps, log);
+        EXPECT_EQ(gps.getSubject().getObserverCount(), before + 1);
+    }
+    EXPECT_EQ(gps.getSubject().getObserverCount(), before);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // GPS time, leap seconds, clocks and zones.
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
 #include "Bss/Bss_Tim/BSS_TIM_GpsClock.h"
 #include "Bss/Bss_Tim/BSS_TIM_TimeZone.h"
@@ -155,6 +156,14 @@ TEST(TimeZone, ComesFromTheStoreAndIsUtcWithoutOne)
     EXPECT_EQ(WriteTimeZoneMinutes(store, 841), BSS::RC_VALUE_REJECTED);
     store.values.begin()->second = 5000;
     EXPECT_EQ(ReadTimeZoneMinutes(store), 0);
+}
+
+TEST(Tick, IsExtendedAcrossTheWrapOfACounter)
+{
+    EXPECT_EQ(BSS::HAL::ExtendTick(0, 7), 7u);
+    EXPECT_EQ(BSS::HAL::ExtendTick(0xFFFFFFF0u, 0xFFFFFFF0u), 0xFFFFFFF0u);
+    EXPECT_EQ(BSS::HAL::ExtendTick(0xFFFFFFF0u, 5), 0x100000005u);
+    EXPECT_EQ(BSS::HAL::ExtendTick(0x3FFFFFFFFu, 0), 0x400000000u);
 }
 
 } // namespace

@@ -6,8 +6,10 @@
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerService.h"
 #include "Bss/Bss_Tsk/BSS_TSK_WakeUp.h"
+#include "Support/Eventually.h"
 #include "TimerFixture.h"
 
+#include <boost/thread/exceptions.hpp>
 #include <stdexcept>
 #include <thread>
 
@@ -532,7 +534,106 @@ TEST_F(TimerTest, FiresNothingUntilTheSystemIsAwakeWhenToldToWaitForIt)
     engine.setWakeUpWait(false);
 }
 
+TEST_F(TimerTest, StopsWhileItWaitsForTheSystemToBeAwake)
+{
+    GetWakeUpRequestedEvent().reset();
+    engine.setWakeUpWait(true);
+    Start();
+    for (int i = 0; i < 1000; ++i)
+        std::this_thread::yield();
+    EXPECT_EQ(engine.stop(), 1);
+    EXPECT_FALSE(engine.isRunning());
+}
+
+TEST_F(TimerTest, ACallbackThatEndsTheEngineByAnInterruptionLeavesOneThatCanBeStartedAgain)
+{
+    Start();
+    s_inside = [](std::uint32_t, std::uint32_t) { throw boost::thread_interrupted(); };
+    EXPECT_NE(Set(1000, 7, 0, 0), 0u);
+    EXPECT_TRUE(Support::Eventually([&] { return !engine.isRunning(); }));
+    EXPECT_EQ(engine.getActiveCount(), 0u);
+    EXPECT_EQ(Set(1000, 7), 0u);
+    s_inside = nullptr;
+    Start();
+    EXPECT_TRUE(engine.isRunning());
+    Set(10, 8);
+    EXPECT_TRUE(ticks.turn(10));
+    EXPECT_EQ(Fired(), (TimersT{7, 8}));
+}
+
+TEST_F(TimerTest, AFirstDueTimeIsATimeOfItsClock)
+{
+    Start();
+    const std::uint64_t now = clock.now();
+    ticks.add(3); // what passes between a look at the clock and the setting
+    EXPECT_NE(engine.setTimerAt(10, 1, &OnTimer, 1, TIMER_ONE_SHOT, now + 5), 0u);
+    EXPECT_NE(engine.setTimerAt(10, 1, &OnTimer, 2, TIMER_ONE_SHOT, now - 5), 0u);
+    EXPECT_TRUE(ticks.turn(1));
+    EXPECT_EQ(Fired(), (TimersT{2}));
+    EXPECT_TRUE(ticks.turn(1));
+    EXPECT_EQ(Fired(), (TimersT{2, 1}));
+}
+
+TEST_F(TimerTest, AnEventThatWasClosedIsPassedOver)
+{
+    Start();
+    const BSS::HAL::WaitHandleT closed = BSS::HAL::MakeWaitEvent(BSS::HAL::ResetMode::Auto, false);
+    BSS::HAL::CloseWaitHandle(closed);
+    engine.setTimer(10, 1, TimerTargetT(closed), 0, TIMER_SET_EVENT, TIMER_FIRST_AFTER_PERIOD);
+    engine.setTimer(10, 1, TimerTargetT(closed), 0, TIMER_PULSE_EVENT, TIMER_FIRST_AFTER_PERIOD);
+    Set(10, 3);
+    EXPECT_TRUE(ticks.turn(10));
+    EXPECT_EQ(Fired(), (TimersT{3}));
+    EXPECT_EQ(engine.getActiveCount(), 0u);
+}
+
+TEST_F(TimerTest, MayBeStartedAndStoppedWhileOthersSetTimers)
+{
+    std::atomic<bool> over{false};
+    std::thread setting([&] {
+        while (!over.load()) {
+            engine.killTimer(Set(1000, 1));
+            EXPECT_GE(engine.getMinResolution(), 1u);
+        }
+    });
+    for (int round = 0; round < 100; ++round) {
+        EXPECT_EQ(engine.start(1), 1);
+        EXPECT_EQ(engine.stop(), 1);
+    }
+    over = true;
+    setting.join();
+    EXPECT_EQ(engine.getActiveCount(), 0u);
+    EXPECT_EQ(engine.getMinResolution(), 55u);
+}
+
 // The process's own engine, on the system's clock.
+
+void SetAnotherProcessTimer(std::uint32_t, std::uint32_t, std::uint32_t user, std::uint32_t, std::uint32_t)
+{
+    for (int i = 0; i < 20; ++i)
+        KillProcessTimer(SetProcessTimer(1000, 1, &OnTimer, user, TIMER_ONE_SHOT, 1000));
+    OnTimer(0, 0, user, 0, 0);
+}
+
+TEST(ProcessTimer, CallbacksMaySetTimersAlsoWhileTheEngineStops)
+{
+    const Support::LogCapture systemLog;
+    const Support::ReportCapture reports; // of timers that are left, and of those that are refused
+    s_inside = nullptr;
+    for (int round = 0; round < 50; ++round) {
+        {
+            const std::lock_guard<std::mutex> guard(TaskTests::s_firedLock);
+            TaskTests::s_fired.clear();
+        }
+        for (int i = 0; i < 20; ++i)
+            EXPECT_NE(SetProcessTimer(1, 1, &SetAnotherProcessTimer, 1, TIMER_PERIODIC, 0), 0u);
+        EXPECT_TRUE(Support::Eventually([&] {
+            const std::lock_guard<std::mutex> guard(TaskTests::s_firedLock);
+            return !TaskTests::s_fired.empty();
+        }));
+        StopProcessTimerEngine();
+    }
+}
 
 TEST(ProcessTimer, FiresOnTheSystemsClock)
 {

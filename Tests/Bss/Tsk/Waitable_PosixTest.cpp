@@ -3,14 +3,17 @@
 //
 // What only this platform's events can do: descriptors in the wait list, and threads that end while they
 // wait.
+#include "Bss/Bss_Hal/BSS_HAL_WaitSlot_Posix.h"
 #include "Bss/Bss_Hal/BSS_HAL_Waitable.h"
 
 #include "Support/Eventually.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 using namespace BSS::HAL;
 using KindT = WaitAnswerT::Kind;
@@ -133,6 +136,44 @@ TEST(Waitable, ClosingAHandleEndsTheWaitsForIt)
     waiting.join();
     EXPECT_EQ(answer.kind, KindT::Failed);
     EXPECT_EQ(answer.error, WAIT_ERROR_INVALID_HANDLE);
+}
+
+std::size_t CountWaiting(WaitHandleT handle)
+{
+    const std::lock_guard<std::mutex> guard(WaitLock());
+    std::size_t nWaiting = 0;
+    for (const WaitNodeT* node = SlotOf(handle)->first; node != nullptr; node = node->next)
+        ++nWaiting;
+    return nWaiting;
+}
+
+// One pulse for threads that wait, each of which counts itself when it goes on.
+void PulseOnce(ResetMode mode, int nExpected)
+{
+    constexpr int THREADS = 3;
+    const WaitHandleT handle = MakeWaitEvent(mode, false);
+    std::atomic<int> released{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < THREADS; ++i)
+        threads.emplace_back([&] { released += WaitForOne(handle, LONG_MS) ? 1 : 0; });
+    EXPECT_TRUE(Support::Eventually([&] { return CountWaiting(handle) == THREADS; }));
+    EXPECT_TRUE(PulseWaitEvent(handle));
+    EXPECT_EQ(CountWaiting(handle), static_cast<std::size_t>(THREADS - nExpected));
+    EXPECT_TRUE(Support::Eventually([&] { return released.load() == nExpected; }));
+    CloseWaitHandle(handle); // lets the others go
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(released.load(), nExpected);
+}
+
+TEST(Waitable, APulseOfAManualResetEventReleasesAllThatWait)
+{
+    PulseOnce(ResetMode::Manual, 3);
+}
+
+TEST(Waitable, APulseOfAnAutoResetEventReleasesOne)
+{
+    PulseOnce(ResetMode::Auto, 1);
 }
 
 TEST(Waitable, AnOldHandleNeverStandsForANewEvent)

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+// Copyright (c) 2026 The ScanReader developers
+//
+// The forced end of tasks that do not listen, each in a child process, which must come to a clean end
+// afterwards.
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
+#include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
+#include "Bss/Bss_Tsk/BSS_TSK_Event.h"
+#include "Support/Eventually.h"
+#include "TaskFixture.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <sched.h>
+#include <thread>
+
+using namespace BSS::TSK;
+using TaskTests::TaskTest;
+using TaskTests::WorkTaskC;
+
+namespace {
+
+using TaskForceTest = TaskTest;
+
+#define CHILD_EXPECT(condition)                                                                              \
+    do {                                                                                                     \
+        if (!(condition)) {                                                                                  \
+            std::fprintf(stderr, "line %d: %s\n", __LINE__, #condition);                                     \
+            std::_Exit(1);                                                                                   \
+        }                                                                                                    \
+    } while (false)
+
+void KillASpinningTask(const std::shared_ptr<Support::LogRecorder>& log, TaskSettingsT settings)
+{
+    std::atomic<std::uint64_t> rounds{0};
+    std::atomic<bool> quit{false};
+    WorkTaskC task(std::move(settings), [&] {
+        while (!quit.load())
+            ++rounds;
+    });
+    task.start();
+    CHILD_EXPECT(Support::Eventually([&] { return rounds.load() > 1000; }));
+    const std::uint64_t before = BSS::HAL::TickCount64();
+    task.kill();
+    const std::uint64_t took = BSS::HAL::TickCount64() - before;
+    CHILD_EXPECT(took >= 42);
+    CHILD_EXPECT(!task.isRunning());
+    CHILD_EXPECT(task.getState() == ComponentState::Stopped);
+    CHILD_EXPECT(
+        !log->Beginning("6 TaskC::friendly kill failed! No interruption point found in task name='deaf', id=")
+             .empty());
+    const std::uint64_t after = rounds.load();
+    for (int i = 0; i < 1000; ++i)
+        ::sched_yield();
+    CHILD_EXPECT(rounds.load() == after);
+    // The process goes on, with the same object even.
+    quit = true;
+    task.start();
+    CHILD_EXPECT(task.waitForStop(20000));
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, KillEndsATaskThatReachesNoInterruptionPointAndTheProcessGoesOn)
+{
+    EXPECT_EXIT(KillASpinningTask(log, Settings("deaf")), testing::ExitedWithCode(0), "");
+}
+
+// One thread is ended while it waits for an auto-reset event; the signal must go to the other.
+void KillAWaitingTask(TaskSettingsT settings)
+{
+    EventC event;
+    std::atomic<int> waiting{0};
+    std::atomic<int> woken{0};
+    const auto work = [&] {
+        ++waiting;
+        if (event.wait(-1) == BSS::RC_OK) ++woken;
+    };
+    WorkTaskC first(settings, work);
+    WorkTaskC second(settings, work);
+    first.start();
+    CHILD_EXPECT(Support::Eventually([&] { return waiting.load() == 1; }));
+    second.start();
+    CHILD_EXPECT(Support::Eventually([&] { return waiting.load() == 2; }));
+    first.kill();
+    event.set();
+    CHILD_EXPECT(second.waitForStop(20000));
+    CHILD_EXPECT(woken.load() == 1);
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, AThreadThatIsEndedWhileItWaitsTakesNoSignalWithIt)
+{
+    EXPECT_EXIT(KillAWaitingTask(Settings("waiting")), testing::ExitedWithCode(0), "");
+}
+
+// The thread is ended inside a command, with more messages taken off the queue behind it, and inside an event
+// handler, where it holds the table of extra events.
+void KillACommandTask(TaskSettingsT settings)
+{
+    CommandTaskC task(std::move(settings), 10);
+    const auto spin = [](std::atomic<bool>& entered) {
+        entered = true;
+        for (;;) {
+        }
+    };
+    std::atomic<bool> inCommand{false};
+    task.postCommand(MakeCommand("spin", [&] { spin(inCommand); }));
+    task.postCommand(MakeCommand("lost", [] {}));
+    task.start();
+    CHILD_EXPECT(Support::Eventually([&] { return inCommand.load(); }));
+    task.kill();
+    CHILD_EXPECT(!task.isRunning());
+    CHILD_EXPECT(task.getMsgCount() == 0);
+
+    std::atomic<bool> inHandler{false};
+    EventC event;
+    task.start();
+    CHILD_EXPECT(task.attachEvent(event.getHandle(), [&](BSS::HAL::WaitHandleT) { spin(inHandler); }) ==
+                 BSS::RC_OK);
+    event.set();
+    CHILD_EXPECT(Support::Eventually([&] { return inHandler.load(); }));
+    task.kill();
+    CHILD_EXPECT(task.detachEvent(event.getHandle()) == BSS::RC_OK);
+
+    std::atomic<bool> ran{false};
+    task.start();
+    CHILD_EXPECT(task.postCommand(MakeCommand("next", [&] { ran = true; })) == BSS::RC_OK);
+    CHILD_EXPECT(Support::Eventually([&] { return ran.load(); }));
+    task.stop();
+    CHILD_EXPECT(task.waitForStop(20000));
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, ACommandTaskThatWasEndedByForceServesAgainAfterAStart)
+{
+    EXPECT_EXIT(KillACommandTask(Settings("commands")), testing::ExitedWithCode(0), "");
+}
+
+// Others wait for the task without limit while it is ended.
+void KillATaskThatIsWaitedFor(TaskSettingsT settings)
+{
+    std::atomic<bool> entered{false};
+    WorkTaskC task(std::move(settings), [&] {
+        entered = true;
+        for (;;) {
+        }
+    });
+    task.start();
+    CHILD_EXPECT(Support::Eventually([&] { return entered.load(); }));
+    std::atomic<int> over{0};
+    std::thread first([&] { over += task.waitForStop(-1) ? 1 : 0; });
+    std::thread second([&] { over += task.waitForStop(20000) ? 1 : 0; });
+    task.kill();
+    first.join();
+    second.join();
+    CHILD_EXPECT(over.load() == 2);
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, WhoeverWaitsForATaskThatIsEndedByForceIsLetGo)
+{
+    EXPECT_EXIT(KillATaskThatIsWaitedFor(Settings("waited for")), testing::ExitedWithCode(0), "");
+}
+
+class SpinningHookC final : public CommandTaskC
+{
+public:
+    explicit SpinningHookC(TaskSettingsT settings) : CommandTaskC(std::move(settings), 10)
+    {
+        setWaitTimeout(1);
+    }
+    std::atomic<bool> spins{true};
+    std::atomic<int> entered{0};
+
+protected:
+    void onTimeout() override
+    {
+        ++entered;
+        while (spins.load()) {
+        }
+    }
+};
+
+void KillInsideTheTimeoutHook(const TaskSettingsT& settings)
+{
+    {
+        SpinningHookC task(settings);
+        task.start();
+        CHILD_EXPECT(Support::Eventually([&] { return task.entered.load() == 1; }));
+        task.kill();
+        task.spins = false;
+        task.start();
+        CHILD_EXPECT(Support::Eventually([&] { return task.entered.load() > 2; }));
+        task.stop();
+        CHILD_EXPECT(task.waitForStop(20000));
+    }
+    {
+        SpinningHookC task(settings);
+        task.start();
+        CHILD_EXPECT(Support::Eventually([&] { return task.entered.load() == 1; }));
+        task.kill();
+    }
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, ACommandTaskThatWasEndedInsideItsHookRunsAgainAndCanBeDestroyed)
+{
+    EXPECT_EXIT(KillInsideTheTimeoutHook(Settings("hook")), testing::ExitedWithCode(0), "");
+}
+
+// A handler runs for ever and another thread waits in detachEvent for it.
+void KillInsideAHandlerThatIsBeingDetached(TaskSettingsT settings)
+{
+    CommandTaskC task(std::move(settings), 10);
+    EventC event;
+    std::atomic<bool> entered{false};
+    task.start();
+    task.attachEvent(event.getHandle(), [&](BSS::HAL::WaitHandleT) {
+        entered = true;
+        for (;;) {
+        }
+    });
+    event.set();
+    CHILD_EXPECT(Support::Eventually([&] { return entered.load(); }));
+    std::thread detaching([&] { CHILD_EXPECT(task.detachEvent(event.getHandle()) == BSS::RC_OK); });
+    task.kill();
+    detaching.join();
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, WhoeverWaitsForAHandlerThatIsEndedByForceIsLetGo)
+{
+    EXPECT_EXIT(KillInsideAHandlerThatIsBeingDetached(Settings("handler")), testing::ExitedWithCode(0), "");
+}
+
+} // namespace
