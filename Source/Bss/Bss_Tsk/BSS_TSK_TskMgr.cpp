@@ -5,7 +5,10 @@
 #include "Bss/Bss_Tsk/BSS_TSK_TskMgr.h"
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
+
+#include <boost/thread/thread_only.hpp>
 
 namespace BSS::TSK {
 
@@ -16,12 +19,22 @@ constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_TskMgr)";
 constexpr std::int32_t LINE_PRIORITY = 89;
 constexpr std::int32_t LINE_STACK_SIZE = 100;
 
+/// What must not be left in the middle, such as writing a log line, is not left by an interruption either.
+void WithoutInterruption(HAL::UndisturbedCallT call, void* context)
+{
+    const boost::this_thread::disable_interruption undisturbed;
+    call(context);
+}
+
 } // namespace
 
 TskMgr& TskMgr::instance()
 {
     // Never destroyed: threads that were let go may outlive everything else.
-    static auto* const manager = new TskMgr;
+    static auto* const manager = [] {
+        HAL::SetUndisturbedRunner(&WithoutInterruption);
+        return new TskMgr;
+    }();
     return *manager;
 }
 

@@ -5,6 +5,7 @@
 #include "Bss/Bss_Err/BSS_ERR_SysServiceError.h"
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Event.h"
 #include "Bss/Bss_Tsk/BSS_TSK_LoggingLockDecorator.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
@@ -476,6 +477,32 @@ TEST(LoggingLock, LogsEachStepAroundTheLockItWraps)
         mutex.lock();
         mutex.unlock();
     }).join();
+}
+
+TEST_F(TaskTest, AnInterruptionDoesNotLeaveWhatMustNotBeLeftInTheMiddleAndStaysAskedFor)
+{
+    std::atomic<bool> bAsked = false;
+    bool bDone = false;
+    bool bInterrupted = false;
+    WorkTaskC task(Settings("logs on"), [&] {
+        BSS::HAL::Undisturbed([&] {
+            EXPECT_TRUE(Support::Eventually([&] { return bAsked.load(); }));
+            boost::this_thread::interruption_point();
+            bDone = true;
+        });
+        try {
+            boost::this_thread::interruption_point();
+        } catch (const boost::thread_interrupted&) {
+            bInterrupted = true;
+            throw;
+        }
+    });
+    task.start();
+    task.stop();
+    bAsked = true;
+    EXPECT_TRUE(task.waitForStop(-1));
+    EXPECT_TRUE(bDone);
+    EXPECT_TRUE(bInterrupted);
 }
 
 } // namespace
