@@ -38,7 +38,7 @@ WaitHandleT MakeWaitEvent(ResetMode mode, bool signalled, const wchar_t* name = 
 
 /// A handle that is signalled while the descriptor can be read or is at its end, on Windows a second handle
 /// of the same object. The descriptor stays the caller's and must outlive the handle; one that is closed
-/// before is found out by the next wait.
+/// before is found out by the next wait, unless its number belongs to another one by then.
 WaitHandleT MakeNativeWaitable(NativeHandleT native) noexcept;
 
 // Each answers false for a handle that is not open.
