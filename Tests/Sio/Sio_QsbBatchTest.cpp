@@ -19,7 +19,7 @@ namespace SIO {
 
 static void PrintTo(QsbInstructionSetT set, std::ostream* out)
 {
-    static const char* const names[] = {"virtual", "baseline", "AVX2"};
+    static const char* const names[] = {"virtual", "plain", "baseline", "AVX2"};
     *out << names[static_cast<int>(set)];
 }
 
@@ -210,10 +210,10 @@ TEST_P(Batch, OfPlainRecordsIsEncodedAsTheSecondEncoderDoes)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sets, Batch,
-                         testing::Combine(testing::Values(40u, 41u),
-                                          testing::Values(QsbInstructionSetT::eVirtual,
-                                                          QsbInstructionSetT::eBaseline,
-                                                          QsbInstructionSetT::eAvx2)));
+INSTANTIATE_TEST_SUITE_P(
+    Sets, Batch,
+    testing::Combine(testing::Values(40u, 41u),
+                     testing::Values(QsbInstructionSetT::eVirtual, QsbInstructionSetT::ePlain,
+                                     QsbInstructionSetT::eBaseline, QsbInstructionSetT::eAvx2)));
 
 } // namespace
