@@ -63,9 +63,13 @@ int RunProgram(const std::vector<std::string>& command, const std::array<std::st
     start.hStdOutput = out.Get();
     start.hStdError = err.Get();
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
-        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "CreateProcess");
+    // Wine now and then refuses a start with an internal error, and takes the same one the next time.
+    BOOL bStarted = FALSE;
+    for (int i = 0; i < 5 && !bStarted; ++i) {
+        bStarted = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process);
+        if (!bStarted && GetLastError() != ERROR_INTERNAL_ERROR) break;
     }
+    if (!bStarted) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "CreateProcess");
     WaitForSingleObject(process.hProcess, INFINITE);
     DWORD code = 0;
     GetExitCodeProcess(process.hProcess, &code);
