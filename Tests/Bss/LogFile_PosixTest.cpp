@@ -365,7 +365,10 @@ int LogToAFullDisk(const std::string& folder)
     consumer.Log(LEVEL_ERROR, "and again");
     const std::string after = Support::ReadAll(folder + "/a.txt");
     if (after.compare(0, full.size(), full) != 0 || after.back() != '\n') return 5;
-    return EveryLineIsThereOrCounted(LinesOf(after), LINES) ? 0 : 6;
+    if (EveryLineIsThereOrCounted(LinesOf(after), LINES)) return 0;
+    for (const std::string& line : LinesOf(after))
+        if (NumberOf(line, "d") < 0) std::fprintf(stderr, "%s\n", line.c_str());
+    return 6;
 }
 
 TEST_F(LogProcesses, FullDiskIsSurvivedAndLeavesWholeLines)

@@ -155,28 +155,32 @@ bool DbgLogFileC::prepare()
     return !m_path.empty();
 }
 
+// Lines and what tells of lost ones go together: a line that found room only beside the other would be lost
+// though the file takes lines again.
 bool DbgLogFileC::take(std::string_view lines)
 {
-    if (lines.size() > BUFFER_BYTES - m_used) {
-        // Twice, if the file turns out to be gone.
-        for (int i = 0; i < 2 && handOver() && verify() && pending() > 0; ++i) {
-        }
-        if (lines.size() > BUFFER_BYTES - m_used) return false;
-    }
-    if (m_nLost > 0) tellLosses();
-    if (lines.size() > BUFFER_BYTES - m_used) return false;
-    std::memcpy(m_buffer.get() + m_used, lines.data(), lines.size());
-    m_used += lines.size();
+    std::string losses;
+    if (m_nLost > 0) losses = UTI::Format("(%I64u lines could not be written and are lost)\n", m_nLost);
+    if (!makeRoom(std::min(losses.size() + lines.size(), BUFFER_BYTES))) return false;
+    put(losses);
+    m_nLost = 0;
+    if (!makeRoom(lines.size())) return false;
+    put(lines);
     return true;
 }
 
-void DbgLogFileC::tellLosses()
+// Twice, if the file turns out to be gone.
+bool DbgLogFileC::makeRoom(std::size_t bytes)
 {
-    const std::string line = UTI::Format("(%I64u lines could not be written and are lost)\n", m_nLost);
-    if (line.size() > BUFFER_BYTES - m_used) return;
-    std::memcpy(m_buffer.get() + m_used, line.data(), line.size());
-    m_used += line.size();
-    m_nLost = 0;
+    for (int i = 0; i < 2 && bytes > BUFFER_BYTES - m_used && handOver() && verify() && pending() > 0; ++i) {
+    }
+    return bytes <= BUFFER_BYTES - m_used;
+}
+
+void DbgLogFileC::put(std::string_view text) noexcept
+{
+    if (!text.empty()) std::memcpy(m_buffer.get() + m_used, text.data(), text.size());
+    m_used += text.size();
 }
 
 bool DbgLogFileC::handOver()

@@ -75,7 +75,8 @@ private:
     std::size_t pending() const noexcept { return m_used - m_written; }
     bool prepare();
     bool take(std::string_view lines);
-    void tellLosses();
+    bool makeRoom(std::size_t bytes);
+    void put(std::string_view text) noexcept;
     bool open();
     void close() noexcept;
     void awaitOthers() const;
