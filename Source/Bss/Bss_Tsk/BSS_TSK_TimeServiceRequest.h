@@ -69,7 +69,7 @@ public:
     ~TimeServiceRequestC() override;
 
     // Each answers RC_OK; RC_INVALID_ARGUMENT, after an assertion, without a client or while the request is
-    // attached; RC_FAILED when the engine has no timer to give, as for a cycle of 0. The request is as before
+    // attached, and without an assertion for an empty handler; RC_FAILED when the engine has no timer to give, as for a cycle of 0. The request is as before
     // then.
 
     ResultCodeT addCycleRequest(CommandPostingI* pCmdClient, std::uint32_t cycleMs, std::uint32_t offsetMs,
