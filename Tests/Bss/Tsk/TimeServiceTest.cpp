@@ -349,6 +349,7 @@ TEST_F(TimeServiceTest, ARequestThatIsAttachedIsReportedAndRefused)
     EXPECT_EQ(request.addOneShotRelativeRequest(&client, 10, Keep(), 1), BSS::RC_OK);
     EXPECT_EQ(request.addCycleRequest(&client, 10, 0, Keep(), 2), BSS::RC_INVALID_ARGUMENT);
     EXPECT_EQ(reports.Count("m_pAttachedAt == 0 && m_TimerId == 0"), 1u);
+    EXPECT_EQ(reports.Count("m_iRequestType == static_cast<uint8_t>(TIME_UNKNOWN)"), 1u);
     EXPECT_TRUE(Pass(10));
     EXPECT_EQ(calls, std::vector<std::uint32_t>{1});
 }
