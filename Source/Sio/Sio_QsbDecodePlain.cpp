@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Decoding with plain arithmetic, in the order that is agreed. Compiled everywhere, so that machines without
+// Decoding with plain arithmetic, in the order that is fixed. Compiled everywhere, so that machines without
 // instructions of their own here run what is tested on the others.
 #include "Sio/Sio_QsbDecodeLoop.h"
 

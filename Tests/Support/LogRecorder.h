@@ -15,7 +15,7 @@
 
 namespace Support {
 
-class LogRecorder final : public BSS::DBG::DbgLogConsumerC
+class LogRecorder : public BSS::DBG::DbgLogConsumerC
 {
 public:
     LogRecorder() : DbgLogConsumerC("recorder", BSS::DBG::PrefixKind::None) {}

@@ -10,7 +10,7 @@ namespace BSS::HAL {
 
 namespace {
 
-constinit std::atomic<std::uint32_t> s_ordered[2] = {};
+constinit std::atomic<std::uint32_t> s_ordered[FAULT_KINDS] = {};
 
 } // namespace
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Lets tests see what happens when the system has no more threads or events to give: the nth request from now
-// on is refused. Costs one load where a thread or an event is made. Safe from any thread.
+// Lets tests see what happens when the system has no more of something to give: the nth request from now on
+// is refused. Costs one load where such a thing is made. Safe from any thread.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +11,15 @@ namespace BSS::HAL {
 
 enum class FaultT : std::uint32_t
 {
-    Event,
-    Thread
+    Event,         ///< one that threads wait for by its handle
+    Thread,        ///< of a task or an engine
+    LockEvent,     ///< what a contended lock sleeps on
+    SemaphoreWait, ///< going to sleep for a semaphore
+    PoolMemory,    ///< more blocks for a thread that has used up its own
+    Descriptor     ///< what wakes a thread that waits for descriptors
 };
+
+inline constexpr std::uint32_t FAULT_KINDS = 6;
 
 /// The `nth` request (1: the next one) and none after it is refused; 0 takes the order back.
 void OrderFault(FaultT kind, std::uint32_t nth) noexcept;

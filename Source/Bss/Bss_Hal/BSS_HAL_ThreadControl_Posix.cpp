@@ -91,6 +91,13 @@ bool NiceOf(int priority, int& nice) noexcept
     return false;
 }
 
+// One that has no priorities of its own.
+bool EnterClass(pid_t id, int before, int after) noexcept
+{
+    const sched_param parameter = {0};
+    return before == after || ::sched_setscheduler(id, after, &parameter) == 0;
+}
+
 bool IsAlive(std::uint32_t threadId) noexcept
 {
     return ::syscall(SYS_tgkill, ::getpid(), threadId, 0) == 0;
@@ -120,11 +127,17 @@ bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept
     }
     int nice = 0;
     if (!NiceOf(priority, nice)) return false;
-    const sched_param parameter = {0};
     const int policy = ::sched_getscheduler(id);
     if (policy < 0) return false;
-    if (policy != SCHED_OTHER && ::sched_setscheduler(id, SCHED_OTHER, &parameter) != 0) return false;
-    return ::setpriority(PRIO_PROCESS, static_cast<id_t>(id), nice) == 0;
+    // Real time may always be left but not always be entered again, so it is left last; the other classes are
+    // the other way round.
+    const bool bRealTime = policy == SCHED_RR || policy == SCHED_FIFO;
+    if (!bRealTime && !EnterClass(id, policy, SCHED_OTHER)) return false;
+    if (::setpriority(PRIO_PROCESS, static_cast<id_t>(id), nice) != 0) {
+        if (!bRealTime) EnterClass(id, SCHED_OTHER, policy);
+        return false;
+    }
+    return !bRealTime || EnterClass(id, policy, SCHED_OTHER);
 }
 
 void AllowForcedEnd() noexcept

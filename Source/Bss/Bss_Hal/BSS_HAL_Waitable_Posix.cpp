@@ -72,7 +72,8 @@ public:
     }
     int Get() noexcept
     {
-        if (m_descriptor < 0) m_descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+        if (m_descriptor < 0 && !TakeFault(FaultT::Descriptor))
+            m_descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
         return m_descriptor;
     }
     void Drain() const noexcept

@@ -4,6 +4,8 @@
 // One word, 0 or 1, that the kernel sleeps on.
 #include "Bss/Bss_Hal/BSS_HAL_WakeEvent.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Fault.h"
+
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
@@ -36,7 +38,7 @@ void Futex(WakeEvent* event, int operation, std::uint32_t value) noexcept
 
 WakeEvent* OpenWakeEvent() noexcept
 {
-    return new (std::nothrow) WakeEvent;
+    return TakeFault(FaultT::LockEvent) ? nullptr : new (std::nothrow) WakeEvent;
 }
 
 void SignalWakeEvent(WakeEvent* event) noexcept

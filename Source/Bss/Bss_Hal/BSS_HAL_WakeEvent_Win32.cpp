@@ -4,12 +4,14 @@
 // The event is the system's own; the opaque pointer is its handle.
 #include "Bss/Bss_Hal/BSS_HAL_WakeEvent.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Windows.h"
 
 namespace BSS::HAL {
 
 WakeEvent* OpenWakeEvent() noexcept
 {
+    if (TakeFault(FaultT::LockEvent)) return nullptr;
     return static_cast<WakeEvent*>(static_cast<void*>(CreateEventW(nullptr, FALSE, FALSE, nullptr)));
 }
 

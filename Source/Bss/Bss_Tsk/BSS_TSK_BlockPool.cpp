@@ -4,6 +4,7 @@
 // See the header.
 #include "Bss/Bss_Tsk/BSS_TSK_BlockPool.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 
 #include <atomic>
@@ -146,6 +147,7 @@ private:
     static void Refill()
     {
         if (t_life == Life::Unused) NoteThread();
+        if (HAL::TakeFault(HAL::FaultT::PoolMemory)) throw std::bad_alloc();
         t_kept = s_store.Take();
         t_nKept = static_cast<std::int32_t>(CHAIN); // a few more or less do no harm
     }

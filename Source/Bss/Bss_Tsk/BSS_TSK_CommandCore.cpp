@@ -6,6 +6,8 @@
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
+#include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandLog.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
 #include "Bss/Bss_Tsk/BSS_TSK_StopRequest.h"
@@ -21,6 +23,13 @@ namespace {
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_CommandTask)";
 
 constexpr std::int32_t LINE_OVERFLOW = 765;
+
+bool IsOverflowAsserted()
+{
+    std::uint32_t value = 0;
+    return OS::PlatformConfigStore().Read(L"Configuration", L"AssertOnQueueOverflow", value) == RC_OK &&
+           value != 0;
+}
 
 } // namespace
 
@@ -81,15 +90,18 @@ ResultCodeT CommandCoreC::RefuseFull()
     Log(DBG::LEVEL_ERROR, "AddNewMsg DumpMessageQueue, task=%s\n", name);
     std::wstring own;
     {
+        const HAL::EndShieldC shield; // tasks post too, to others and to themselves
         const GuardC guard(settingsLock);
         own = overflowText;
     }
-    if (own.empty()) {
-        NotifySystemEvent(SYSTEM_EVENT_QUEUE_FULL, text);
-    } else {
-        NotifySystemEvent(SYSTEM_EVENT_QUEUE_FULL_NAMED, own);
-    }
-    if (bAssertOnOverflow.load()) BSS_ASSERT_AT(!"Message queue overflow!", LINE_OVERFLOW);
+    Guarded("a system event observer", [&] {
+        if (own.empty()) {
+            NotifySystemEvent(SYSTEM_EVENT_QUEUE_FULL, text);
+        } else {
+            NotifySystemEvent(SYSTEM_EVENT_QUEUE_FULL_NAMED, own);
+        }
+    });
+    if (IsOverflowAsserted()) BSS_ASSERT_AT(!"Message queue overflow!", LINE_OVERFLOW);
     return RC_FAILED;
 }
 
@@ -99,6 +111,14 @@ ResultCodeT CommandCoreC::PostStopRequest()
     Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] Adding stop request (CmdReqId:%d)\n",
         request->getCmdReqId());
     return AddNewMsg(request, !bStopInOrder.load());
+}
+
+ResultCodeT CommandCoreC::RequestStop()
+{
+    ResultCodeT rc = RC_FAILED;
+    Guarded("a stop request", [&] { rc = PostStopRequest(); });
+    lastStopPost.store(rc);
+    return rc;
 }
 
 ResultCodeT CommandCoreC::Attach(HAL::WaitHandleT handle, ExtraEventHandlerT handler)

@@ -56,7 +56,8 @@ public:
 
     // Any thread.
     ResultCodeT AddNewMsg(const MsgPtrT& message, bool bHigh);
-    ResultCodeT PostStopRequest();
+    /// Posts a stop request and keeps the answer; memory that is missing is a refusal too.
+    ResultCodeT RequestStop();
     ResultCodeT Attach(HAL::WaitHandleT handle, ExtraEventHandlerT handler);
     ResultCodeT Detach(HAL::WaitHandleT handle);
     std::int32_t Percent(std::uint32_t count) const noexcept;
@@ -85,7 +86,6 @@ public:
     std::atomic<ResultCodeT> lastStopPost{RC_FAILED};
     std::atomic<bool> bKilled{false};  ///< the loop is to leave at once
     std::atomic<bool> bEntered{false}; ///< the thread has its share of this
-    std::atomic<bool> bAssertOnOverflow{false};
     TaskStatisticsC statistics;
     UTI::SubjectC overflowSubject;
     UTI::SubjectC mainEndedSubject;
@@ -103,17 +103,20 @@ private:
     using HandlesT = std::vector<HAL::WaitHandleT>;
 
     ResultCodeT RefuseFull();
+    ResultCodeT PostStopRequest();
     void LogLevel(std::uint32_t count, std::uint32_t before) const;
     HandlesT BuildWaitList();
     void Serve(const HAL::WaitAnswerT& answer, HandlesT& handles, bool& bLeave);
     void ServeTimeout(bool& bLeave);
-    void ServeFailure(std::uint32_t error, HandlesT& handles);
+    void ServeFailure(std::uint32_t error, HandlesT& handles, bool& bLeave);
+    void ServeOwnEvents(HandlesT& handles, bool& bLeave);
     void ServeExtraEvent(HAL::WaitHandleT handle);
     bool ExecuteMessages();
     bool MoreComes() const noexcept;
     void Execute(MsgObjectI& message);
+    /// Logs what the action throws, but for boost::thread_interrupted, which goes on.
     template<typename ActionT>
-    void Guarded(const char* pszWhat, const ActionT& action);
+    void Guarded(const char* pszWhat, const ActionT& action) const;
 };
 
 } // namespace BSS::TSK

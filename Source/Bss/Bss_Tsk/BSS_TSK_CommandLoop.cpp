@@ -12,8 +12,8 @@
 #include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
 
+#include <algorithm>
 #include <boost/thread/exceptions.hpp>
-#include <exception>
 
 namespace BSS::TSK {
 
@@ -34,6 +34,8 @@ constexpr char INVALID_HANDLE[] =
 
 constexpr std::size_t QUEUE_EVENT = 0;
 constexpr std::size_t RELOAD_EVENT = 1;
+
+constexpr std::uint32_t FAILURE_PAUSE_MS = 100;
 
 using KindT = HAL::WaitAnswerT::Kind;
 
@@ -75,21 +77,6 @@ private:
 
 } // namespace
 
-// Runs what belongs to others.
-template<typename ActionT>
-void CommandCoreC::Guarded(const char* pszWhat, const ActionT& action)
-{
-    try {
-        action();
-    } catch (const boost::thread_interrupted&) {
-        throw;
-    } catch (const std::exception& error) {
-        Log(DBG::LEVEL_ERROR, "[BSS::TSK::CommandTaskC] exception in %s: %s\n", pszWhat, error.what());
-    } catch (...) {
-        Log(DBG::LEVEL_ERROR, "[BSS::TSK::CommandTaskC] unknown exception in %s\n", pszWhat);
-    }
-}
-
 void CommandCoreC::Loop()
 {
     struct EndC
@@ -130,7 +117,7 @@ void CommandCoreC::Serve(const HAL::WaitAnswerT& answer, HandlesT& handles, bool
     if (answer.kind == KindT::TimedOut) {
         ServeTimeout(bLeave);
     } else if (answer.kind == KindT::Failed) {
-        ServeFailure(answer.error, handles);
+        ServeFailure(answer.error, handles, bLeave);
     } else if (answer.kind != KindT::Signalled || answer.index >= handles.size()) {
         BSS_ASSERT_AT(false, LINE_OTHER_ANSWER);
     } else if (answer.index == QUEUE_EVENT) {
@@ -157,18 +144,20 @@ void CommandCoreC::ServeTimeout(bool& bLeave)
     });
     std::shared_ptr<UTI::SubjectC> subject;
     {
+        const HAL::EndShieldC shield; // no run of the task gets another lock for the settings
         const GuardC guard(settingsLock);
         subject = timeoutSubject;
     }
     if (subject) Guarded("a time-out observer", [&] { subject->notify(COMMAND_TASK_TIMEOUT); });
 }
 
-void CommandCoreC::ServeFailure(std::uint32_t error, HandlesT& handles)
+void CommandCoreC::ServeFailure(std::uint32_t error, HandlesT& handles, bool& bLeave)
 {
     if (error != HAL::WAIT_ERROR_INVALID_HANDLE) {
         Log(DBG::LEVEL_ERROR, "[BSS::TSK::CommandTaskC] Ln%4d: WaitForMultipleObjects Failed (%d)\n",
             LINE_WAIT_FAILED_TEXT, error);
         BSS_ASSERT_AT(false, LINE_WAIT_FAILED);
+        ServeOwnEvents(handles, bLeave);
         return;
     }
     if (HAL::WaitForOne(reloadEvent.getHandle(), 0)) {
@@ -177,6 +166,18 @@ void CommandCoreC::ServeFailure(std::uint32_t error, HandlesT& handles)
         ERR::AssertFailed(INVALID_HANDLE, 0, 0, BSS_SOURCE_NAME, LINE_INVALID_HANDLE);
     }
     handles = BuildWaitList();
+}
+
+// What has failed once may fail for a while, as waiting for a descriptor does when the system has none left
+// to wake the thread by. The task's own two events can be waited for all the same: messages are served, and
+// the next try comes after a pause instead of at once.
+void CommandCoreC::ServeOwnEvents(HandlesT& handles, bool& bLeave)
+{
+    const std::uint32_t limitMs = bOverflow.load() ? 0 : waitTimeoutMs.load();
+    const HAL::WaitAnswerT answer =
+        HAL::WaitForAny(handles.data(), RELOAD_EVENT + 1, std::min(limitMs, FAILURE_PAUSE_MS));
+    const bool bPause = answer.kind == KindT::TimedOut && limitMs > FAILURE_PAUSE_MS;
+    if (answer.kind != KindT::Failed && !bPause) Serve(answer, handles, bLeave);
 }
 
 void CommandCoreC::ServeExtraEvent(HAL::WaitHandleT handle)
@@ -217,10 +218,9 @@ bool CommandCoreC::ExecuteMessages()
     }
     bool bLeave = false;
     std::uint32_t nExecuted = 0;
-    std::int32_t left = 0; // messages that wait behind a stop request and still run
     while (!bKilled.load(std::memory_order_relaxed)) {
-        if (bLeave && left-- <= 0) return true;
-        own.current = queue.take(own.taken);
+        // Once the loop is to end, what waited at that moment still runs and nothing that came later.
+        own.current = bLeave ? queue.takeCollected(own.taken) : queue.take(own.taken);
         if (!own.current) {
             if (bLeave || bStopRequested.load()) return true;
             if (nExecuted == 0 || !MoreComes()) return false;
@@ -229,7 +229,7 @@ bool CommandCoreC::ExecuteMessages()
         const CurrentMsgC current(own.current);
         ++nExecuted;
         if (bStopRequested.load(std::memory_order_relaxed) && lastStopPost.load() != RC_OK)
-            lastStopPost.store(PostStopRequest());
+            static_cast<void>(RequestStop());
         MsgObjectI& message = *own.current;
         if (IsLogged(DBG::LEVEL_FINE)) {
             Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] pop queue (CmdReqId:%d), %d messages used\n",
@@ -239,7 +239,7 @@ bool CommandCoreC::ExecuteMessages()
             Log(DBG::LEVEL_FINE,
                 "[BSS::TSK::CommandTaskC] execute (CmdReqId:%d) stop command, leaving loop\n",
                 message.getCmdReqId());
-            if (!bLeave) left = queue.getCount();
+            if (!bLeave) queue.collect(own.taken);
             bLeave = true;
         } else {
             Execute(message);

@@ -5,7 +5,6 @@
 #include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
-#include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandCore.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandLog.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
@@ -20,13 +19,6 @@ namespace {
 constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_CommandTask)";
 
 constexpr int HOOK_LIMIT_MS = 42; // as long as a kill waits
-
-bool ReadAssertOnOverflow()
-{
-    std::uint32_t value = 0;
-    return OS::PlatformConfigStore().Read(L"Configuration", L"AssertOnQueueOverflow", value) == RC_OK &&
-           value != 0;
-}
 
 std::shared_ptr<CommandCoreC> MakeCore(const TaskSettingsT& settings, std::uint32_t maxMsgCount)
 {
@@ -59,12 +51,12 @@ CommandTaskC::~CommandTaskC()
 void CommandTaskC::start()
 {
     m_core->Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] start entry\n");
+    const GuardC guard(m_startLock); // what is made ready belongs to the run that begins
     if (!isRunning()) {
         m_core->bStopRequested.store(false);
         m_core->lastStopPost.store(RC_FAILED);
         m_core->bKilled.store(false);
         m_core->bEntered.store(false);
-        m_core->bAssertOnOverflow.store(ReadAssertOnOverflow());
         // A request that an earlier run has not come to is not meant for this one.
         m_core->queue.remove(m_core->side.load()->taken, MsgKind::StopRequest);
         // What waits from then is run at once.
@@ -76,8 +68,7 @@ void CommandTaskC::start()
 void CommandTaskC::stop()
 {
     m_core->Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] stop entry\n");
-    const ResultCodeT rc = m_core->PostStopRequest();
-    m_core->lastStopPost.store(rc);
+    const ResultCodeT rc = m_core->RequestStop();
     m_core->bStopRequested.store(true);
     // A loop that has drained its queue since the request was refused is told by the flag alone.
     if (rc != RC_OK) m_core->queueEvent.set();

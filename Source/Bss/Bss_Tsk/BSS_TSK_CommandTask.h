@@ -99,6 +99,7 @@ protected:
 
 private:
     const std::shared_ptr<CommandCoreC> m_core;
+    MutexC m_startLock; // one start at a time; taken before the task's own
 };
 
 } // namespace BSS::TSK

@@ -33,7 +33,7 @@ MsgQueueC::MsgQueueC(std::uint32_t maxCount) noexcept : m_maxCount(std::clamp(ma
 MsgQueueC::~MsgQueueC()
 {
     TakenMsgsT taken;
-    Collect(taken);
+    collect(taken);
     drop(taken);
 }
 
@@ -106,9 +106,14 @@ MsgPtrT MsgQueueC::take(TakenMsgsT& taken)
     if (m_bHighPushed.load()) {
         // Cleared before the stack is looked at: a node whose flag this takes away is in the stack.
         m_bHighPushed.store(false);
-        Collect(taken);
+        collect(taken);
     }
-    if (taken.high.first == nullptr && taken.normal.first == nullptr) Collect(taken);
+    if (taken.high.first == nullptr && taken.normal.first == nullptr) collect(taken);
+    return takeCollected(taken);
+}
+
+MsgPtrT MsgQueueC::takeCollected(TakenMsgsT& taken) noexcept
+{
     if (taken.high.first != nullptr) return PopFrom(taken.high);
     if (taken.normal.first != nullptr) return PopFrom(taken.normal);
     return {};
@@ -116,7 +121,7 @@ MsgPtrT MsgQueueC::take(TakenMsgsT& taken)
 
 void MsgQueueC::remove(TakenMsgsT& taken, MsgKind kind)
 {
-    Collect(taken);
+    collect(taken);
     for (TakenMsgsT::ListT* list : {&taken.high, &taken.normal}) {
         TakenMsgsT::ListT kept;
         while (MsgNodeT* const node = list->first) {
@@ -141,7 +146,7 @@ void MsgQueueC::drop(TakenMsgsT& taken) noexcept
         PopFrom(taken.normal);
 }
 
-void MsgQueueC::Collect(TakenMsgsT& taken) noexcept
+void MsgQueueC::collect(TakenMsgsT& taken) noexcept
 {
     const HAL::EndShieldC shield; // what is neither in the stack nor taken would stay counted for ever
     struct ChainT

@@ -53,6 +53,12 @@ public:
     /// pushed after a sequentially consistent operation that precedes such a call is seen by it.
     MsgPtrT take(TakenMsgsT& taken);
 
+    /// Takes all that has been pushed off the stack and delivers none of it. For the taking thread.
+    void collect(TakenMsgsT& taken) noexcept;
+
+    /// The next of those that have been taken off the stack already; null when none of them is left.
+    MsgPtrT takeCollected(TakenMsgsT& taken) noexcept;
+
     /// Takes out and drops the messages of a kind. For the taking thread, or while there is none.
     void remove(TakenMsgsT& taken, MsgKind kind);
 
@@ -80,7 +86,6 @@ private:
         // One thread writes, so no read-modify-write is needed.
         m_taken.store(m_taken.load(std::memory_order_relaxed) + 1, std::memory_order_release);
     }
-    void Collect(TakenMsgsT& taken) noexcept;
     static MsgNodeT* MakeNode(const MsgPtrT& msg, bool bHigh);
     static MsgPtrT Consume(MsgNodeT* node) noexcept;
     MsgPtrT PopFrom(TakenMsgsT::ListT& list) noexcept;

@@ -6,11 +6,13 @@
 #include "Bss/Bss_Tsk/BSS_TSK_Semaphore.h"
 
 #include "Bss/Bss_Err/BSS_ERR_ErrorBase.h"
+#include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 
 #include <algorithm>
 #include <boost/chrono/duration.hpp>
 #include <boost/system/system_error.hpp>
+#include <boost/thread/exceptions.hpp>
 #include <boost/thread/thread_only.hpp>
 
 namespace BSS::TSK {
@@ -64,6 +66,7 @@ try {
     const CountedC counted(m_nWaiting);
     // Sequentially consistent after the count of waiters, as unlock is with the two the other way round.
     while (!Take(m_count.load())) {
+        if (HAL::TakeFault(HAL::FaultT::SemaphoreWait)) throw boost::condition_error();
         if (deadlineUs == SEMAPHORE_NO_DEADLINE) {
             m_posted.wait(guard);
             continue;

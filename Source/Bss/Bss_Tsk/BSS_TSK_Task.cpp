@@ -173,8 +173,8 @@ bool TaskC::waitForStop(int timeoutMs)
     if (!thread.run) return true;
     const bool bOwnThread = thread.run->isOwnThread();
     if (!thread.isRunning() && !bOwnThread) {
-        thread.run->awaitEnd(-1); // it has its last lines to write
-        thread.thread->join();
+        // It has its last lines to write. Who does not want to wait for those need not join it either.
+        if (thread.run->awaitEnd(timeoutMs)) thread.thread->join();
         return true;
     }
     LogWait(thread.run->id.load(), timeoutMs);

@@ -62,8 +62,9 @@ public:
     /// Requests the thread's interruption.
     void stop() override;
 
-    /// Waits that many milliseconds at most, without limit when negative. True when the thread has ended or
-    /// never was. Throws boost::thread_resource_error on the task's own thread. An interruption point.
+    /// Waits that many milliseconds at most, without limit when negative. True when main() has returned or
+    /// never ran; with a limit the thread's last log lines may then be still to come. Throws
+    /// boost::thread_resource_error on the task's own thread. An interruption point.
     bool waitForStop(int timeoutMs) override;
 
     /// Requests interruption, waits 42 ms for the end, and then ends the thread by force. Where the system

@@ -206,14 +206,17 @@ void TimeRequestT::OnTimer(const std::shared_ptr<TimeRequestT>& self)
         Post();
         return;
     }
-    // The slot that this firing was for. When the next one is past as well, this one is of the past.
-    const std::uint64_t slot = slotTime;
-    slotTime += cycleMs;
     if (!bPeriodic) {
+        // One firing for all slots that have come: it is for the last of them, the others are past.
+        nDropped.fetch_add(static_cast<std::uint32_t>((now - slotTime) / cycleMs), std::memory_order_relaxed);
         slotTime = NextSlot(now, cycleMs, offsetMs);
         timerId = Arm(*generation);
+        Post();
+        return;
     }
-    if (now >= slot + cycleMs) {
+    // One firing for each slot. When the next slot has come as well, this one is past.
+    slotTime += cycleMs;
+    if (now >= slotTime) {
         nDropped.fetch_add(1, std::memory_order_relaxed);
     } else {
         Post();

@@ -121,10 +121,11 @@ ResultCodeT TimeServiceRequestC::Start(TimeRequestType requestType, CommandPosti
         const TimeServiceContainerC* const m_pAttachedAt = m_request->pAttachedAt;
         const std::uint32_t m_TimerId = m_request->timerId;
         const std::uint8_t m_iRequestType = m_request->type;
+        // A request has a type as long as it is attached: both tell of one that has not been stopped.
         BSS_ASSERT(m_pAttachedAt == 0 && m_TimerId == 0);
-        if (m_pAttachedAt != nullptr || m_TimerId != 0) return RC_INVALID_ARGUMENT;
         BSS_ASSERT(m_iRequestType == static_cast<uint8_t>(TIME_UNKNOWN));
-        if (m_iRequestType != TIME_UNKNOWN) return RC_INVALID_ARGUMENT;
+        if (m_pAttachedAt != nullptr || m_TimerId != 0 || m_iRequestType != TIME_UNKNOWN)
+            return RC_INVALID_ARGUMENT;
         m_request->pCmdClient = pCmdClient;
         m_request->handler = std::move(handler);
         m_request->param0 = param0;

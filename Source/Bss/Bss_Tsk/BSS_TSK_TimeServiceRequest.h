@@ -68,9 +68,9 @@ public:
     /// An assertion tells when it has not been stopped.
     ~TimeServiceRequestC() override;
 
-    // Each answers RC_OK; RC_INVALID_ARGUMENT, after an assertion, without a client or while the request is
-    // attached; RC_FAILED when the engine has no timer to give, as for a cycle of 0. The request is as before
-    // then.
+    // Each answers RC_OK; RC_INVALID_ARGUMENT, after an assertion, without a client, after two while the
+    // request is attached, and without an assertion for an empty handler; RC_FAILED when the engine has no
+    // timer to give, as for a cycle of 0. The request is as before then.
 
     ResultCodeT addCycleRequest(CommandPostingI* pCmdClient, std::uint32_t cycleMs, std::uint32_t offsetMs,
                                 TimeServiceHandlerT handler, std::uint32_t param0 = 0);

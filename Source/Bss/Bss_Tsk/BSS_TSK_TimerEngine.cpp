@@ -453,8 +453,10 @@ void TimerEngineC::setWakeUpWait(bool bWait)
     m_bWakeUpWait.store(bWait);
 }
 
+// A callback is called with the lock held and does not wait: everybody who sets or kills a timer would.
 void TimerEngineC::AwaitWakeUp() const
 {
+    if (m_threadId.load() == HAL::CurrentThreadId()) return;
     if (m_bWakeUpWait.load()) static_cast<void>(GetWakeUpRequestedEvent().wait(-1));
 }
 

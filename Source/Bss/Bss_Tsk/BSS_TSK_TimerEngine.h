@@ -13,7 +13,7 @@
 // Where the clock goes on while a computer is asleep, as on Windows, all that has fallen due meanwhile fires
 // when it wakes, each periodic timer as often as it missed. On Linux the clock stands still meanwhile, so
 // nothing is missed and everything is later by the sleep. When told so, the engine waits for the event of
-// BSS_TSK_WakeUp.h before it sets or fires anything.
+// BSS_TSK_WakeUp.h before it sets or fires anything; callbacks, which come after that, set timers at once.
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"

@@ -172,6 +172,18 @@ TEST_F(CommandTaskTest, AnOverflowIsAssertedWhenTheConfigurationSaysSo)
     EXPECT_EQ(reports.Reports()[0].line, 765);
 }
 
+TEST_F(CommandTaskTest, AnOverflowBeforeTheFirstStartIsAssertedTooWhenTheConfigurationSaysSo)
+{
+    Make(1);
+    task->postCommand(Named("a"));
+    ASSERT_EQ(BSS::OS::PlatformConfigStore().Write(L"Configuration", L"AssertOnQueueOverflow", 1),
+              BSS::RC_OK);
+    task->postCommand(Named("b"));
+    ASSERT_EQ(BSS::OS::PlatformConfigStore().Write(L"Configuration", L"AssertOnQueueOverflow", 0),
+              BSS::RC_OK);
+    EXPECT_EQ(reports.Count("!\"Message queue overflow!\""), 1u);
+}
+
 TEST_F(CommandTaskTest, AMaximumOfNothingIsReportedAndMeansOne)
 {
     Make(0);

@@ -306,6 +306,8 @@ TEST_F(CommandTaskTest, CanBeStoppedAndStartedManyTimes)
     std::string expected;
     for (int i = 0; i < 50; ++i) {
         task->start();
+        EXPECT_EQ(task->getCore().lastStopPost.load(), BSS::RC_FAILED)
+            << "no stop has been posted in this run";
         task->postCommand(Named("x"));
         expected += "x";
         task->stop();

@@ -2,6 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // What a command task waits for beside its queue, and waits that fail.
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "CommandTaskFixture.h"
 
 #include <stdexcept>
@@ -163,6 +164,71 @@ TEST_F(ExtraEventsTest, AnyOtherFailureIsLoggedAndReportedAndTheLoopGoesOn)
     ASSERT_EQ(reports.Reports().size(), 1u);
     EXPECT_EQ(reports.Reports()[0].text, "false");
     EXPECT_EQ(reports.Reports()[0].line, 513);
+}
+
+// The system is out of memory for good.
+std::atomic<int> s_failures{0};
+
+WaitAnswerT FailAlways(const WaitHandleT*, std::size_t, std::uint32_t) noexcept
+{
+    ++s_failures;
+    return {WaitAnswerT::Kind::Failed, 0, WAIT_ERROR_NO_MEMORY};
+}
+
+class FailingWaitTest : public ExtraEventsTest
+{
+protected:
+    void MakeFailing(std::uint32_t maximum)
+    {
+        s_failures = 0;
+        Make(maximum);
+        task->getCore().wait = &FailAlways;
+    }
+};
+
+TEST_F(FailingWaitTest, MessagesAreServedAndAStopIsHeardThoughEveryWaitFails)
+{
+    MakeFailing(10);
+    task->start();
+    std::string expected;
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(task->postCommand(Named("x")), BSS::RC_OK);
+        ASSERT_TRUE(Ordered(expected += "x"));
+    }
+    task->stop();
+    EXPECT_TRUE(task->waitForStop(20000));
+}
+
+TEST_F(FailingWaitTest, AnOverflowEndsThoughEveryWaitFails)
+{
+    MakeFailing(1);
+    task->start();
+    Hold();
+    EXPECT_EQ(task->postCommand(Named("a")), BSS::RC_OK);
+    EXPECT_EQ(task->postCommand(Named("b")), BSS::RC_FAILED);
+    Go();
+    EXPECT_TRUE(Idle());
+    EXPECT_EQ(task->postCommand(Named("c")), BSS::RC_OK);
+    EXPECT_TRUE(Ordered("ac"));
+}
+
+TEST_F(FailingWaitTest, TheTimeOutHookIsCalledThoughEveryWaitFails)
+{
+    MakeFailing(10);
+    task->setWaitTimeout(1);
+    task->start();
+    EXPECT_TRUE(Support::Eventually([&] { return task->timeouts.load() >= 3; }));
+}
+
+TEST_F(FailingWaitTest, ThereIsAPauseBetweenWaitsThatFail)
+{
+    MakeFailing(10);
+    task->start();
+    ASSERT_TRUE(Support::Eventually([&] { return s_failures.load() >= 1; }));
+    const int before = s_failures.load();
+    const std::uint64_t begin = TickCount64();
+    EXPECT_TRUE(Support::Eventually([&] { return s_failures.load() >= before + 3; }));
+    EXPECT_GE(TickCount64() - begin, 150u) << "the first pause has begun before";
 }
 
 TEST_F(ExtraEventsTest, AnyOtherAnswerIsReportedAndTheLoopGoesOn)

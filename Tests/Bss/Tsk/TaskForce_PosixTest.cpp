@@ -95,7 +95,7 @@ TEST_F(TaskForceTest, AThreadThatIsEndedWhileItWaitsTakesNoSignalWithIt)
 }
 
 // The thread is ended inside a command, with more messages taken off the queue behind it, and inside an event
-// handler, where it holds the table of extra events.
+// handler, whose turn it holds.
 void KillACommandTask(TaskSettingsT settings)
 {
     CommandTaskC task(std::move(settings), 10);

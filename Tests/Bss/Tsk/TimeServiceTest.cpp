@@ -247,6 +247,18 @@ TEST_F(TimeServiceTest, AfterASleepTheSlotsThatArePastAreDropped)
     EXPECT_EQ(calls.size(), 3u) << "and it goes on with the next slot";
 }
 
+TEST_F(TimeServiceTest, AfterASleepALongCycleFiresForTheSlotThatIsNotOver)
+{
+    constexpr std::uint32_t HOUR = 3600000;
+    EXPECT_EQ(request.addCycleRequest(&client, 3 * HOUR, 0, Keep()), BSS::RC_OK);
+    EXPECT_TRUE(Pass(10 * HOUR)); // three slots
+    EXPECT_EQ(calls.size(), 1u);
+    EXPECT_EQ(request.getDroppedCount(), 2u);
+    EXPECT_TRUE(Pass(2 * HOUR)); // and it goes on with the next slot
+    EXPECT_EQ(calls.size(), 2u);
+    EXPECT_EQ(request.getDroppedCount(), 2u);
+}
+
 TEST_F(TimeServiceTest, AClientThatIsSlowHasOneMessageAndTheRestIsCounted)
 {
     client.executesAtOnce = false;
@@ -337,6 +349,7 @@ TEST_F(TimeServiceTest, ARequestThatIsAttachedIsReportedAndRefused)
     EXPECT_EQ(request.addOneShotRelativeRequest(&client, 10, Keep(), 1), BSS::RC_OK);
     EXPECT_EQ(request.addCycleRequest(&client, 10, 0, Keep(), 2), BSS::RC_INVALID_ARGUMENT);
     EXPECT_EQ(reports.Count("m_pAttachedAt == 0 && m_TimerId == 0"), 1u);
+    EXPECT_EQ(reports.Count("m_iRequestType == static_cast<uint8_t>(TIME_UNKNOWN)"), 1u);
     EXPECT_TRUE(Pass(10));
     EXPECT_EQ(calls, std::vector<std::uint32_t>{1});
 }

@@ -101,6 +101,46 @@ TEST(GpsClock, TheSystemsFollowsTheWallClockAndTheLeapSeconds)
     EXPECT_GE(UtcOfGpsTime(clock.now(), 18), before + 10000);
 }
 
+TEST(LeapSeconds, TheSourcesCountInTheirOrder)
+{
+    LeapSecondsC leap;
+    int seconds = 18;
+    for (const LeapSource source : {LeapSource::Site, LeapSource::Qzss, LeapSource::Sbas, LeapSource::Beidou,
+                                    LeapSource::Galileo, LeapSource::Glonass, LeapSource::Forced}) {
+        EXPECT_EQ(leap.set(source, ++seconds), BSS::RC_OK);
+        EXPECT_EQ(leap.getSource(), source);
+        EXPECT_EQ(leap.get(), seconds);
+    }
+    for (const LeapSource source :
+         {LeapSource::Forced, LeapSource::Glonass, LeapSource::Galileo, LeapSource::Beidou, LeapSource::Sbas,
+          LeapSource::Qzss, LeapSource::Site}) {
+        EXPECT_EQ(leap.getSource(), source);
+        EXPECT_EQ(leap.clear(source), BSS::RC_OK);
+        EXPECT_EQ(leap.get(), --seconds);
+    }
+    EXPECT_EQ(leap.getSource(), LeapSource::Default);
+}
+
+TEST(GpsClock, TheSystemsTellsItsObserversThatSomebodyHasSetIt)
+{
+    struct ToldC final : BSS::UTI::ObserverC
+    {
+        ~ToldC() override { detachAll(); }
+        void update(BSS::UTI::SubjectC&, std::uint32_t,
+                    const BSS::UTI::RefPtrT<BSS::UTI::SharedObjectC>&) override
+        {
+            ++times;
+        }
+        int times = 0;
+    } told;
+    SystemGpsClockC clock;
+    clock.getSubject().attach(told);
+    clock.notifyTimeSet();
+    EXPECT_EQ(told.times, 1);
+    clock.getLeapSeconds().set(LeapSource::Forced, 20);
+    EXPECT_EQ(told.times, 2);
+}
+
 TEST(GpsClock, ASimulatedOneStandsUntilItIsSet)
 {
     SimulatedGpsClockC clock({5, 10});

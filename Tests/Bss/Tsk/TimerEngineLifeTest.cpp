@@ -132,6 +132,47 @@ TEST_F(TimerTest, FiresNothingUntilTheSystemIsAwakeWhenToldToWaitForIt)
     engine.setWakeUpWait(false);
 }
 
+TEST_F(TimerTest, WhoWaitsForTheSystemToBeAwakeInOrderToSetATimerHoldsUpNobodyWhoKillsOne)
+{
+    Start();
+    EventC& awake = GetWakeUpRequestedEvent();
+    awake.reset();
+    engine.setWakeUpWait(true);
+    std::atomic<bool> begun{false};
+    std::atomic<std::uint32_t> id{0};
+    std::thread setter([&] {
+        begun = true;
+        id = Set(1000, 2);
+    });
+    EXPECT_TRUE(Support::Eventually([&] { return begun.load(); }));
+    for (int i = 0; i < 1000; ++i)
+        std::this_thread::yield();
+    EXPECT_EQ(engine.killTimer(0), BSS::RC_NOT_FOUND);
+    EXPECT_EQ(id.load(), 0u);
+    awake.set();
+    setter.join();
+    EXPECT_EQ(engine.killTimer(id.load()), BSS::RC_OK);
+    engine.setWakeUpWait(false);
+}
+
+TEST_F(TimerTest, ACallbackSetsATimerWithoutWaitingForTheSystemToBeAwake)
+{
+    Start();
+    EventC& awake = GetWakeUpRequestedEvent();
+    awake.set();
+    engine.setWakeUpWait(true);
+    std::atomic<std::uint32_t> id{0};
+    s_inside = [&](std::uint32_t, std::uint32_t) {
+        awake.reset(); // the system goes to sleep after the engine has looked
+        id = Set(1000, 2);
+    };
+    Set(1000, 1, 0, 0);
+    EXPECT_TRUE(Support::Eventually([&] { return id.load() != 0; }));
+    awake.set(); // lets an engine go that waits with its lock held
+    EXPECT_EQ(engine.killTimer(id.load()), BSS::RC_OK);
+    engine.setWakeUpWait(false);
+}
+
 TEST_F(TimerTest, StopsWhileItWaitsForTheSystemToBeAwake)
 {
     GetWakeUpRequestedEvent().reset();

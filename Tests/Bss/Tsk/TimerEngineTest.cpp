@@ -279,6 +279,24 @@ TEST_F(TimerTest, PulsesItsEvent)
     EXPECT_EQ(event.wait(0), BSS::RC_TIMED_OUT) << "a pulse leaves it reset";
 }
 
+TEST_F(TimerTest, APulseReleasesWhoeverWaitsAtThatMoment)
+{
+    EventC event;
+    Start();
+    const std::uint32_t id = engine.setTimer(10, 1, TimerTargetT(event.getHandle()), 0,
+                                             TIMER_PULSE_EVENT | TIMER_PERIODIC, TIMER_FIRST_AFTER_PERIOD);
+    std::atomic<bool> released{false};
+    std::thread waiting([&] { released = event.wait(20000) == BSS::RC_OK; });
+    // A pulse that comes before the thread has gone to sleep is none for it.
+    EXPECT_TRUE(Support::Eventually([&] {
+        EXPECT_TRUE(ticks.turn(10));
+        return released.load();
+    }));
+    waiting.join();
+    EXPECT_EQ(event.wait(0), BSS::RC_TIMED_OUT);
+    EXPECT_EQ(engine.killTimer(id), BSS::RC_OK);
+}
+
 TEST_F(TimerTest, AnyOtherKindIsReportedWhenItIsDue)
 {
     Start();
