@@ -20,10 +20,11 @@ namespace BSS::HAL {
 inline constexpr int PRIORITY_TIME_CRITICAL = 15;
 
 /// Gives a living thread a priority of the Windows scale: 15, 2, 1, 0, -1, -2 or -15. On Linux 15 is
-/// round-robin real time and the others are the nice values -10, -5, 0, 5, 10 and 19. There, what is above
-/// normal needs the permission to, and so does every way up: also the one from -1 to 0, which a thread has to
-/// go that has inherited the nice value of a creator below normal. False, and the priority is as before, when
-/// the system refuses.
+/// round-robin real time and the others are the nice values -10, -5, 0, 5, 10 and 19, counted from that of the
+/// process but for the last, and closer together where there is no room. There, what is above normal needs
+/// the permission to, and so does every way up: also the one from -1 to 0, which a thread has to go that has
+/// inherited the nice value of a creator below normal. False, and the priority is as before, when the system
+/// refuses.
 bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept;
 
 /// The calling thread may be ended by force from now on.

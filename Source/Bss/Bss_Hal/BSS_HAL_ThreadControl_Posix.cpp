@@ -6,6 +6,7 @@
 // noexcept function ends the whole process.
 #include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Niceness_Posix.h"
 #include "Bss/Bss_Hal/BSS_HAL_StaticLock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_WaitSlot_Posix.h"
@@ -75,22 +76,6 @@ int EndSignal() noexcept
     return number;
 }
 
-bool NiceOf(int priority, int& nice) noexcept
-{
-    struct RowT
-    {
-        int priority;
-        int nice;
-    };
-    static constexpr RowT ROWS[] = {{2, -10}, {1, -5}, {0, 0}, {-1, 5}, {-2, 10}, {-15, 19}};
-    for (const RowT& row : ROWS) {
-        if (row.priority != priority) continue;
-        nice = row.nice;
-        return true;
-    }
-    return false;
-}
-
 // One that has no priorities of its own.
 bool EnterClass(pid_t id, int before, int after) noexcept
 {
@@ -126,7 +111,7 @@ bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept
         return ::sched_setscheduler(id, SCHED_RR, &parameter) == 0;
     }
     int nice = 0;
-    if (!NiceOf(priority, nice)) return false;
+    if (!NiceOfPriority(priority, ProcessNice(), nice)) return false;
     const int policy = ::sched_getscheduler(id);
     if (policy < 0) return false;
     // Real time may always be left but not always be entered again, so it is left last; the other classes are

@@ -4,6 +4,7 @@
 // Thread ids are the kernel's, so that they match what system tools show.
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Niceness_Posix.h"
 #include "Bss/Bss_Hal/BSS_HAL_ThreadIdCache.h"
 #include "Bss/Bss_Hal/BSS_HAL_ThreadName.h"
 
@@ -48,10 +49,7 @@ int CurrentThreadPriority() noexcept
     if (policy == SCHED_FIFO || policy == SCHED_RR) return 15;
     errno = 0;
     const int nice = ::getpriority(PRIO_PROCESS, static_cast<id_t>(AskThreadId()));
-    if (errno != 0 || nice == 0) return 0;
-    if (nice < 0) return nice <= -10 ? 2 : 1;
-    if (nice == 19) return -15;
-    return nice >= 10 ? -2 : -1;
+    return errno != 0 ? 0 : PriorityOfNice(nice, ProcessNice());
 }
 
 void SpinPause() noexcept

@@ -8,6 +8,7 @@
 #include "PriorityPermission.h"
 #include "TaskFixture.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <sched.h>
@@ -101,6 +102,33 @@ int BackUpToNormal()
 TEST_F(ThreadPriorityTest, GoingBackFromBelowNormalNeedsThePermissionToo)
 {
     EXPECT_EXIT(OnAThread(&BackUpToNormal), testing::ExitedWithCode(DONE), "");
+}
+
+// As after `nice -n 10`, without the permission to undo it.
+int PrioritiesOfANiceProcess(Support::ReportCapture& reports, const TaskSettingsT& settings)
+{
+    const int before = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::getpid()));
+    const int nice = std::max(before, std::min(before + 10, 15));
+    for (const pid_t thread : {::getpid(), 0})
+        OR_EXIT(::setpriority(PRIO_PROCESS, static_cast<id_t>(thread), nice) == 0);
+    GiveUpPermissions();
+    int seen = 99;
+    WorkTaskC task(settings, [&] { seen = CurrentThreadPriority(); }); // of priority 0
+    task.start();
+    OR_EXIT(task.waitForStop(20000));
+    OR_EXIT(seen == 0);
+    OR_EXIT(reports.Reports().empty());
+    for (const int priority : {0, -1, -2, -15}) {
+        OR_EXIT(Apply(priority));
+        OR_EXIT(CurrentThreadPriority() == priority);
+    }
+    return DONE;
+}
+
+TEST_F(ThreadPriorityTest, PrioritiesAreRelativeToTheNiceValueOfTheProcess)
+{
+    EXPECT_EXIT(OnAThread([&] { return PrioritiesOfANiceProcess(reports, Settings()); }),
+                testing::ExitedWithCode(DONE), "");
 }
 
 int StartedFromBelowNormal(Support::ReportCapture& reports, const TaskSettingsT& settings)
