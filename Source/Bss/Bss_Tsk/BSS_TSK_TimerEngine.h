@@ -115,6 +115,10 @@ public:
     /// Sets the counter of ids; the next one drawn is the one behind it. For tests.
     void setIdCounter(std::uint32_t counter);
 
+protected:
+    /// For tests, inside a callback: the engine's lock guards it.
+    TimerIdMapC& getIdMap() noexcept { return m_ID2IdxMap; }
+
 private:
     static constexpr std::size_t RESOLUTIONS = 54;
     static constexpr std::uint32_t RESOLUTION_NONE = 55;

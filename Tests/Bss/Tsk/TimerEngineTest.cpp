@@ -289,6 +289,52 @@ TEST_F(TimerTest, AnyOtherKindIsReportedWhenItIsDue)
     EXPECT_EQ(Fired(), TimersT{});
 }
 
+// An engine whose map of ids can be spoiled.
+class OpenEngineC final : public TimerEngineC
+{
+public:
+    using TimerEngineC::getIdMap;
+    using TimerEngineC::TimerEngineC;
+};
+
+class SpoiledMapTest : public TimerTest
+{
+protected:
+    SpoiledMapTest()
+    {
+        EXPECT_EQ(open.start(1), 1);
+        reports.Clear();
+    }
+    ~SpoiledMapTest() override { open.stop(); }
+
+    OpenEngineC open{clock};
+};
+
+TEST_F(SpoiledMapTest, ATimerThatHasFiredAndIsNotInTheMapIsReported)
+{
+    s_inside = [&](std::uint32_t id, std::uint32_t) { open.getIdMap().erase(id); };
+    open.setTimer(10, 1, &OnTimer, 7, TIMER_ONE_SHOT, TIMER_FIRST_AFTER_PERIOD);
+    EXPECT_TRUE(ticks.turn(10));
+    EXPECT_EQ(Report(), "!\"ProcessTimer: iterator not found.\" 841");
+    EXPECT_EQ(reports.Reports().size(), 1u);
+    EXPECT_EQ(reports.Reports()[0].file, R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_TimerEngine)");
+    EXPECT_EQ(open.getActiveCount(), 0u);
+}
+
+TEST_F(SpoiledMapTest, ATimerThatHasFiredAndWhoseIdIsAnothersIsReported)
+{
+    TimerRecordT other;
+    s_inside = [&](std::uint32_t id, std::uint32_t) {
+        open.getIdMap().erase(id);
+        open.getIdMap().insert(id, other);
+    };
+    open.setTimer(10, 1, &OnTimer, 7, TIMER_ONE_SHOT, TIMER_FIRST_AFTER_PERIOD);
+    EXPECT_TRUE(ticks.turn(10));
+    EXPECT_EQ(Report(), "&m_Timers[ itID2Idx->second ] == lpTimer 836");
+    EXPECT_EQ(reports.Reports().size(), 1u);
+    EXPECT_EQ(open.getActiveCount(), 0u);
+}
+
 TEST_F(TimerTest, CallsBackWithItsIdAndItsUserValue)
 {
     std::uint32_t toldId = 0;
