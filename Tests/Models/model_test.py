@@ -3,7 +3,7 @@
 # Copyright (c) 2026 The ScanReader developers
 """Lets spin try every order of steps of a model. Without defects none may break a claim; with each of them one must.
 
-usage: model_test.py SPIN COMPILER MODEL [DEFECT...]
+usage: model_test.py SPIN COMPILER MODEL [DEFECT[,DEFINITION]...]
 """
 import pathlib
 import subprocess
@@ -26,7 +26,7 @@ def main():
     model = str(pathlib.Path(model).resolve())
     failed = False
     with tempfile.TemporaryDirectory() as folder:
-        for definitions in [[defect, 'CHANGERS=1'] for defect in defects] or [[]]:
+        for definitions in [defect.split(',') for defect in defects] or [[]]:
             report = search(spin, compiler, model, definitions, folder)
             complete = 'Search not completed' not in report and 'max search depth too small' not in report
             right = 'errors: 1\n' in report if definitions else complete and 'errors: 0\n' in report
