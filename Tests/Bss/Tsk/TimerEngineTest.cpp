@@ -4,6 +4,7 @@
 // Setting, firing and killing timers.
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerService.h"
 #include "Bss/Bss_Tsk/BSS_TSK_WakeUp.h"
 #include "Support/Eventually.h"
@@ -244,6 +245,8 @@ TEST_F(TimerTest, TheSmallestResolutionInUseCounts)
 TEST_F(TimerTest, TheSixtyFiveThousandFiveHundredAndThirtySixthOfOneResolutionIsRefused)
 {
     Start();
+    const BSS::HAL::PriorityBoostC
+        boost; // raised once and not with every timer, which takes its turn each time
     std::vector<std::uint32_t> ids;
     for (int i = 0; i < 65535; ++i)
         ids.push_back(engine.setTimer(1000, 7, &OnTimer, 0, 0, TIMER_FIRST_AFTER_PERIOD));
