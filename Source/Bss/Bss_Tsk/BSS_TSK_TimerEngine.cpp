@@ -43,6 +43,9 @@ constexpr std::uint32_t ID_LIMIT = 0x10000000; // sequence numbers are below
 constexpr unsigned ENGINE_SHIFT = 28;
 constexpr std::uint16_t MOST_USES = 65535;
 
+constexpr std::uint64_t LONGEST_ROW_MS = 10; // of timers that are due, before others are let in
+constexpr std::uint32_t GIVE_WAY_MS = 20;    // at most: somebody who was ended while he waited never comes
+
 void Report(bool condition, const char* expression, std::int32_t line)
 {
     if (!condition) ERR::AssertFailed(expression, 0, 0, BSS_SOURCE_NAME, line);
@@ -57,6 +60,24 @@ void LogThrown(const char* what)
 }
 
 } // namespace
+
+TimerEngineC::EntryC::EntryC(const TimerEngineC& engine) : m_engine(engine)
+{
+    m_engine.m_nWaiting.fetch_add(1);
+    try {
+        m_engine.m_timerLock.lock();
+    } catch (...) {
+        m_engine.m_nWaiting.fetch_sub(1);
+        throw;
+    }
+    m_engine.m_nWaiting.fetch_sub(1);
+    if (m_engine.m_bGivesWay.load()) HAL::SetWaitEvent(m_engine.m_hTimerEvent);
+}
+
+TimerEngineC::EntryC::~EntryC()
+{
+    m_engine.m_timerLock.unlock();
+}
 
 TimerEngineC::TimerEngineC(TIM::TickClockC& clock) : m_clock(clock) {}
 
@@ -77,7 +98,7 @@ TimerEngineC::~TimerEngineC()
 
 void TimerEngineC::ReportLeftOver()
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     BSS_ASSERT(m_ID2IdxMap.empty());
     Report(m_wheel.isEmpty(), "m_lpTimerList == 0", __LINE__);
     BSS_ASSERT(m_ulNbActiveTimers == 0);
@@ -116,7 +137,7 @@ int TimerEngineC::start(std::uint32_t engineId)
         return 0;
     }
     {
-        const GuardC timers(m_timerLock);
+        const EntryC entry(*this);
         m_engineId = engineId & 15;
         Empty();
         for (std::size_t i = 0; i < RESERVED_TIMERS; ++i)
@@ -137,7 +158,7 @@ int TimerEngineC::start(std::uint32_t engineId)
     HAL::CloseWaitHandle(arrived);
     Report(HAL::ApplyThreadPriority(m_threadId.load(), HAL::PRIORITY_TIME_CRITICAL), "0", LINE_PRIORITY);
     m_bStarted.store(true);
-    const GuardC timers(m_timerLock);
+    const EntryC entry(*this);
     m_hTimerEvent = event; // last: from here on timers can be set
     return 1;
 }
@@ -162,7 +183,7 @@ void TimerEngineC::Finish()
     m_bRunning.store(false);
     {
         // Not while a timer is being set: the event is closed below.
-        const GuardC timers(m_timerLock);
+        const EntryC entry(*this);
         event = std::exchange(m_hTimerEvent, HAL::NO_WAIT_HANDLE);
     }
     HAL::SetWaitEvent(event);
@@ -173,7 +194,7 @@ void TimerEngineC::Finish()
     m_threadId.store(0);
     m_bStarted.store(false);
     // Whatever was left has been told of and is gone.
-    const GuardC timers(m_timerLock);
+    const EntryC entry(*this);
     Empty();
 }
 
@@ -227,7 +248,7 @@ std::uint32_t TimerEngineC::Add(std::uint32_t periodMs, std::uint32_t resolution
 {
     if (!UseResolution(resolutionMs)) return 0;
     AwaitWakeUp();
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     if (m_hTimerEvent == HAL::NO_WAIT_HANDLE || !m_bRunning.load()) {
         ReleaseResolution(resolutionMs);
         return 0;
@@ -267,7 +288,7 @@ std::uint64_t TimerEngineC::DueTime(std::uint32_t periodMs, FirstT first)
 
 ResultCodeT TimerEngineC::killTimer(std::uint32_t timerId)
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     TimerRecordT* const timer = m_ID2IdxMap.find(timerId);
     if (timer == nullptr) return RC_NOT_FOUND;
     m_ID2IdxMap.erase(timerId);
@@ -282,7 +303,7 @@ ResultCodeT TimerEngineC::killTimer(std::uint32_t timerId)
 
 std::uint32_t TimerEngineC::getActiveCount() const
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     return m_ulNbActiveTimers;
 }
 
@@ -294,7 +315,7 @@ std::uint32_t TimerEngineC::getMinResolution() const
 
 void TimerEngineC::setIdCounter(std::uint32_t counter)
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     m_idCounter = counter;
 }
 
@@ -355,7 +376,11 @@ void TimerEngineC::Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived)
     HAL::AskForExactWaits();
     try {
         while (m_bRunning.load()) {
+            std::uint64_t rowBegin = m_clock.now();
             while (m_bRunning.load() && ProcessTimer(event)) {
+                if (m_nWaiting.load() == 0 || m_clock.now() - rowBegin < LONGEST_ROW_MS) continue;
+                GiveWay(event);
+                rowBegin = m_clock.now();
             }
             std::uint64_t wakeTime = TimerWheelC::NEVER;
             {
@@ -376,6 +401,18 @@ void TimerEngineC::Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived)
         m_bRunning.store(false);
         m_bStarted.store(false);
     }
+}
+
+// Whoever frees the lock and takes it again at once leaves out all who wait for it, the one who would kill
+// the timer that takes so long too. The engine's own event ends this, whatever it was set for: the thread
+// looks for what is due anyway.
+void TimerEngineC::GiveWay(HAL::WaitHandleT event)
+{
+    HAL::ResetWaitEvent(event);
+    // Sequentially consistent, as in EntryC: either this sees nobody wait, or that sees this.
+    m_bGivesWay.store(true);
+    if (m_nWaiting.load() != 0) HAL::WaitForOne(event, GIVE_WAY_MS);
+    m_bGivesWay.store(false);
 }
 
 // False when no timer is due.

@@ -8,7 +8,8 @@
 // Any thread may set and kill timers. Callbacks run on the engine's thread while the engine's lock is held: a
 // callback may set timers and kill any, its own included, but must not wait for another thread that does.
 // When kill returns, the timer's callback is not running any more, unless it is the one that kills. What a
-// callback throws is logged and goes no further.
+// callback throws is logged and goes no further. An engine that never catches up with what is due stops every
+// 10 ms for those who want to set or kill timers.
 //
 // Where the clock goes on while a computer is asleep, as on Windows, all that has fallen due meanwhile fires
 // when it wakes, each periodic timer as often as it missed. On Linux the clock stands still meanwhile, so
@@ -131,6 +132,19 @@ private:
         bool bTick;
     };
 
+    /// The timer lock, for all but the engine's own thread, which sees that somebody waits for it.
+    class EntryC
+    {
+    public:
+        explicit EntryC(const TimerEngineC& engine);
+        ~EntryC();
+        EntryC(const EntryC&) = delete;
+        EntryC& operator=(const EntryC&) = delete;
+
+    private:
+        const TimerEngineC& m_engine;
+    };
+
     std::uint32_t CheckAndAdd(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
                               std::uint32_t user, std::uint16_t flags, FirstT first);
     std::uint32_t Add(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
@@ -145,6 +159,7 @@ private:
     bool ProcessTimer(HAL::WaitHandleT event);
     void Notify(const TimerRecordT& timer);
     void Settle(TimerRecordT& timer);
+    void GiveWay(HAL::WaitHandleT event);
     void AwaitWakeUp() const;
     void AwaitWakeUpOrStop(HAL::WaitHandleT event) const;
     void Empty();
@@ -172,6 +187,8 @@ private:
     std::atomic<bool> m_bRunning{false};           // the thread is to go on, and timers may be set
     std::atomic<bool> m_bStarted{false}; // the answer of isRunning, which takes no lock: callbacks ask it
     std::atomic<bool> m_bWakeUpWait{false};
+    mutable std::atomic<std::uint32_t> m_nWaiting{0}; // threads that want the timer lock
+    std::atomic<bool> m_bGivesWay{false};             // the engine's thread waits for one of them to have it
 };
 
 } // namespace BSS::TSK::Timer

@@ -5,6 +5,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerService.h"
 #include "Bss/Bss_Tsk/BSS_TSK_WakeUp.h"
 #include "Support/Eventually.h"
@@ -448,6 +449,28 @@ TEST_F(TimerTest, WhenKillReturnsTheCallbackIsOver)
     engine.killTimer(id);
     EXPECT_TRUE(over.load());
     helper.join();
+}
+
+TEST_F(TimerTest, AnEngineThatNeverCatchesUpLetsOthersKillTheTimer)
+{
+    constexpr std::int64_t CALL_US = 1000;
+    std::atomic<int> calls{0};
+    s_inside = [&](std::uint32_t, std::uint32_t) {
+        ticks.add(100); // more than a period
+        const std::int64_t end = BSS::HAL::TickMicroseconds() + CALL_US;
+        while (BSS::HAL::TickMicroseconds() < end) {
+        }
+        ++calls;
+    };
+    Start();
+    for (int round = 0; round < 5; ++round) {
+        const std::uint32_t id = Set(10, 1, TIMER_PERIODIC, 0);
+        const int before = calls.load();
+        EXPECT_TRUE(Support::Eventually([&] { return calls.load() > before + 5; }));
+        const int seen = calls.load();
+        EXPECT_EQ(engine.killTimer(id), BSS::RC_OK);
+        EXPECT_LT(calls.load(), seen + 100);
+    }
 }
 
 TEST_F(TimerTest, TimersMayBeSetAndKilledFromManyThreadsWhileTheyFire)
