@@ -183,7 +183,9 @@ void CommandCoreC::ServeFailure(std::uint32_t error, HandlesT& handles)
 void CommandCoreC::ServeExtraEvent(HAL::WaitHandleT handle)
 {
     Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] handle extra event\n");
-    const HandlerTurnC turn(*side.load()); // before the look: whoever detaches it afterwards waits
+    CommandRunSideT& own = *side.load();
+    if (own.handlerWay.isWanted()) own.handlerWay.giveWay(letInEvent.getHandle());
+    const HandlerTurnC turn(own); // before the look: whoever detaches it afterwards waits
     std::shared_ptr<const ExtraEventHandlerT> handler; // a share, as it may detach itself
     {
         const HAL::EndShieldC shield;

@@ -44,7 +44,6 @@ constexpr unsigned ENGINE_SHIFT = 28;
 constexpr std::uint16_t MOST_USES = 65535;
 
 constexpr std::uint64_t LONGEST_ROW_MS = 10; // of timers that are due, before others are let in
-constexpr std::uint32_t GIVE_WAY_MS = 20;    // at most: somebody who was ended while he waited never comes
 
 void Report(bool condition, const char* expression, std::int32_t line)
 {
@@ -63,15 +62,7 @@ void LogThrown(const char* what)
 
 TimerEngineC::EntryC::EntryC(const TimerEngineC& engine) : m_engine(engine)
 {
-    m_engine.m_nWaiting.fetch_add(1);
-    try {
-        m_engine.m_timerLock.lock();
-    } catch (...) {
-        m_engine.m_nWaiting.fetch_sub(1);
-        throw;
-    }
-    m_engine.m_nWaiting.fetch_sub(1);
-    if (m_engine.m_bGivesWay.load()) HAL::SetWaitEvent(m_engine.m_hTimerEvent);
+    m_engine.m_way.lock(m_engine.m_timerLock, m_engine.m_hTimerEvent);
 }
 
 TimerEngineC::EntryC::~EntryC()
@@ -378,8 +369,8 @@ void TimerEngineC::Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived)
         while (m_bRunning.load()) {
             std::uint64_t rowBegin = m_clock.now();
             while (m_bRunning.load() && ProcessTimer(event)) {
-                if (m_nWaiting.load() == 0 || m_clock.now() - rowBegin < LONGEST_ROW_MS) continue;
-                GiveWay(event);
+                if (!m_way.isWanted() || m_clock.now() - rowBegin < LONGEST_ROW_MS) continue;
+                m_way.giveWay(event); // the thread looks for what is due anyway
                 rowBegin = m_clock.now();
             }
             std::uint64_t wakeTime = TimerWheelC::NEVER;
@@ -401,18 +392,6 @@ void TimerEngineC::Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived)
         m_bRunning.store(false);
         m_bStarted.store(false);
     }
-}
-
-// Whoever frees the lock and takes it again at once leaves out all who wait for it, the one who would kill
-// the timer that takes so long too. The engine's own event ends this, whatever it was set for: the thread
-// looks for what is due anyway.
-void TimerEngineC::GiveWay(HAL::WaitHandleT event)
-{
-    HAL::ResetWaitEvent(event);
-    // Sequentially consistent, as in EntryC: either this sees nobody wait, or that sees this.
-    m_bGivesWay.store(true);
-    if (m_nWaiting.load() != 0) HAL::WaitForOne(event, GIVE_WAY_MS);
-    m_bGivesWay.store(false);
 }
 
 // False when no timer is due.

@@ -20,6 +20,7 @@
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
 #include "Bss/Bss_Hal/BSS_HAL_Waitable.h"
 #include "Bss/Bss_Tim/BSS_TIM_TickClock.h"
+#include "Bss/Bss_Tsk/BSS_TSK_GiveWay.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerIdMap.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerRecord.h"
@@ -159,7 +160,6 @@ private:
     bool ProcessTimer(HAL::WaitHandleT event);
     void Notify(const TimerRecordT& timer);
     void Settle(TimerRecordT& timer);
-    void GiveWay(HAL::WaitHandleT event);
     void AwaitWakeUp() const;
     void AwaitWakeUpOrStop(HAL::WaitHandleT event) const;
     void Empty();
@@ -187,8 +187,7 @@ private:
     std::atomic<bool> m_bRunning{false};           // the thread is to go on, and timers may be set
     std::atomic<bool> m_bStarted{false}; // the answer of isRunning, which takes no lock: callbacks ask it
     std::atomic<bool> m_bWakeUpWait{false};
-    mutable std::atomic<std::uint32_t> m_nWaiting{0}; // threads that want the timer lock
-    std::atomic<bool> m_bGivesWay{false};             // the engine's thread waits for one of them to have it
+    mutable GiveWayC m_way; // to the timer lock
 };
 
 } // namespace BSS::TSK::Timer
