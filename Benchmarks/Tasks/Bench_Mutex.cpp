@@ -7,7 +7,9 @@
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Semaphore.h"
 
+#include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
@@ -49,6 +51,26 @@ void Contended(MutexT& mutex, unsigned nThreads)
         thread.join();
     if (ulCount != s_uiContended / nThreads * nThreads) std::abort();
 }
+
+// Nothing but the two atomic steps that no mutex with waiting threads can do without: what is left to gain.
+class TwoStepsC
+{
+public:
+    void lock()
+    {
+        std::uint32_t free = 0;
+        while (!m_word.compare_exchange_strong(free, 1, std::memory_order_acquire))
+            free = 0;
+    }
+    void unlock()
+    {
+        std::uint32_t held = 1;
+        m_word.compare_exchange_strong(held, 0, std::memory_order_release);
+    }
+
+private:
+    std::atomic<std::uint32_t> m_word{0};
+};
 
 // The plain way to make one.
 class PlainSemaphoreC
@@ -121,8 +143,10 @@ void RunMutex(const OptionsT& options)
     std::thread([] {}).join();
     std::recursive_mutex theirs;
     BSS::TSK::MutexC ours;
+    TwoStepsC bare;
     std::vector<CandidateT> alone = {{"std::recursive_mutex", [&] { Alone(theirs); }},
-                                     {"MutexC", [&] { Alone(ours); }}};
+                                     {"MutexC", [&] { Alone(ours); }},
+                                     {"two compare-and-swaps", [&] { Alone(bare); }}};
     RunInterleaved(alone, options.nRounds);
     PrintTimes(alone);
     PrintRatio("uncontended, MutexC / std::recursive_mutex", RatioOf(alone), "at most 0.7");

@@ -9,6 +9,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Niceness_Posix.h"
 #include "Bss/Bss_Hal/BSS_HAL_StaticLock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Hal/BSS_HAL_WaitSlot_Posix.h"
 
 #include <atomic>
@@ -142,16 +143,17 @@ void ForbidForcedEnd() noexcept
 
 bool EndThreadByForce(std::uint32_t threadId, std::uint32_t) noexcept
 {
-    constexpr int ROUNDS = 10000; // of 100 microseconds
+    constexpr std::uint64_t LIMIT_MS = 1000;
     const int number = EndSignal();
     if (number == 0 || threadId == CurrentThreadId()) return false;
     const std::lock_guard<StaticLockC> guard(s_endLock);
     s_threadToEnd.store(threadId);
     bool sent = ::syscall(SYS_tgkill, ::getpid(), threadId, number) == 0;
-    for (int round = 0; sent && IsAlive(threadId); ++round) {
+    const std::uint64_t end = TickCount64() + LIMIT_MS;
+    while (sent && IsAlive(threadId)) {
         const timespec pause = {0, 100000};
         ::nanosleep(&pause, nullptr);
-        if (round < ROUNDS) continue;
+        if (TickCount64() < end) continue;
         // Either the thread goes on for good, or it has begun to end and will be gone in a moment.
         std::uint32_t wanted = threadId;
         sent = !s_threadToEnd.compare_exchange_strong(wanted, 0);

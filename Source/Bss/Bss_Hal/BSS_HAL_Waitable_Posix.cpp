@@ -4,7 +4,8 @@
 // A thread that waits puts itself into the list of every handle and sleeps. Whoever sets an event that has a
 // list hands the signal over under the lock: he takes the thread out of all its lists and stores its answer,
 // so no signal can fall between two threads. Threads sleep on a word of their own, or, if one of
-// their handles is a descriptor, in poll with one more descriptor that wakes them.
+// their handles is a descriptor, in poll with one more descriptor that wakes them. Tests/Models/waitable.pml
+// goes through every order of these steps, and has to change with them.
 #include "Bss/Bss_Hal/BSS_HAL_Waitable.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"

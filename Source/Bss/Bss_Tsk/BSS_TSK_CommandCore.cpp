@@ -144,7 +144,8 @@ ResultCodeT CommandCoreC::Detach(HAL::WaitHandleT handle)
     // The handler may be running at this moment.
     CommandRunSideT& own = *side.load();
     if (own.handlerThread.load() == HAL::CurrentThreadId()) return RC_OK;
-    const GuardC guard(own.handlerGate);
+    own.handlerWay.lock(own.handlerGate, letInEvent.getHandle());
+    own.handlerGate.unlock();
     return RC_OK;
 }
 

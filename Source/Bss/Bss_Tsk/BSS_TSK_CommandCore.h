@@ -10,6 +10,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Waitable.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandPosting.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Event.h"
+#include "Bss/Bss_Tsk/BSS_TSK_GiveWay.h"
 #include "Bss/Bss_Tsk/BSS_TSK_MsgQueue.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Semaphore.h"
@@ -38,6 +39,7 @@ struct CommandRunSideT
     TakenMsgsT taken;
     MsgPtrT current;                             ///< the message that is being executed
     SemaphoreC handlerGate{1};                   ///< taken while an event handler runs
+    GiveWayC handlerWay;                         ///< to that
     std::atomic<std::uint32_t> handlerThread{0}; ///< on which one runs
     SemaphoreC hookGate{1};                      ///< taken while the time-out hook runs
 };
@@ -77,6 +79,7 @@ public:
     MsgQueueC queue;
     EventC queueEvent{HAL::ResetMode::Manual};
     EventC reloadEvent;
+    EventC letInEvent; ///< somebody who detaches an event has the handler gate
     std::atomic<CommandRunSideT*> side{new CommandRunSideT};
     std::atomic<std::uint32_t> waitTimeoutMs{HAL::WAIT_WITHOUT_LIMIT};
     std::atomic<bool> bOverflow{false};

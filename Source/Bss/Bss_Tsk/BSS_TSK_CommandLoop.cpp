@@ -2,7 +2,8 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The loop of a command task, on its thread. Nothing that is called from here ends it but a stop request, a
-// kill, and boost::thread_interrupted.
+// kill, and boost::thread_interrupted. In which order the queue, its event and the flags are looked at is
+// what Tests/Models/queue.pml checks, which has to change with it.
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
@@ -183,7 +184,9 @@ void CommandCoreC::ServeOwnEvents(HandlesT& handles, bool& bLeave)
 void CommandCoreC::ServeExtraEvent(HAL::WaitHandleT handle)
 {
     Log(DBG::LEVEL_FINE, "[BSS::TSK::CommandTaskC] handle extra event\n");
-    const HandlerTurnC turn(*side.load()); // before the look: whoever detaches it afterwards waits
+    CommandRunSideT& own = *side.load();
+    if (own.handlerWay.isWanted()) own.handlerWay.giveWay(letInEvent.getHandle());
+    const HandlerTurnC turn(own); // before the look: whoever detaches it afterwards waits
     std::shared_ptr<const ExtraEventHandlerT> handler; // a share, as it may detach itself
     {
         const HAL::EndShieldC shield;

@@ -38,7 +38,6 @@ constexpr std::int32_t LINE_KILLED = 406;
 constexpr std::int32_t LINE_BELOW_NORMAL = 531;
 constexpr std::int32_t LINE_SET_PRIORITY = 543;
 
-constexpr int FRIENDLY_KILL_MS = 42;
 constexpr std::uint32_t KILLED_EXIT_CODE = 0xFFFFFFFE;
 
 void KeepTask(TaskC*) {}
@@ -211,7 +210,7 @@ void TaskC::KillRun(const ThreadT& thread, const std::function<void()>& whenForc
     if (m_settings.assertOnKill) BSS_ASSERT_AT(!"Task killed!", LINE_KILLED);
     thread.thread->interrupt();
     bool bForced = false;
-    if (!run.awaitEnd(FRIENDLY_KILL_MS)) {
+    if (!run.awaitEnd(m_friendlyKillMs)) {
         Log(getLogger(), DBG::LEVEL_ERROR,
             "TaskC::friendly kill failed! No interruption point found in task name='%s', id=%08x\r\n",
             getName(), id);

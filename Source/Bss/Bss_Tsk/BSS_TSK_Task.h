@@ -102,7 +102,13 @@ protected:
     /// as running, so that no start comes in between.
     void killThread(const std::function<void()>& whenForced = {});
 
+    /// How long kill() waits before it ends the thread by force. For tests of what comes of a friendly kill
+    /// where the machine may be too slow for 42 ms; before the thread that kills.
+    void setFriendlyKillLimit(int limitMs) noexcept { m_friendlyKillMs = limitMs; }
+
 private:
+    static constexpr int FRIENDLY_KILL_MS = 42;
+
     /// What is known of the thread at one moment, both null when there is none.
     struct ThreadT
     {
@@ -119,6 +125,7 @@ private:
     void LogWait(std::uint32_t id, int timeoutMs) const;
 
     TaskSettingsT m_settings;
+    int m_friendlyKillMs = FRIENDLY_KILL_MS;
     mutable MutexC m_lock; // guards the two pointers below
     ThreadT m_thread;
 };

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // What a time service request, the timer engine and the messages in a client's queue have together; the last
-// of them frees it. For the sources of BSS_TSK_TimeService* only.
+// of them frees it. For the sources of BSS_TSK_TimeService* and tests only.
 //
 // The engine calls with its lock held and then takes the request's; so nobody calls the engine with the
 // request's lock held but the engine's own thread.

@@ -43,6 +43,8 @@ constexpr std::uint32_t ID_LIMIT = 0x10000000; // sequence numbers are below
 constexpr unsigned ENGINE_SHIFT = 28;
 constexpr std::uint16_t MOST_USES = 65535;
 
+constexpr std::uint64_t LONGEST_ROW_MS = 10; // of timers that are due, before others are let in
+
 void Report(bool condition, const char* expression, std::int32_t line)
 {
     if (!condition) ERR::AssertFailed(expression, 0, 0, BSS_SOURCE_NAME, line);
@@ -57,6 +59,16 @@ void LogThrown(const char* what)
 }
 
 } // namespace
+
+TimerEngineC::EntryC::EntryC(const TimerEngineC& engine) : m_engine(engine)
+{
+    m_engine.m_way.lock(m_engine.m_timerLock, m_engine.m_hTimerEvent);
+}
+
+TimerEngineC::EntryC::~EntryC()
+{
+    m_engine.m_timerLock.unlock();
+}
 
 TimerEngineC::TimerEngineC(TIM::TickClockC& clock) : m_clock(clock) {}
 
@@ -77,7 +89,7 @@ TimerEngineC::~TimerEngineC()
 
 void TimerEngineC::ReportLeftOver()
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     BSS_ASSERT(m_ID2IdxMap.empty());
     Report(m_wheel.isEmpty(), "m_lpTimerList == 0", __LINE__);
     BSS_ASSERT(m_ulNbActiveTimers == 0);
@@ -116,7 +128,7 @@ int TimerEngineC::start(std::uint32_t engineId)
         return 0;
     }
     {
-        const GuardC timers(m_timerLock);
+        const EntryC entry(*this);
         m_engineId = engineId & 15;
         Empty();
         for (std::size_t i = 0; i < RESERVED_TIMERS; ++i)
@@ -137,7 +149,7 @@ int TimerEngineC::start(std::uint32_t engineId)
     HAL::CloseWaitHandle(arrived);
     Report(HAL::ApplyThreadPriority(m_threadId.load(), HAL::PRIORITY_TIME_CRITICAL), "0", LINE_PRIORITY);
     m_bStarted.store(true);
-    const GuardC timers(m_timerLock);
+    const EntryC entry(*this);
     m_hTimerEvent = event; // last: from here on timers can be set
     return 1;
 }
@@ -162,7 +174,7 @@ void TimerEngineC::Finish()
     m_bRunning.store(false);
     {
         // Not while a timer is being set: the event is closed below.
-        const GuardC timers(m_timerLock);
+        const EntryC entry(*this);
         event = std::exchange(m_hTimerEvent, HAL::NO_WAIT_HANDLE);
     }
     HAL::SetWaitEvent(event);
@@ -173,7 +185,7 @@ void TimerEngineC::Finish()
     m_threadId.store(0);
     m_bStarted.store(false);
     // Whatever was left has been told of and is gone.
-    const GuardC timers(m_timerLock);
+    const EntryC entry(*this);
     Empty();
 }
 
@@ -227,7 +239,7 @@ std::uint32_t TimerEngineC::Add(std::uint32_t periodMs, std::uint32_t resolution
 {
     if (!UseResolution(resolutionMs)) return 0;
     AwaitWakeUp();
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     if (m_hTimerEvent == HAL::NO_WAIT_HANDLE || !m_bRunning.load()) {
         ReleaseResolution(resolutionMs);
         return 0;
@@ -267,7 +279,7 @@ std::uint64_t TimerEngineC::DueTime(std::uint32_t periodMs, FirstT first)
 
 ResultCodeT TimerEngineC::killTimer(std::uint32_t timerId)
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     TimerRecordT* const timer = m_ID2IdxMap.find(timerId);
     if (timer == nullptr) return RC_NOT_FOUND;
     m_ID2IdxMap.erase(timerId);
@@ -282,7 +294,7 @@ ResultCodeT TimerEngineC::killTimer(std::uint32_t timerId)
 
 std::uint32_t TimerEngineC::getActiveCount() const
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     return m_ulNbActiveTimers;
 }
 
@@ -294,7 +306,7 @@ std::uint32_t TimerEngineC::getMinResolution() const
 
 void TimerEngineC::setIdCounter(std::uint32_t counter)
 {
-    const GuardC guard(m_timerLock);
+    const EntryC entry(*this);
     m_idCounter = counter;
 }
 
@@ -355,7 +367,11 @@ void TimerEngineC::Run(HAL::WaitHandleT event, HAL::WaitHandleT arrived)
     HAL::AskForExactWaits();
     try {
         while (m_bRunning.load()) {
+            std::uint64_t rowBegin = m_clock.now();
             while (m_bRunning.load() && ProcessTimer(event)) {
+                if (!m_way.isWanted() || m_clock.now() - rowBegin < LONGEST_ROW_MS) continue;
+                m_way.giveWay(event); // the thread looks for what is due anyway
+                rowBegin = m_clock.now();
             }
             std::uint64_t wakeTime = TimerWheelC::NEVER;
             {

@@ -8,7 +8,8 @@
 // Any thread may set and kill timers. Callbacks run on the engine's thread while the engine's lock is held: a
 // callback may set timers and kill any, its own included, but must not wait for another thread that does.
 // When kill returns, the timer's callback is not running any more, unless it is the one that kills. What a
-// callback throws is logged and goes no further.
+// callback throws is logged and goes no further. An engine that never catches up with what is due stops every
+// 10 ms for those who want to set or kill timers.
 //
 // Where the clock goes on while a computer is asleep, as on Windows, all that has fallen due meanwhile fires
 // when it wakes, each periodic timer as often as it missed. On Linux the clock stands still meanwhile, so
@@ -19,6 +20,7 @@
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
 #include "Bss/Bss_Hal/BSS_HAL_Waitable.h"
 #include "Bss/Bss_Tim/BSS_TIM_TickClock.h"
+#include "Bss/Bss_Tsk/BSS_TSK_GiveWay.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Mutex.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerIdMap.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerRecord.h"
@@ -115,6 +117,10 @@ public:
     /// Sets the counter of ids; the next one drawn is the one behind it. For tests.
     void setIdCounter(std::uint32_t counter);
 
+protected:
+    /// For tests, inside a callback: the engine's lock guards it.
+    TimerIdMapC& getIdMap() noexcept { return m_ID2IdxMap; }
+
 private:
     static constexpr std::size_t RESOLUTIONS = 54;
     static constexpr std::uint32_t RESOLUTION_NONE = 55;
@@ -125,6 +131,19 @@ private:
     {
         std::uint64_t value;
         bool bTick;
+    };
+
+    /// The timer lock, for all but the engine's own thread, which sees that somebody waits for it.
+    class EntryC
+    {
+    public:
+        explicit EntryC(const TimerEngineC& engine);
+        ~EntryC();
+        EntryC(const EntryC&) = delete;
+        EntryC& operator=(const EntryC&) = delete;
+
+    private:
+        const TimerEngineC& m_engine;
     };
 
     std::uint32_t CheckAndAdd(std::uint32_t periodMs, std::uint32_t resolutionMs, TimerTargetT target,
@@ -168,6 +187,7 @@ private:
     std::atomic<bool> m_bRunning{false};           // the thread is to go on, and timers may be set
     std::atomic<bool> m_bStarted{false}; // the answer of isRunning, which takes no lock: callbacks ask it
     std::atomic<bool> m_bWakeUpWait{false};
+    mutable GiveWayC m_way; // to the timer lock
 };
 
 } // namespace BSS::TSK::Timer

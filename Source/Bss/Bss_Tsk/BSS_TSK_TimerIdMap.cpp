@@ -4,22 +4,27 @@
 // See the header.
 #include "Bss/Bss_Tsk/BSS_TSK_TimerIdMap.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace BSS::TSK::Timer {
 
 namespace {
 
-constexpr std::size_t FIRST_SIZE = 256; // always a power of two
+constexpr unsigned FIRST_BITS = 8;
+constexpr unsigned GROUP_BITS = 2;           // so many neighbours stay together, in one cache line
+constexpr std::uint32_t SPREAD = 0x9E3779B1; // 2^32 by the golden ratio: neighbouring groups end up far apart
 
 } // namespace
 
-TimerIdMapC::TimerIdMapC() : m_entries(FIRST_SIZE) {}
+TimerIdMapC::TimerIdMapC()
+    : m_entries(std::size_t{1} << FIRST_BITS), m_homeShift(32 - FIRST_BITS + GROUP_BITS)
+{}
 
-// Ids count up, so their low bits spread them as well as anything could.
 std::size_t TimerIdMapC::Home(std::uint32_t id) const noexcept
 {
-    return id & (m_entries.size() - 1);
+    const std::uint32_t home = (id >> GROUP_BITS) * SPREAD >> m_homeShift;
+    return home << GROUP_BITS | (id & ((1u << GROUP_BITS) - 1));
 }
 
 // Where the id is, or where it would be put.
@@ -68,10 +73,22 @@ void TimerIdMapC::clear() noexcept
     m_nUsed = 0;
 }
 
+std::size_t TimerIdMapC::getLongestRun() const noexcept
+{
+    std::size_t longest = 0;
+    std::size_t run = 0;
+    for (std::size_t i = 0; i < 2 * m_entries.size(); ++i) { // twice, for a run across the end
+        run = m_entries[i % m_entries.size()].id != 0 ? run + 1 : 0;
+        longest = std::max(longest, run);
+    }
+    return longest;
+}
+
 void TimerIdMapC::Grow()
 {
     std::vector<EntryT> larger(m_entries.size() * 2);
     m_entries.swap(larger);
+    --m_homeShift;
     for (const EntryT& entry : larger)
         if (entry.id != 0) m_entries[PlaceOf(entry.id)] = entry;
 }

@@ -58,6 +58,7 @@ protected:
     public:
         using CommandTaskC::CommandTaskC;
         using CommandTaskC::getCore;
+        using CommandTaskC::setFriendlyKillLimit;
         std::atomic<int> timeouts{0};
 
     protected:

@@ -68,7 +68,8 @@ using CommandTaskStress = CommandTaskTest;
 TEST_F(CommandTaskStress, NoMessageIsLostOrRunTwiceOrOutOfOrderHoweverTheTaskIsTreated)
 {
     log->setLevel(8);
-    Make(64); // small, so that it overflows often
+    Make(64);                          // small, so that it overflows often
+    task->setFriendlyKillLimit(20000); // a thread that is ended by force takes messages with it
     TaskTests::CountingObserverC overflows;
     task->getOverflowSubject().attach(overflows);
     std::vector<LedgerT> ledgers(PRODUCERS);

@@ -445,6 +445,7 @@ TEST_F(CommandTaskTest, OneWhoseHookDoesNotComeBackCanBeDestroyed)
 TEST_F(CommandTaskTest, KillOfAnIdleTaskIsFriendly)
 {
     Make(10);
+    task->setFriendlyKillLimit(20000);
     task->start();
     EXPECT_TRUE(Support::Eventually([&] { return task->getStatistics().getWaitCount() > 0; }));
     task->kill();

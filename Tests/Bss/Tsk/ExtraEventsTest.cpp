@@ -92,6 +92,34 @@ TEST_F(ExtraEventsTest, AHandlerMayDetachItself)
     EXPECT_EQ(calls.load(), 1);
 }
 
+TEST_F(ExtraEventsTest, AHandlerThatIsAlwaysCalledAgainLetsOthersDetach)
+{
+    constexpr std::int64_t CALL_US = 1000;
+    TskMgr::instance().setTaskOptions(TaskTests::OPTION, {15, 0}); // where it may, the task leaves others out
+    EventC busy(ResetMode::Manual, true);
+    EventC other;
+    std::atomic<int> calls{0};
+    Make(10);
+    task->start();
+    reports.Clear(); // a refused priority
+    task->attachEvent(busy.getHandle(), [&](WaitHandleT) {
+        const std::int64_t end = TickMicroseconds() + CALL_US;
+        while (TickMicroseconds() < end) {
+        }
+        ++calls;
+    });
+    for (int round = 0; round < 5; ++round) {
+        task->attachEvent(other.getHandle(), [](WaitHandleT) {});
+        const int before = calls.load();
+        EXPECT_TRUE(Support::Eventually([&] { return calls.load() > before + 5; }));
+        const int seen = calls.load();
+        EXPECT_EQ(task->detachEvent(other.getHandle()), BSS::RC_OK);
+        EXPECT_LT(calls.load(), seen + 100);
+    }
+    busy.reset();
+    End();
+}
+
 TEST_F(ExtraEventsTest, WhatAHandlerThrowsIsLoggedAndTheLoopGoesOn)
 {
     EventC event;

@@ -51,6 +51,24 @@ TEST(Event, ResetAndPulseLeaveNoSignal)
     EXPECT_EQ(event.wait(0), BSS::RC_TIMED_OUT);
 }
 
+TEST(Event, WaitingIsNoInterruptionPoint)
+{
+    EventC event;
+    std::atomic<bool> entered{false};
+    std::atomic<bool> interrupted{false};
+    boost::thread waiting([&] {
+        entered = true;
+        EXPECT_EQ(event.wait(20000), BSS::RC_OK);
+        EXPECT_EQ(event.wait(1), BSS::RC_TIMED_OUT);
+        interrupted = boost::this_thread::interruption_requested();
+    });
+    EXPECT_TRUE(Support::Eventually([&] { return entered.load(); }));
+    waiting.interrupt();
+    event.set();
+    waiting.join();
+    EXPECT_TRUE(interrupted.load()) << "it stays asked for";
+}
+
 TEST(Event, ThrowsWhenTheSystemHasNone)
 {
     BSS::HAL::OrderFault(BSS::HAL::FaultT::Event, 1);

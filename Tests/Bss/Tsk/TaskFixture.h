@@ -43,6 +43,7 @@ public:
     WorkTaskC(BSS::TSK::TaskSettingsT settings, std::function<void()> work)
         : TaskC(std::move(settings)), m_work(std::make_shared<std::function<void()>>(std::move(work)))
     {}
+    using TaskC::setFriendlyKillLimit;
 
 protected:
     void main() override

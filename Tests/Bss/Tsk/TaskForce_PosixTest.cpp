@@ -7,10 +7,13 @@
 #include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Event.h"
+#include "Bss/Bss_Uti/BSS_UTI_Format.h"
+#include "Support/ChildExpect.h"
 #include "Support/Eventually.h"
 #include "TaskFixture.h"
 
 #include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <sched.h>
 #include <thread>
@@ -22,14 +25,6 @@ using TaskTests::WorkTaskC;
 namespace {
 
 using TaskForceTest = TaskTest;
-
-#define CHILD_EXPECT(condition)                                                                              \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            std::fprintf(stderr, "line %d: %s\n", __LINE__, #condition);                                     \
-            std::_Exit(1);                                                                                   \
-        }                                                                                                    \
-    } while (false)
 
 void KillASpinningTask(const std::shared_ptr<Support::LogRecorder>& log, TaskSettingsT settings)
 {
@@ -135,6 +130,43 @@ void KillACommandTask(TaskSettingsT settings)
 TEST_F(TaskForceTest, ACommandTaskThatWasEndedByForceServesAgainAfterAStart)
 {
     EXPECT_EXIT(KillACommandTask(Settings("commands")), testing::ExitedWithCode(0), "");
+}
+
+// A thread that lets no signal through: it cannot be ended, and is not when it lets them through later.
+void KillATaskThatCannotBeEnded(const std::shared_ptr<Support::LogRecorder>& log, TaskSettingsT settings)
+{
+    std::atomic<bool> entered{false};
+    std::atomic<bool> quit{false};
+    std::atomic<bool> ended{false};
+    WorkTaskC task(std::move(settings), [&] {
+        sigset_t all;
+        sigset_t before;
+        ::sigfillset(&all);
+        ::pthread_sigmask(SIG_BLOCK, &all, &before);
+        entered = true;
+        while (!quit.load())
+            ::sched_yield();
+        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        ended = true;
+    });
+    task.start();
+    CHILD_EXPECT(Support::Eventually([&] { return entered.load(); }));
+    const std::uint32_t id = task.getTaskId();
+    task.kill();
+    CHILD_EXPECT(log->Has(
+        BSS::UTI::Format("6 TaskC::kill() the system did not end task name='unreachable', id=%08x\r\n", id)));
+    CHILD_EXPECT(task.isRunning());
+    CHILD_EXPECT(task.getTaskId() == id);
+    CHILD_EXPECT(task.getState() == ComponentState::Stopped);
+    quit = true;
+    CHILD_EXPECT(task.waitForStop(20000));
+    CHILD_EXPECT(ended.load());
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, AKillThatTheSystemDoesNotCarryOutIsLoggedAndTheTaskGoesOn)
+{
+    EXPECT_EXIT(KillATaskThatCannotBeEnded(log, Settings("unreachable")), testing::ExitedWithCode(0), "");
 }
 
 // Others wait for the task without limit while it is ended.

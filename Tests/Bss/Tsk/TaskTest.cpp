@@ -268,6 +268,7 @@ TEST_F(TaskTest, WaitingForItselfThrows)
 TEST_F(TaskTest, KillOfATaskThatListensIsFriendly)
 {
     WorkTaskC task(Settings("friendly"), &UntilInterrupted);
+    task.setFriendlyKillLimit(20000);
     task.start();
     const std::uint32_t id = task.getTaskId();
     task.kill();
@@ -291,6 +292,7 @@ TEST_F(TaskTest, KillIsAssertedWhenTheTaskSaysSo)
     TaskSettingsT settings = Settings();
     settings.assertOnKill = true;
     WorkTaskC task(settings, &UntilInterrupted);
+    task.setFriendlyKillLimit(20000);
     task.start();
     task.kill();
     ASSERT_EQ(reports.Reports().size(), 1u);
@@ -434,6 +436,7 @@ TEST_F(TaskTest, StartedStoppedAndWaitedForFromManyThreadsItEndsInOrder)
 TEST_F(TaskTest, AskedStoppedKilledAndWaitedForFromManyThreadsAtOnceItEnds)
 {
     WorkTaskC task(Settings(), &UntilInterrupted);
+    task.setFriendlyKillLimit(20000);
     for (int round = 0; round < 50; ++round) {
         task.start();
         std::thread waiting([&] { EXPECT_TRUE(task.waitForStop(-1)); });

@@ -4,10 +4,10 @@
 // Priorities without the permission to, each in a child process.
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerEngine.h"
+#include "Support/ChildExpect.h"
 #include "TaskFixture.h"
 
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -20,14 +20,6 @@ using TaskTests::WorkTaskC;
 namespace {
 
 using TaskPermissionTest = TaskTest;
-
-#define CHILD_EXPECT(condition)                                                                              \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            std::fprintf(stderr, "line %d: %s\n", __LINE__, #condition);                                     \
-            std::_Exit(1);                                                                                   \
-        }                                                                                                    \
-    } while (false)
 
 void GiveUpPermissions()
 {

@@ -5,6 +5,7 @@
 // a test starts it; what it was posted is looked at in its queue.
 #include "Bss/Bss_Tim/BSS_TIM_GpsClock.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
+#include "Bss/Bss_Tsk/BSS_TSK_TimeRequest.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimeServiceContainer.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimeServiceRequest.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
@@ -359,6 +360,51 @@ TEST_F(TimeServiceTest, ACycleOfZeroIsReportedAndRefused)
     EXPECT_EQ(request.addCycleRequest(&client, 0, 0, Keep()), BSS::RC_FAILED);
     EXPECT_EQ(Report(), "m_iCycle>0 593");
     EXPECT_FALSE(request.isRunning());
+}
+
+// What no request does by itself: one of its parts with values that do not go together.
+class ArmedPartTest : public TimeServiceTest
+{
+protected:
+    std::string ReportOf(TimeRequestType type, std::uint32_t cycleMs, std::uint32_t offsetMs)
+    {
+        reports.Clear();
+        part->pCmdClient = &client;
+        part->slotTime = engine.getClock().now() + 1000; // it does not come to that
+        part->target = GpsTimeT{2301, 0};
+        part->type = type;
+        part->cycleMs = cycleMs;
+        part->offsetMs = offsetMs;
+        armed = part->Arm(0);
+        static_cast<void>(engine.killTimer(armed));
+        return Report();
+    }
+
+    const std::shared_ptr<TimeRequestT> part = TimeRequestT::Make(engine, gps, log);
+    std::uint32_t armed = 0;
+};
+
+TEST_F(ArmedPartTest, ACycleInARelativeRequestIsReported)
+{
+    EXPECT_EQ(ReportOf(TIME_ONE_SHOT_RELATIVE, 0, 5), "none");
+    EXPECT_EQ(ReportOf(TIME_ONE_SHOT_RELATIVE, 1, 0), "m_iCycle == 0 638");
+    EXPECT_NE(armed, 0u) << "it is told of, and set all the same";
+}
+
+TEST_F(ArmedPartTest, ACycleOrAnOffsetInAnAbsoluteRequestIsReported)
+{
+    EXPECT_EQ(ReportOf(TIME_ONE_SHOT_ABSOLUTE, 0, 0), "none");
+    EXPECT_EQ(ReportOf(TIME_ONE_SHOT_ABSOLUTE, 1, 0), "m_iCycle == 0 && m_iOffset == 0 663");
+    EXPECT_EQ(ReportOf(TIME_ONE_SHOT_ABSOLUTE, 0, 1), "m_iCycle == 0 && m_iOffset == 0 663");
+    EXPECT_NE(armed, 0u);
+}
+
+TEST_F(ArmedPartTest, AnyOtherTypeIsReportedAndSetsNoTimer)
+{
+    EXPECT_EQ(ReportOf(TIME_UNKNOWN, 0, 0), "false 669");
+    EXPECT_EQ(armed, 0u);
+    EXPECT_EQ(ReportOf(static_cast<TimeRequestType>(4), 0, 0), "false 669");
+    EXPECT_EQ(reports.Reports()[0].file, R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_TimeServiceRequest)");
 }
 
 TEST_F(TimeServiceTest, DeletingARequestThatWasNotStoppedIsReportedAndStopsIt)

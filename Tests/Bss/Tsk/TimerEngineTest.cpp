@@ -4,6 +4,8 @@
 // Setting, firing and killing timers.
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Tsk/BSS_TSK_TimerService.h"
 #include "Bss/Bss_Tsk/BSS_TSK_WakeUp.h"
 #include "Support/Eventually.h"
@@ -244,6 +246,8 @@ TEST_F(TimerTest, TheSmallestResolutionInUseCounts)
 TEST_F(TimerTest, TheSixtyFiveThousandFiveHundredAndThirtySixthOfOneResolutionIsRefused)
 {
     Start();
+    const BSS::HAL::PriorityBoostC
+        boost; // raised once and not with every timer, which takes its turn each time
     std::vector<std::uint32_t> ids;
     for (int i = 0; i < 65535; ++i)
         ids.push_back(engine.setTimer(1000, 7, &OnTimer, 0, 0, TIMER_FIRST_AFTER_PERIOD));
@@ -305,6 +309,52 @@ TEST_F(TimerTest, AnyOtherKindIsReportedWhenItIsDue)
     EXPECT_TRUE(ticks.turn(10));
     EXPECT_EQ(Report(), "0 820");
     EXPECT_EQ(Fired(), TimersT{});
+}
+
+// An engine whose map of ids can be spoiled.
+class OpenEngineC final : public TimerEngineC
+{
+public:
+    using TimerEngineC::getIdMap;
+    using TimerEngineC::TimerEngineC;
+};
+
+class SpoiledMapTest : public TimerTest
+{
+protected:
+    SpoiledMapTest()
+    {
+        EXPECT_EQ(open.start(1), 1);
+        reports.Clear();
+    }
+    ~SpoiledMapTest() override { open.stop(); }
+
+    OpenEngineC open{clock};
+};
+
+TEST_F(SpoiledMapTest, ATimerThatHasFiredAndIsNotInTheMapIsReported)
+{
+    s_inside = [&](std::uint32_t id, std::uint32_t) { open.getIdMap().erase(id); };
+    open.setTimer(10, 1, &OnTimer, 7, TIMER_ONE_SHOT, TIMER_FIRST_AFTER_PERIOD);
+    EXPECT_TRUE(ticks.turn(10));
+    EXPECT_EQ(Report(), "!\"ProcessTimer: iterator not found.\" 841");
+    EXPECT_EQ(reports.Reports().size(), 1u);
+    EXPECT_EQ(reports.Reports()[0].file, R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_TimerEngine)");
+    EXPECT_EQ(open.getActiveCount(), 0u);
+}
+
+TEST_F(SpoiledMapTest, ATimerThatHasFiredAndWhoseIdIsAnothersIsReported)
+{
+    TimerRecordT other;
+    s_inside = [&](std::uint32_t id, std::uint32_t) {
+        open.getIdMap().erase(id);
+        open.getIdMap().insert(id, other);
+    };
+    open.setTimer(10, 1, &OnTimer, 7, TIMER_ONE_SHOT, TIMER_FIRST_AFTER_PERIOD);
+    EXPECT_TRUE(ticks.turn(10));
+    EXPECT_EQ(Report(), "&m_Timers[ itID2Idx->second ] == lpTimer 836");
+    EXPECT_EQ(reports.Reports().size(), 1u);
+    EXPECT_EQ(open.getActiveCount(), 0u);
 }
 
 TEST_F(TimerTest, CallsBackWithItsIdAndItsUserValue)
@@ -417,6 +467,28 @@ TEST_F(TimerTest, WhenKillReturnsTheCallbackIsOver)
     engine.killTimer(id);
     EXPECT_TRUE(over.load());
     helper.join();
+}
+
+TEST_F(TimerTest, AnEngineThatNeverCatchesUpLetsOthersKillTheTimer)
+{
+    constexpr std::int64_t CALL_US = 1000;
+    std::atomic<int> calls{0};
+    s_inside = [&](std::uint32_t, std::uint32_t) {
+        ticks.add(100); // more than a period
+        const std::int64_t end = BSS::HAL::TickMicroseconds() + CALL_US;
+        while (BSS::HAL::TickMicroseconds() < end) {
+        }
+        ++calls;
+    };
+    Start();
+    for (int round = 0; round < 5; ++round) {
+        const std::uint32_t id = Set(10, 1, TIMER_PERIODIC, 0);
+        const int before = calls.load();
+        EXPECT_TRUE(Support::Eventually([&] { return calls.load() > before + 5; }));
+        const int seen = calls.load();
+        EXPECT_EQ(engine.killTimer(id), BSS::RC_OK);
+        EXPECT_LT(calls.load(), seen + 100);
+    }
 }
 
 TEST_F(TimerTest, TimersMayBeSetAndKilledFromManyThreadsWhileTheyFire)

@@ -100,4 +100,34 @@ TEST(TimerIdMap, AgreesWithAnotherMapOverManyRandomSteps)
     EXPECT_FALSE(map.erase(0));
 }
 
+// Timers that are killed in the order in which they were set.
+TEST(TimerIdMap, NoLongRunsFormHoweverManyIdsAreCountedUp)
+{
+    constexpr std::uint32_t LIVING = 100000;
+    constexpr std::size_t LONG_RUN = 64;
+    TimerIdMapC map;
+    TimerRecordT record;
+    for (std::uint32_t id = 1; id <= LIVING; ++id)
+        map.insert(id, record);
+    EXPECT_LT(map.getLongestRun(), LONG_RUN);
+    for (std::uint32_t id = 1; id <= LIVING; ++id) {
+        ASSERT_TRUE(map.erase(id));
+        map.insert(LIVING + id, record);
+        if (id % 10000 == 0) {
+            ASSERT_LT(map.getLongestRun(), LONG_RUN) << id;
+        }
+    }
+}
+
+TEST(TimerIdMap, NoLongRunsFormOfIdsOfWhichMostHaveGone)
+{
+    for (const std::uint32_t step : {2u, 3u, 16u, 256u, 1000u, 4096u}) {
+        TimerIdMapC map;
+        TimerRecordT record;
+        for (std::uint32_t n = 1; n <= 20000; ++n)
+            map.insert(n * step, record);
+        EXPECT_LT(map.getLongestRun(), 64u) << step;
+    }
+}
+
 } // namespace
