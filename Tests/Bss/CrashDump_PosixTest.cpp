@@ -10,7 +10,6 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <regex>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -41,13 +40,11 @@ protected:
     bool Says(const std::string& text) const { return Report().find(text) != std::string::npos; }
 
 private:
-    // Faults belong to us in the child, not to a sanitizer. No core file is wanted.
+    // Faults belong to us in the child, not to a sanitizer.
     const Support::ScopedEnvironment m_asan{"ASAN_OPTIONS", "handle_segv=0:handle_sigbus=0:handle_sigfpe=0:"
                                                             "handle_sigill=0:use_sigaltstack=0"};
     const Support::ScopedEnvironment m_tsan{"TSAN_OPTIONS", "handle_segv=0:handle_sigbus=0:handle_sigfpe=0:"
                                                             "handle_sigill=0:use_sigaltstack=0"};
-    const rlimit m_noCore = {0, 0};
-    const int m_set = ::setrlimit(RLIMIT_CORE, &m_noCore);
 
 protected:
     const Support::TemporaryDirectory m_directory;

@@ -15,9 +15,6 @@ namespace {
 class CrashDumpWin32 : public testing::Test
 {
 protected:
-    CrashDumpWin32() { SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX); } // for the child too
-    ~CrashDumpWin32() override { SetErrorMode(m_mode); }
-
     /// The exit code.
     unsigned Run(const std::string& how, const std::string& earlier = "") const
     {
@@ -40,10 +37,6 @@ protected:
                Support::ReadAll(dumps.front()).starts_with("MDMP");
     }
 
-private:
-    const UINT m_mode = SetErrorMode(0);
-
-protected:
     const Support::TemporaryDirectory m_directory;
 };
 

@@ -17,6 +17,7 @@
 #include "Bss/Bss_Os/BSS_OS_CrashDump.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
+#include "Support/QuietCrash.h"
 
 #include <csignal>
 #include <cstdint>
@@ -75,6 +76,7 @@ int Crash(const std::string& how, BSS::OS::CrashDumpC& dump)
 
 int main(int count, char** arguments)
 {
+    Support::CrashQuietly();
     if (count < 3) return 2;
     if (count > 3) std::signal(std::atoi(arguments[3]), &EndWith42);
     BSS::OS::CrashDumpC dump;
