@@ -38,6 +38,7 @@ inline constexpr LogLineT STATE_CHANGE{LEVEL_INFO, "TcpIpClientStateMachineC::go
 inline constexpr LogLineT NOTIFY_IDLE{LEVEL_FINE, "TcpIpClientStateMachineC::enterIdleState - notify BSS::BIO::OFFLINE\n"};
 inline constexpr LogLineT START_TIMER{LEVEL_FINE, "TcpIpClientStateMachineC::enterSettingUpState - start timer for reconnect\n"};
 inline constexpr LogLineT AT_ONCE{LEVEL_FINE, "TcpIpClientStateMachineC::enterSettingUpState - immediately reconnect\n"};
+inline constexpr LogLineT AT_ONCE_SPACED{LEVEL_FINE, "TcpIpClientStateMachineC::enterSettingUpState - the last attempt was just now, next one in %u ms\n"};
 inline constexpr LogLineT ALREADY_OPEN{LEVEL_FINE, "TcpIpClientStateMachineC::execSettingUpState - socket already open, waiting for connection\n"};
 inline constexpr LogLineT NOTIFY_FAILURE{LEVEL_FINE, "TcpIpClientStateMachineC::leaveSettingUpState - notify GOING_ONLINE failure\n"};
 inline constexpr LogLineT ONLINE_CLOSED{LEVEL_FINE, "TcpIpClientStateMachineC::execOnlineState - close() has been called, goto IDLE state\n"};

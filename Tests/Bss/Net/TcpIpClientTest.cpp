@@ -400,6 +400,22 @@ TEST_F(TcpIpClientTest, ReaderThatThrowsIsLoggedAndTheConnectionStays)
     EXPECT_TRUE(Logged("NetTcpIpClientC::recvData - exception in the reader: full\n"));
 }
 
+TEST_F(TcpIpClientTest, ServerThatAcceptsAndResetsIsConnectedToOnceInASpacing)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    settings.reconnect.minSpacingMs = 100;
+    sockets.receiveError = Lost();
+    const std::uint64_t begin = sockets.nowMs;
+    std::vector<std::uint64_t> connectedAt;
+    reader.onEvent = [&](BIO::PortEvent event) {
+        if (event == BIO::ONLINE) connectedAt.push_back(sockets.nowMs - begin);
+    };
+    Client().connectTcpIp();
+    while (connectedAt.size() < 4)
+        Client().serve(1000);
+    EXPECT_EQ(connectedAt, (std::vector<std::uint64_t>{0, 100, 200, 300}));
+}
+
 TEST_F(TcpIpClientTest, CloseFromTheReaderEndsTheConnection)
 {
     config.m_eAutoConnect = AutoConnect::IMMEDIATELY;

@@ -54,7 +54,9 @@ TEST(TcpIpClientPosixTest, ThousandLossesLeaveNoDescriptorAndNoThread)
     const std::ptrdiff_t nThreads = Entries("/proc/self/task");
     {
         CounterC counter;
-        NetTcpIpClientC client;
+        NetTcpIpClientSettingsT settings;
+        settings.reconnect.minSpacingMs = 1;
+        NetTcpIpClientC client(settings);
         ASSERT_EQ(client.setPortConfig(config), RC_OK);
         ASSERT_EQ(client.attachWriter(counter), RC_OK);
         client.start();
