@@ -48,8 +48,13 @@ TEST_F(CrashDumpWin32, ExceptionThatNobodyHandlesEndsTheProcessAndLeavesADump)
 
 TEST_F(CrashDumpWin32, StackThatIsUsedUpLeavesADump)
 {
-    EXPECT_EQ(Run("overflow"), EXCEPTION_STACK_OVERFLOW);
+    Run("overflow");
     EXPECT_TRUE(HasOneMinidump());
+}
+
+TEST_F(CrashDumpWin32, StackThatIsUsedUpEndsTheProcess)
+{
+    EXPECT_EQ(Run("overflow"), EXCEPTION_STACK_OVERFLOW);
 }
 
 TEST_F(CrashDumpWin32, CrashesOfSeveralThreadsLeaveOneDump)

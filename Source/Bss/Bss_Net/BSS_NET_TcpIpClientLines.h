@@ -90,6 +90,7 @@ inline constexpr LogLineT RECV_STARTS{LEVEL_FINEST, "NetTcpIpClientC::recvData s
 inline constexpr LogLineT RECV_SELECTED{LEVEL_FINEST, "NetTcpIpClientC::recvData - select for readability return %d\n"};
 inline constexpr LogLineT RECV_WAITED{LEVEL_FINEST, "NetTcpIpClientC::recvData - select timed out on %d\ntotal timeout: %lu ms\nmax timeout: %lu ms\n"};
 inline constexpr LogLineT RECV_TIMED_OUT{LEVEL_WARN, "NetTcpIpClientC::recvData - data receive time out on %d\n"};
+inline constexpr LogLineT RECV_UNANSWERED{LEVEL_WARN, "NetTcpIpClientC::recvData - nothing that was sent on %d has been answered for %lu ms\n"};
 inline constexpr LogLineT RECV_NO_LIMIT{LEVEL_FINEST, "NetTcpIpClientC::recvData - select timed out on %d, no max timeout set.\n"};
 inline constexpr LogLineT RECEIVED{LEVEL_FINEST, "%s: Received %d bytes on %d.\n"};
 inline constexpr LogLineT SERVER_SHUTDOWN{LEVEL_INFO, "NetTcpIpClientC::recvData - recv detected server-shutdown on %d\n"};

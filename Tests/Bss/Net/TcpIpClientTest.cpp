@@ -400,6 +400,44 @@ TEST_F(TcpIpClientTest, ReaderThatThrowsIsLoggedAndTheConnectionStays)
     EXPECT_TRUE(Logged("NetTcpIpClientC::recvData - exception in the reader: full\n"));
 }
 
+TEST_F(TcpIpClientTest, BytesThatStayUnansweredForTheKeepAlivesTimeEndTheConnection)
+{
+    settings.keepAliveIdleSeconds = 2;
+    settings.keepAliveIntervalSeconds = 1;
+    settings.nKeepAliveProbes = 3;
+    Online();
+    sockets.bUnanswered = true;
+    Client().serve(500);
+    const std::uint64_t begin = sockets.nowMs;
+    while (Client().getState() == ONLINE)
+        Client().serve(500);
+    EXPECT_EQ(sockets.nowMs - begin, 5000U);
+    EXPECT_TRUE(
+        Logged("NetTcpIpClientC::recvData - nothing that was sent on 17 has been answered for 5000 ms\n"));
+}
+
+TEST_F(TcpIpClientTest, AnswerBeginsTheTimeOfUnansweredBytesAnew)
+{
+    settings.keepAliveIdleSeconds = 1;
+    settings.nKeepAliveProbes = 0;
+    Online();
+    for (int n = 0; n < 10; ++n) {
+        sockets.bUnanswered = n % 2 == 0;
+        Client().serve(500);
+    }
+    EXPECT_EQ(Client().getState(), ONLINE);
+}
+
+TEST_F(TcpIpClientTest, UnansweredBytesEndNothingWithoutAKeepAlive)
+{
+    settings.keepAliveIdleSeconds = 0;
+    Online();
+    sockets.bUnanswered = true;
+    for (int n = 0; n < 1000; ++n)
+        Client().serve(500);
+    EXPECT_EQ(Client().getState(), ONLINE);
+}
+
 TEST_F(TcpIpClientTest, ServerThatAcceptsAndResetsIsConnectedToOnceInASpacing)
 {
     config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
