@@ -2,9 +2,11 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // What a crash leaves: a report, and the end that the process would have had without one.
+#include "Bss/Bss_Os/BSS_OS_CrashDump.h"
 #include "Support/ChildProcess.h"
 #include "Support/Environment.h"
 #include "Support/Files.h"
+#include "Support/QuietCrash.h"
 #include "Support/TemporaryDirectory.h"
 
 #include <csignal>
@@ -103,6 +105,36 @@ TEST_F(CrashDumpPosix, HandlerFromBeforeIsCalledForASignalThatWasSent)
 {
     EXPECT_EQ(Run(std::to_string(SIGFPE), std::to_string(SIGFPE)), 42);
     EXPECT_TRUE(Says("SIGFPE"));
+}
+
+void (*s_pOurs)(int, siginfo_t*, void*) = nullptr;
+
+void CallOurs(int number, siginfo_t* pInfo, void* pContext)
+{
+    s_pOurs(number, pInfo, pContext);
+}
+
+// As a library does that is loaded later and takes its place in front of our handler.
+void CrashWithAHandlerInFrontOfOneThatIsGone(const std::wstring& directory)
+{
+    Support::CrashQuietly();
+    BSS::OS::CrashDumpC dump;
+    if (dump.install({L"a", directory}) != BSS::RC_OK) return;
+    struct sigaction action = {};
+    ::sigaction(SIGABRT, nullptr, &action);
+    s_pOurs = action.sa_sigaction;
+    action.sa_sigaction = &CallOurs;
+    ::sigaction(SIGABRT, &action, nullptr);
+    dump.restore();
+    std::raise(SIGABRT);
+}
+
+TEST_F(CrashDumpPosix, HandlerThatIsStillCalledAfterItWasGivenBackWritesNothing)
+{
+    testing::FLAGS_gtest_death_test_style = "fast"; // in the same directory
+    const std::wstring directory = m_directory.Wide("dumps");
+    EXPECT_EXIT(CrashWithAHandlerInFrontOfOneThatIsGone(directory), testing::KilledBySignal(SIGABRT), "");
+    EXPECT_TRUE(Dumps().empty());
 }
 
 TEST_F(CrashDumpPosix, NameIsProgramTimeAndProcess)

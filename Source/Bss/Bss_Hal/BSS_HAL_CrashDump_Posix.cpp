@@ -43,7 +43,7 @@ constexpr std::array SIGNALS = {SignalT{SIGSEGV, "SIGSEGV"}, SignalT{SIGBUS, "SI
 constinit FixedTextT<char, MAX_PATH_BYTES + MAX_STAMP_BYTES> s_path;
 constinit FixedTextT<char, 256> s_program;
 constinit std::array<struct sigaction, SIGNALS.size()> s_before = {};
-constinit bool s_bInstalled = false;
+constinit std::atomic<bool> s_bInstalled = false;
 constinit std::atomic<bool> s_bBegun = false;
 constinit std::atomic<bool> s_bDone = false;
 
@@ -92,10 +92,11 @@ void OnCrash(int number, siginfo_t* pInfo, void* pContext) noexcept
     const auto* const found = std::find_if(SIGNALS.begin(), SIGNALS.end(),
                                            [number](const SignalT& one) { return one.number == number; });
     if (found == SIGNALS.end()) return;
-    if (!s_bBegun.exchange(true)) {
+    // Somebody may still call this handler after it was removed.
+    if (s_bInstalled && !s_bBegun.exchange(true)) {
         WriteDump(found->pName, *pInfo, pContext);
         s_bDone = true;
-    } else {
+    } else if (s_bInstalled) {
         WaitForDump();
     }
     PassOn(static_cast<std::size_t>(found - SIGNALS.begin()), *pInfo);
@@ -150,12 +151,12 @@ bool InstallCrashDump(const std::wstring& directory, const std::wstring& program
     action.sa_sigaction = &OnCrash;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     ::sigfillset(&action.sa_mask);
+    s_bInstalled = true;
     for (std::size_t n = 0; n < SIGNALS.size(); ++n)
         ::sigaction(SIGNALS[n].number, nullptr, &s_before[n]); // there before the handler may need it
     for (const SignalT& one : SIGNALS)
         ::sigaction(one.number, &action, nullptr); // of these numbers none is refused
     GiveStack();
-    s_bInstalled = true;
     return true;
 }
 

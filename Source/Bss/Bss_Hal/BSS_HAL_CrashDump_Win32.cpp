@@ -34,7 +34,7 @@ constinit FixedTextT<wchar_t, MAX_PATH_UNITS + MAX_STAMP_UNITS> s_path;
 constinit WriteT s_pWrite = nullptr;
 constinit LPTOP_LEVEL_EXCEPTION_FILTER s_pBefore = nullptr;
 constinit AbortHandlerT s_pAbortBefore = nullptr;
-constinit bool s_bInstalled = false;
+constinit std::atomic<bool> s_bInstalled = false;
 constinit std::atomic<bool> s_bBegun = false;
 constinit std::atomic<bool> s_bDone = false;
 
@@ -79,6 +79,7 @@ void WriteDumpElsewhere(CrashT& crash) noexcept
 
 void WriteDumpOnce(EXCEPTION_POINTERS* pException) noexcept
 {
+    if (!s_bInstalled) return; // somebody still calls the handler after it was removed
     if (s_bBegun.exchange(true)) {
         for (DWORD waited = 0; waited < DUMP_WAIT_MS && !s_bDone.load(); waited += 10)
             Sleep(10);

@@ -82,7 +82,8 @@ constexpr std::size_t CALL_BYTES = 7;
 bool EndsWithCall(const unsigned char* bytes) noexcept
 {
     if (bytes[CALL_BYTES - 5] == 0xe8) return true;
-    for (const std::size_t length : {2, 3, 4, 6, 7}) {
+    constexpr std::array<std::size_t, 5> LENGTHS = {2, 3, 4, 6, 7};
+    for (const std::size_t length : LENGTHS) {
         const unsigned char* const call = bytes + CALL_BYTES - length;
         if (call[0] == 0xff && (call[1] & 0x38) == 0x10) return true;
     }
