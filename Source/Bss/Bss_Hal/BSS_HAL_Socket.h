@@ -42,6 +42,11 @@ int SetNoDelay(SocketT socket) noexcept;
 /// after `nProbes` without an answer the connection is lost. Windows has its own number of probes.
 int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int nProbes) noexcept;
 
+/// Whether what was sent has had to be sent again and is still without an answer: the other side may be cut
+/// off. While that is so the system asks for no sign of life. One that answers but takes nothing more does
+/// not count. Always false on Windows, which ends such a connection by itself after about 20 s.
+bool IsUnanswered(SocketT socket) noexcept;
+
 /// What the system keeps for sending and for receiving, in bytes; it may take more.
 int SetSendBuffer(SocketT socket, int bytes) noexcept;
 int SetReceiveBuffer(SocketT socket, int bytes) noexcept;

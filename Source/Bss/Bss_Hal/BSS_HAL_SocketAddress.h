@@ -35,6 +35,9 @@ bool ParseAddress(const std::string& text, std::uint16_t port, SocketAddressT& a
 int ResolveName(const std::string& name, std::uint16_t port, std::vector<SocketAddressT>& addresses);
 std::string ResolveErrorText(int error);
 
+/// The number of a question that could not be asked for want of memory or threads.
+int ResolveResourcesError() noexcept;
+
 AddressKind KindOf(const SocketAddressT& address) noexcept;
 
 /// Without the port; empty for no address.

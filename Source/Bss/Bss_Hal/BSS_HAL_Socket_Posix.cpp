@@ -117,6 +117,16 @@ int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int nProb
     return SetOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1);
 }
 
+bool IsUnanswered(SocketT socket) noexcept
+{
+    tcp_info info = {};
+    socklen_t length = sizeof(info);
+    if (::getsockopt(static_cast<int>(socket), IPPROTO_TCP, TCP_INFO, &info, &length) != 0) return false;
+    // A first probe of whether there is room again is on its way now and then, however well the other side
+    // is.
+    return info.tcpi_retransmits > 0 || (info.tcpi_probes > 1 && info.tcpi_unacked == 0);
+}
+
 int SetSendBuffer(SocketT socket, int bytes) noexcept
 {
     return SetOption(socket, SOL_SOCKET, SO_SNDBUF, bytes);

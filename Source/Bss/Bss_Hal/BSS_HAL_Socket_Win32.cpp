@@ -120,6 +120,11 @@ int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int) noex
                             nullptr, nullptr));
 }
 
+bool IsUnanswered(SocketT) noexcept
+{
+    return false;
+}
+
 int SetSendBuffer(SocketT socket, int bytes) noexcept
 {
     return SetOption(socket, SOL_SOCKET, SO_SNDBUF, static_cast<DWORD>(bytes));

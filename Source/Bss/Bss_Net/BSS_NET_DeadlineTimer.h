@@ -28,6 +28,7 @@ public:
         m_bRunning = true;
     }
     void stop() override { m_bRunning = false; }
+    std::uint64_t nowMs() const override { return m_clock(); }
 
     /// Until it runs out; 0 when it has.
     std::uint64_t leftMs() const

@@ -21,6 +21,7 @@ public:
     {
         return HAL::SetKeepAlive(socket, idleSeconds, intervalSeconds, nProbes);
     }
+    bool isUnanswered(HAL::SocketT socket) override { return HAL::IsUnanswered(socket); }
     int connect(HAL::SocketT socket, const HAL::SocketAddressT& address) override
     {
         return HAL::ConnectSocket(socket, address);

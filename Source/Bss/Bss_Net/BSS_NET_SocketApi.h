@@ -21,6 +21,7 @@ public:
     virtual int setNonBlocking(HAL::SocketT socket) = 0;
     virtual int setNoDelay(HAL::SocketT socket) = 0;
     virtual int setKeepAlive(HAL::SocketT socket, int idleSeconds, int intervalSeconds, int nProbes) = 0;
+    virtual bool isUnanswered(HAL::SocketT socket) = 0;
     virtual int connect(HAL::SocketT socket, const HAL::SocketAddressT& address) = 0;
     virtual int takePendingError(HAL::SocketT socket, int& pending) = 0;
     virtual HAL::TransferT send(HAL::SocketT socket, const void* bytes, std::size_t count) = 0;

@@ -45,7 +45,8 @@ struct NetTcpIpClientSettingsT
     std::size_t receiveBufferBytes = std::size_t{1} << 16;
 
     /// Signs of life that the system asks for on a silent connection: after how many seconds, how often, and
-    /// how many may stay without an answer. 0 idle seconds: none.
+    /// how many may stay without an answer. 0 idle seconds: none. Bytes that were sent may stay without an
+    /// answer for as long as all that takes.
     int keepAliveIdleSeconds = 30;
     int keepAliveIntervalSeconds = 5;
     int nKeepAliveProbes = 3;
@@ -117,6 +118,7 @@ private:
     ResultCodeT recvData(std::uint32_t maxWaitMs, std::size_t& nReceived);
     ResultCodeT takeData(HAL::SocketT socket, std::size_t& nReceived);
     ResultCodeT noDataYet(HAL::SocketT socket);
+    bool isCutOff(HAL::SocketT socket);
     std::uint32_t receiveWaitMs(std::uint32_t maxWaitMs) const;
     void giveToReader(std::size_t count);
     ResultCodeT writeData(HAL::SocketT socket, const char* bytes, std::size_t count, std::size_t& nWritten);
@@ -145,6 +147,7 @@ private:
     std::vector<HAL::SocketAddressT> m_addresses;
     HAL::SocketAddressT m_address;   // the one that is tried
     std::uint64_t m_silentSince = 0; // on the clock
+    std::optional<std::uint64_t> m_unansweredSince;
     std::vector<std::uint8_t> m_buffer;
 
     std::unique_ptr<TSK::TaskC> m_task;

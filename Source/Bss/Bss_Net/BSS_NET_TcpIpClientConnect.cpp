@@ -154,6 +154,7 @@ ResultCodeT NetTcpIpClientC::waitForConnection()
 void NetTcpIpClientC::onConnectionEstablished()
 {
     m_silentSince = m_settings.clock();
+    m_unansweredSince.reset();
     m_Socket.share();
     m_log(ESTABLISHED, HAL::AddressText(m_address), HAL::PortOf(m_address));
 }

@@ -55,6 +55,9 @@ public:
     virtual void start(std::uint32_t delayMs) = 0;
     virtual void stop() = 0;
 
+    /// The clock that it runs on, which only counts up.
+    virtual std::uint64_t nowMs() const = 0;
+
 protected:
     ~ReconnectTimerI() = default;
 };

@@ -38,6 +38,7 @@ inline constexpr LogLineT STATE_CHANGE{LEVEL_INFO, "TcpIpClientStateMachineC::go
 inline constexpr LogLineT NOTIFY_IDLE{LEVEL_FINE, "TcpIpClientStateMachineC::enterIdleState - notify BSS::BIO::OFFLINE\n"};
 inline constexpr LogLineT START_TIMER{LEVEL_FINE, "TcpIpClientStateMachineC::enterSettingUpState - start timer for reconnect\n"};
 inline constexpr LogLineT AT_ONCE{LEVEL_FINE, "TcpIpClientStateMachineC::enterSettingUpState - immediately reconnect\n"};
+inline constexpr LogLineT AT_ONCE_SPACED{LEVEL_FINE, "TcpIpClientStateMachineC::enterSettingUpState - the last attempt was just now, next one in %u ms\n"};
 inline constexpr LogLineT ALREADY_OPEN{LEVEL_FINE, "TcpIpClientStateMachineC::execSettingUpState - socket already open, waiting for connection\n"};
 inline constexpr LogLineT NOTIFY_FAILURE{LEVEL_FINE, "TcpIpClientStateMachineC::leaveSettingUpState - notify GOING_ONLINE failure\n"};
 inline constexpr LogLineT ONLINE_CLOSED{LEVEL_FINE, "TcpIpClientStateMachineC::execOnlineState - close() has been called, goto IDLE state\n"};
@@ -89,6 +90,7 @@ inline constexpr LogLineT RECV_STARTS{LEVEL_FINEST, "NetTcpIpClientC::recvData s
 inline constexpr LogLineT RECV_SELECTED{LEVEL_FINEST, "NetTcpIpClientC::recvData - select for readability return %d\n"};
 inline constexpr LogLineT RECV_WAITED{LEVEL_FINEST, "NetTcpIpClientC::recvData - select timed out on %d\ntotal timeout: %lu ms\nmax timeout: %lu ms\n"};
 inline constexpr LogLineT RECV_TIMED_OUT{LEVEL_WARN, "NetTcpIpClientC::recvData - data receive time out on %d\n"};
+inline constexpr LogLineT RECV_UNANSWERED{LEVEL_WARN, "NetTcpIpClientC::recvData - nothing that was sent on %d has been answered for %lu ms\n"};
 inline constexpr LogLineT RECV_NO_LIMIT{LEVEL_FINEST, "NetTcpIpClientC::recvData - select timed out on %d, no max timeout set.\n"};
 inline constexpr LogLineT RECEIVED{LEVEL_FINEST, "%s: Received %d bytes on %d.\n"};
 inline constexpr LogLineT SERVER_SHUTDOWN{LEVEL_INFO, "NetTcpIpClientC::recvData - recv detected server-shutdown on %d\n"};

@@ -226,13 +226,17 @@ void TcpIpClientStateMachineC::enterSettingUpState(std::uint32_t oldState)
         return;
     }
     m_log(AT_ONCE);
-    execSettingUpState();
+    const std::uint32_t leftMs = oldState == ONLINE ? spacingLeftMs() : 0;
+    if (leftMs == 0) return execSettingUpState();
+    m_log(AT_ONCE_SPACED, leftMs);
+    m_oTimer.start(leftMs);
 }
 
 void TcpIpClientStateMachineC::execSettingUpState()
 {
     m_log(EXEC_SETTING_UP);
     BSS_ASSERT(SETTING_UP == m_uiState);
+    m_lastAttemptMs = m_oTimer.nowMs();
     if (m_roTcpIpClient.isSocketValid()) {
         m_log(ALREADY_OPEN);
         m_lastResult = m_roTcpIpClient.waitForConnection();
@@ -302,6 +306,14 @@ void TcpIpClientStateMachineC::scheduleRetry()
     default:
         return m_oTimer.start(m_settings.minSpacingMs);
     }
+}
+
+// A server that accepts and ends the connection would otherwise be connected to as fast as both can.
+std::uint32_t TcpIpClientStateMachineC::spacingLeftMs() const
+{
+    const std::uint64_t passedMs = m_oTimer.nowMs() - m_lastAttemptMs;
+    return passedMs < m_settings.minSpacingMs ? m_settings.minSpacingMs - static_cast<std::uint32_t>(passedMs)
+                                              : 0;
 }
 
 std::uint32_t TcpIpClientStateMachineC::intervalMs()

@@ -26,7 +26,10 @@ struct ReconnectSettingsT
 {
     std::uint32_t intervalMs = 5000;  ///< with the reconnect timer
     std::uint32_t jitterPercent = 20; ///< the interval varies by so much in all, so that many clients spread
-    std::uint32_t minSpacingMs = 100; ///< between failed attempts without the timer
+
+    /// Without the timer: from a failed attempt to the next one, and from the begin of an attempt that has
+    /// succeeded to the next one, when the connection is lost again at once.
+    std::uint32_t minSpacingMs = 100;
     std::function<std::uint32_t()> random = {}; ///< any number; a generator of the machine's own when empty
 };
 
@@ -76,6 +79,7 @@ private:
     void scheduleRetry();
     void notify(BIO::PortEvent event, BIO::PortReason reason);
     std::uint32_t intervalMs();
+    std::uint32_t spacingLeftMs() const;
 
     void leaveState(std::uint32_t state);
     void enterState(std::uint32_t oldState);
@@ -97,6 +101,7 @@ private:
     const ReconnectSettingsT m_settings;
     std::atomic<bool> m_bClose{false};
     bool m_bSetUp = false; // the last attempt has succeeded
+    std::uint64_t m_lastAttemptMs = 0;
     std::uint32_t m_random = 1;
 };
 

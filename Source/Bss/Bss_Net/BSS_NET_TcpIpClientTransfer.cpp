@@ -68,8 +68,28 @@ std::uint32_t NetTcpIpClientC::receiveWaitMs(std::uint32_t maxWaitMs) const
     return static_cast<std::uint32_t>(std::min(waitMs, leftMs));
 }
 
+// The system sends no keep-alive while bytes are on their way, and repeats them for a quarter of an hour.
+bool NetTcpIpClientC::isCutOff(HAL::SocketT socket)
+{
+    if (m_settings.keepAliveIdleSeconds <= 0) return false;
+    if (!m_api.isUnanswered(socket)) {
+        m_unansweredSince.reset();
+        return false;
+    }
+    const std::uint64_t now = m_settings.clock();
+    if (!m_unansweredSince) m_unansweredSince = now;
+    const std::int64_t limitSeconds =
+        m_settings.keepAliveIdleSeconds +
+        std::int64_t{m_settings.keepAliveIntervalSeconds} * m_settings.nKeepAliveProbes;
+    const std::uint64_t unansweredMs = now - *m_unansweredSince;
+    if (unansweredMs < static_cast<std::uint64_t>(limitSeconds) * 1000) return false;
+    m_log(RECV_UNANSWERED, Shown(socket), static_cast<std::uint32_t>(unansweredMs));
+    return true;
+}
+
 ResultCodeT NetTcpIpClientC::noDataYet(HAL::SocketT socket)
 {
+    if (isCutOff(socket)) return RC_CLOSED;
     const std::uint32_t limitMs = maxReceiveTimeoutMs();
     if (limitMs == 0) {
         m_log(RECV_NO_LIMIT, Shown(socket));
@@ -98,6 +118,7 @@ ResultCodeT NetTcpIpClientC::takeData(HAL::SocketT socket, std::size_t& nReceive
         return RC_CLOSED;
     }
     m_silentSince = m_settings.clock();
+    m_unansweredSince.reset();
     m_log(RECEIVED, "BSS::NET::NetTcpIpClientC::recvData", static_cast<std::int32_t>(got.count),
           Shown(socket));
     nReceived = got.count;

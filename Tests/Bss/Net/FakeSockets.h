@@ -74,6 +74,7 @@ public:
         keepAliveIdle = idle;
         return 0;
     }
+    bool isUnanswered(BSS::HAL::SocketT) override { return bUnanswered; }
     int connect(BSS::HAL::SocketT, const BSS::HAL::SocketAddressT&) override { return connectError; }
     int takePendingError(BSS::HAL::SocketT, int& pending) override
     {
@@ -133,6 +134,7 @@ public:
     bool bRoom = true;   ///< can be written to
     bool bEnded = false; ///< the server has ended the connection
     bool bException = false;
+    bool bUnanswered = false;
     bool bStrange = false; ///< ready, but for nothing
     std::size_t sendAtOnce = std::size_t{1} << 20;
     std::deque<std::string> arrived;

@@ -11,6 +11,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <new>
 
 using namespace BSS;
 using namespace BSS::NET;
@@ -101,6 +102,32 @@ TEST_F(NameResolverTest, SecondQuestionIsNotAskedBeforeTheFirstIsAnswered)
                   "y", 5, [] { return false; }, addresses),
               0);
     EXPECT_EQ(system->nAsked, 2);
+}
+
+TEST_F(NameResolverTest, NoMoreThanSoManyQuestionsAreUnderWay)
+{
+    const auto cancel = [] { return true; };
+    for (std::size_t n = 0; n < NameResolverC::MAX_QUESTIONS; ++n)
+        NameResolverC(Ask()).resolve("x", 5, cancel, addresses);
+    const auto all = static_cast<int>(NameResolverC::MAX_QUESTIONS);
+    ASSERT_TRUE(Support::Eventually([&] { return system->nAsked == all; }));
+    NameResolverC further(Ask());
+    EXPECT_EQ(further.resolve("y", 5, cancel, addresses), NameResolverI::CANCELLED);
+    EXPECT_EQ(system->nAsked, all);
+    system->Let();
+    EXPECT_EQ(further.resolve(
+                  "y", 5, [] { return false; }, addresses),
+              0);
+    EXPECT_EQ(system->nAsked, all + 1);
+}
+
+TEST_F(NameResolverTest, QuestionThatThrowsIsAnError)
+{
+    NameResolverC resolver([](const std::string&, std::uint16_t, auto&) -> int { throw std::bad_alloc(); });
+    EXPECT_EQ(resolver.resolve(
+                  "x", 5, [] { return false; }, addresses),
+              HAL::ResolveResourcesError());
+    EXPECT_GT(HAL::ResolveErrorText(HAL::ResolveResourcesError()).size(), std::string("-10: ").size());
 }
 
 TEST_F(NameResolverTest, ResolverMayGoWhileTheSystemIsAsked)

@@ -2,18 +2,11 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The TCP/IP client with its thread, against servers on the loopback address that behave as servers do.
-#include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
-
-#include "Loopback.h"
-#include "Support/Eventually.h"
-#include "Support/LogCapture.h"
-#include "Support/LogRecorder.h"
-#include "Support/ReportCapture.h"
+#include "TcpIpClientFixture.h"
 
 #include <array>
 #include <atomic>
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <random>
@@ -28,122 +21,8 @@ using Support::Eventually;
 
 namespace {
 
-/// Keeps what it is told; from any thread.
-class WatcherC final : public BIO::PortReaderI
-{
-public:
-    void onPortEvent(BIO::PortEvent event, BIO::PortReason reason) override
-    {
-        if (event == BIO::ONLINE) ++nOnline;
-        {
-            const std::lock_guard<std::mutex> guard(m_lock);
-            m_events.emplace_back(event, reason);
-        }
-        if (onEvent) onEvent(event);
-    }
-    void onData(const std::uint8_t* bytes, std::size_t count) override
-    {
-        {
-            const std::lock_guard<std::mutex> guard(m_lock);
-            m_data.append(reinterpret_cast<const char*>(bytes), count);
-        }
-        if (onBytes) onBytes();
-    }
-
-    std::vector<std::pair<BIO::PortEvent, BIO::PortReason>> Events() const
-    {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        return m_events;
-    }
-    std::string Data() const
-    {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        return m_data;
-    }
-    std::size_t Count(BIO::PortEvent event) const
-    {
-        std::size_t count = 0;
-        for (const auto& [one, reason] : Events())
-            count += one == event ? 1 : 0;
-        return count;
-    }
-    bool Told(BIO::PortEvent event, BIO::PortReason reason) const
-    {
-        for (const auto& one : Events())
-            if (one == std::pair{event, reason}) return true;
-        return false;
-    }
-
-    std::function<void(BIO::PortEvent)> onEvent;
-    std::function<void()> onBytes;
-    std::atomic<std::size_t> nOnline{0};
-
-private:
-    mutable std::mutex m_lock;
-    std::vector<std::pair<BIO::PortEvent, BIO::PortReason>> m_events;
-    std::string m_data;
-};
-
-class TcpIpClientLoopbackTest : public testing::Test
-{
-protected:
-    TcpIpClientLoopbackTest()
-    {
-        config.m_wszIpDnsName = L"127.0.0.1";
-        settings.logger = log;
-        settings.reconnect.intervalMs = 1;
-        settings.reconnect.minSpacingMs = 1;
-        settings.reconnect.jitterPercent = 0;
-    }
-    ~TcpIpClientLoopbackTest() override
-    {
-        End();
-        EXPECT_TRUE(reports.Reports().empty());
-    }
-
-    NetTcpIpClientC& Client()
-    {
-        if (!m_client) {
-            m_client = std::make_unique<NetTcpIpClientC>(settings);
-            EXPECT_EQ(m_client->attachReader(watcher), RC_OK);
-        }
-        return *m_client;
-    }
-    void Start(std::uint16_t port)
-    {
-        config.m_unServerPort = port;
-        ASSERT_EQ(Client().setPortConfig(config), RC_OK);
-        Client().start();
-    }
-
-    /// Callbacks use the client until its thread has ended.
-    void End()
-    {
-        if (!m_client) return;
-        m_client->stop();
-        EXPECT_TRUE(m_client->waitForStop(LONG_MS));
-        m_client.reset();
-    }
-    bool Reaches(std::uint32_t state)
-    {
-        return Eventually([&] { return Client().getState() == state; });
-    }
-    bool Logs(const std::string& text)
-    {
-        return Eventually([&] { return !log->Beginning(text).empty(); });
-    }
-
-    const SocketsStartedC started;
-    const Support::LogCapture systemLog;
-    Support::ReportCapture reports;
-    const std::shared_ptr<Support::LogRecorder> log = std::make_shared<Support::LogRecorder>();
-    NetTcpIpClientSettingsT settings;
-    NetTcpIpClientCfgT config;
-    WatcherC watcher;
-
-private:
-    std::unique_ptr<NetTcpIpClientC> m_client;
-};
+class TcpIpClientLoopbackTest : public TcpIpClientFixtureC
+{};
 
 TEST_F(TcpIpClientLoopbackTest, BytesGoBothWays)
 {

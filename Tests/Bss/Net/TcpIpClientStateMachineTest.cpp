@@ -72,7 +72,9 @@ public:
         delayMs = ms;
     }
     void stop() override { bRunning = false; }
+    std::uint64_t nowMs() const override { return clockMs; }
 
+    std::uint64_t clockMs = 1000000;
     bool bRunning = false;
     std::uint32_t delayMs = 0;
 };
@@ -100,6 +102,7 @@ protected:
         Machine().start();
         client.bServerThere = true;
         timer.stop();
+        timer.clockMs += settings.minSpacingMs;
         EXPECT_EQ(Machine().getState(), state);
         log->Clear();
         client.told.clear();
@@ -360,6 +363,45 @@ TEST_F(TcpIpClientStateMachineTest, LinkLostInOtherModesConnectsAtOnce)
     EXPECT_EQ(Machine().getState(), ONLINE);
     EXPECT_EQ(client.nAttempts, 1);
     EXPECT_TRUE(Logged(Of("enterSettingUpState - immediately reconnect")));
+}
+
+TEST_F(TcpIpClientStateMachineTest, LinkLostRightAfterItsAttemptIsConnectedAgainWhenTheSpacingIsOver)
+{
+    client.autoConnect = AutoConnect::IMMEDIATELY;
+    Machine().start();
+    timer.clockMs += 30;
+    Machine().onLinkLost(RC_CLOSED);
+    EXPECT_EQ(Machine().getState(), SETTING_UP);
+    EXPECT_EQ(client.nAttempts, 1);
+    EXPECT_TRUE(timer.bRunning);
+    EXPECT_EQ(timer.delayMs, 70U);
+    EXPECT_TRUE(Logged(Of("enterSettingUpState - the last attempt was just now, next one in 70 ms")));
+    timer.stop();
+    timer.clockMs += 70;
+    Machine().onTimer();
+    EXPECT_EQ(Machine().getState(), ONLINE);
+    EXPECT_EQ(client.nAttempts, 2);
+}
+
+TEST_F(TcpIpClientStateMachineTest, ConnectDoesNotWaitForTheSpacing)
+{
+    client.autoConnect = AutoConnect::IMMEDIATELY;
+    Machine().start();
+    Machine().onLinkLost(RC_CLOSED);
+    Machine().connectTcpIp();
+    EXPECT_EQ(Machine().getState(), ONLINE);
+    EXPECT_FALSE(timer.bRunning);
+}
+
+TEST_F(TcpIpClientStateMachineTest, CloseEndsTheSpacing)
+{
+    client.autoConnect = AutoConnect::IMMEDIATELY;
+    Machine().start();
+    Machine().onLinkLost(RC_CLOSED);
+    Machine().close();
+    Machine().execute();
+    EXPECT_EQ(Machine().getState(), IDLE);
+    EXPECT_FALSE(timer.bRunning);
 }
 
 TEST_F(TcpIpClientStateMachineTest, ReceiveTimeoutIsToldWithItsReason)

@@ -400,6 +400,60 @@ TEST_F(TcpIpClientTest, ReaderThatThrowsIsLoggedAndTheConnectionStays)
     EXPECT_TRUE(Logged("NetTcpIpClientC::recvData - exception in the reader: full\n"));
 }
 
+TEST_F(TcpIpClientTest, BytesThatStayUnansweredForTheKeepAlivesTimeEndTheConnection)
+{
+    settings.keepAliveIdleSeconds = 2;
+    settings.keepAliveIntervalSeconds = 1;
+    settings.nKeepAliveProbes = 3;
+    Online();
+    sockets.bUnanswered = true;
+    Client().serve(500);
+    const std::uint64_t begin = sockets.nowMs;
+    while (Client().getState() == ONLINE)
+        Client().serve(500);
+    EXPECT_EQ(sockets.nowMs - begin, 5000U);
+    EXPECT_TRUE(
+        Logged("NetTcpIpClientC::recvData - nothing that was sent on 17 has been answered for 5000 ms\n"));
+}
+
+TEST_F(TcpIpClientTest, AnswerBeginsTheTimeOfUnansweredBytesAnew)
+{
+    settings.keepAliveIdleSeconds = 1;
+    settings.nKeepAliveProbes = 0;
+    Online();
+    for (int n = 0; n < 10; ++n) {
+        sockets.bUnanswered = n % 2 == 0;
+        Client().serve(500);
+    }
+    EXPECT_EQ(Client().getState(), ONLINE);
+}
+
+TEST_F(TcpIpClientTest, UnansweredBytesEndNothingWithoutAKeepAlive)
+{
+    settings.keepAliveIdleSeconds = 0;
+    Online();
+    sockets.bUnanswered = true;
+    for (int n = 0; n < 1000; ++n)
+        Client().serve(500);
+    EXPECT_EQ(Client().getState(), ONLINE);
+}
+
+TEST_F(TcpIpClientTest, ServerThatAcceptsAndResetsIsConnectedToOnceInASpacing)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    settings.reconnect.minSpacingMs = 100;
+    sockets.receiveError = Lost();
+    const std::uint64_t begin = sockets.nowMs;
+    std::vector<std::uint64_t> connectedAt;
+    reader.onEvent = [&](BIO::PortEvent event) {
+        if (event == BIO::ONLINE) connectedAt.push_back(sockets.nowMs - begin);
+    };
+    Client().connectTcpIp();
+    while (connectedAt.size() < 4)
+        Client().serve(1000);
+    EXPECT_EQ(connectedAt, (std::vector<std::uint64_t>{0, 100, 200, 300}));
+}
+
 TEST_F(TcpIpClientTest, CloseFromTheReaderEndsTheConnection)
 {
     config.m_eAutoConnect = AutoConnect::IMMEDIATELY;

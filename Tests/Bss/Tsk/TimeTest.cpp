@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// GPS time, leap seconds, clocks and zones.
+// GPS time, leap seconds and clocks.
 #include "Bss/Bss_Hal/BSS_HAL_Tick.h"
-#include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
 #include "Bss/Bss_Tim/BSS_TIM_GpsClock.h"
-#include "Bss/Bss_Tim/BSS_TIM_TimeZone.h"
 #include "Bss/Bss_Uti/BSS_UTI_Observer.h"
 #include "Support/ManualTicks.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
-#include <map>
 
 using namespace BSS::TIM;
 
@@ -164,38 +161,6 @@ TEST(TickClock, GoesOnWhereTheCounterWraps)
             EXPECT_EQ(clock.now(), expected);
         }
     }
-}
-
-// A store in memory.
-class MemoryStoreC final : public BSS::OS::ConfigStoreI
-{
-public:
-    BSS::ResultCodeT Read(const std::wstring& key, const std::wstring& name,
-                          std::uint32_t& value) const override
-    {
-        const auto found = values.find(key + L"/" + name);
-        if (found == values.end()) return BSS::RC_FAILED;
-        value = found->second;
-        return BSS::RC_OK;
-    }
-    BSS::ResultCodeT Write(const std::wstring& key, const std::wstring& name, std::uint32_t value) override
-    {
-        values[key + L"/" + name] = value;
-        return BSS::RC_OK;
-    }
-    std::map<std::wstring, std::uint32_t> values;
-};
-
-TEST(TimeZone, ComesFromTheStoreAndIsUtcWithoutOne)
-{
-    MemoryStoreC store;
-    EXPECT_EQ(ReadTimeZoneMinutes(store), 0);
-    EXPECT_EQ(WriteTimeZoneMinutes(store, -210), BSS::RC_OK);
-    EXPECT_EQ(ReadTimeZoneMinutes(store), -210);
-    EXPECT_EQ(LocalOfUtc(1000, -210), 1000 - 210 * 60000);
-    EXPECT_EQ(WriteTimeZoneMinutes(store, 841), BSS::RC_VALUE_REJECTED);
-    store.values.begin()->second = 5000;
-    EXPECT_EQ(ReadTimeZoneMinutes(store), 0);
 }
 
 TEST(Tick, IsExtendedAcrossTheWrapOfACounter)
