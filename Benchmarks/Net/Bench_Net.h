@@ -29,7 +29,8 @@ struct UnitT
 using SideT = double (*)(); ///< the seconds of one round
 
 /// Rounds of both sides take turns, and the turns who begins. Prints the medians, and the median of the
-/// rounds' ratios between the smallest and the largest.
+/// rounds' ratios between the smallest and the largest: by the clock, and by the processor time of the
+/// process, both sides' ends of the connection included, which other work on the machine disturbs less.
 void Compare(const UnitT& unit, int nRounds, SideT plain, SideT ours);
 
 void RunReceiving(int nRounds);

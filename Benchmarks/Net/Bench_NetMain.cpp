@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <vector>
 
 namespace {
@@ -50,6 +51,27 @@ double MedianOf(std::vector<double> values)
     return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
+/// The rounds of one side.
+struct SamplesT
+{
+    std::vector<double> clock;     // seconds
+    std::vector<double> processor; // of the whole process, setting up included
+
+    void take(BenchNet::SideT side)
+    {
+        const std::clock_t begin = std::clock();
+        clock.push_back(side());
+        processor.push_back(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
+    }
+};
+
+void PrintRatios(const char* pszBy, const std::vector<double>& ratios)
+{
+    const auto [least, most] = std::minmax_element(ratios.begin(), ratios.end());
+    std::printf("  ratio %-18s %.3f  (%.3f to %.3f)\n", pszBy, MedianOf(ratios), *least, *most);
+    std::fflush(stdout);
+}
+
 } // namespace
 
 void BenchNet::Check(bool bOk, const char* what)
@@ -68,25 +90,27 @@ double BenchNet::Seconds(const std::function<void()>& work)
 
 void BenchNet::Compare(const UnitT& unit, int nRounds, SideT plain, SideT ours)
 {
-    const auto value = [&](double seconds) {
-        return unit.bPerSecond ? unit.perRound / seconds : seconds / unit.perRound;
-    };
-    std::vector<double> ratios;
-    std::vector<double> plainValues;
-    std::vector<double> ourValues;
+    SamplesT plainOnes;
+    SamplesT ourOnes;
     for (int n = 0; n < nRounds; ++n) {
         const bool bPlainFirst = n % 2 == 0;
-        const double first = value(bPlainFirst ? plain() : ours());
-        const double second = value(bPlainFirst ? ours() : plain());
-        plainValues.push_back(bPlainFirst ? first : second);
-        ourValues.push_back(bPlainFirst ? second : first);
-        ratios.push_back(ourValues.back() / plainValues.back());
+        (bPlainFirst ? plainOnes : ourOnes).take(bPlainFirst ? plain : ours);
+        (bPlainFirst ? ourOnes : plainOnes).take(bPlainFirst ? ours : plain);
     }
-    const auto [least, most] = std::minmax_element(ratios.begin(), ratios.end());
-    std::printf("  plain %10.2f  ours %10.2f %-5s ratio %.3f  (%.3f to %.3f, %d rounds)\n",
-                MedianOf(plainValues), MedianOf(ourValues), unit.unit, MedianOf(ratios), *least, *most,
-                nRounds);
-    std::fflush(stdout);
+    // More is better by second, less is better otherwise.
+    const auto ratios = [&](const std::vector<double>& first, const std::vector<double>& second) {
+        std::vector<double> all;
+        for (std::size_t n = 0; n < first.size(); ++n)
+            all.push_back(unit.bPerSecond ? first[n] / second[n] : second[n] / first[n]);
+        return all;
+    };
+    const auto shown = [&](const std::vector<double>& seconds) {
+        return unit.bPerSecond ? unit.perRound / MedianOf(seconds) : MedianOf(seconds) / unit.perRound;
+    };
+    std::printf("  plain %.2f, ours %.2f %s, %d rounds\n", shown(plainOnes.clock), shown(ourOnes.clock),
+                unit.unit, nRounds);
+    PrintRatios("by the clock", ratios(plainOnes.clock, ourOnes.clock));
+    PrintRatios("by processor time", ratios(plainOnes.processor, ourOnes.processor));
 }
 
 int main(int argc, char** argv)
