@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t nB
     Require(config.check() == BSS::RC_OK && decoder.getPosition() <= nBytes);
     BSS::BIO::SimpleBufferC buffer(s_nMaxBytes);
     BSS::BIO::WriterC writer(buffer);
-    BSS::NET::StoreClientCfg(writer, config);
+    Require(BSS::NET::StoreClientCfg(writer, config) == BSS::RC_OK);
     Require(buffer.getSize() == decoder.getPosition());
     const auto* const pStored = static_cast<const std::uint8_t*>(buffer.getData());
     Require(std::equal(pStored + s_nVersionBytes, pStored + buffer.getSize(), pBytes + s_nVersionBytes));

@@ -1,53 +1,29 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// What the network floor costs, as ratios of one run:
-//   - bytes per second through a TCP/IP client, in both directions, against a plain blocking send/recv pair
-//   with
-//     the same buffer sizes;
-//   - the round trip of 64 bytes against the same with plain calls; the client answers from its reader;
-//   - what one client that never reads costs the 199 others of a server.
-// Rounds of both sides alternate; the median of the rounds counts.
+// What the TCP/IP client costs, as ratios of one run:
+//   - bytes per second through it, in both directions, against a plain blocking send/recv pair with the same
+//     buffer sizes;
+//   - the round trip of 64 bytes against the same with plain calls; the client answers from its reader.
+#include "Bench_Net.h"
+
+#include "Bss/Bss_Net/BSS_NET_SocketServer.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
-#include "Bss/Bss_Net/BSS_NET_TcpIpServer.h"
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <string>
 #include <thread>
 #include <vector>
 
 using namespace BSS;
 using namespace BSS::NET;
+using namespace BenchNet;
 
 namespace {
 
-constexpr std::size_t BUFFER_BYTES = std::size_t{1} << 16;
 constexpr std::size_t TOTAL_BYTES = std::size_t{1} << 29;
 constexpr std::size_t MESSAGE_BYTES = 64;
 constexpr int ROUND_TRIPS = 20000;
-constexpr int ROUNDS = 9;
-constexpr int LONG_MS = 60000;
-
-using ClockT = std::chrono::steady_clock;
-
-void Check(bool bOk, const char* what)
-{
-    if (bOk) return;
-    std::fprintf(stderr, "bench_net: %s failed\n", what);
-    std::exit(1);
-}
-
-double Seconds(const std::function<void()>& work)
-{
-    const auto begin = ClockT::now();
-    work();
-    return std::chrono::duration<double>(ClockT::now() - begin).count();
-}
 
 /// A listener and one accepted, blocking connection.
 struct PeerT
@@ -221,91 +197,20 @@ double PortRoundTrips()
     return Seconds([&] { Ping(port.peer.socket.getDescriptor()); });
 }
 
-/// Seconds until all reading clients have got everything; the first client reads only if it is told to.
-double LogClients(bool bFirstReads)
-{
-    constexpr std::size_t CLIENTS = 200;
-    constexpr std::size_t LINES = 20000;
-    NetTcpIpServerSettingsT settings;
-    settings.maxBufferedBytes = std::size_t{8} << 20;
-    NetTcpIpServerC server(settings);
-    Check(server.configure("127.0.0.1", 0) == RC_OK && server.start() == RC_OK, "server");
-    HAL::SocketAddressT address;
-    HAL::ParseAddress("127.0.0.1", server.getPort(), address);
-    std::vector<SocketClientC> clients(CLIENTS);
-    for (SocketClientC& client : clients)
-        Check(client.connect(address, LONG_MS) == RC_OK, "connect");
-    while (server.getClientCount() != CLIENTS)
-        std::this_thread::yield();
-    const std::string line(99, 'l');
-    const std::size_t total = LINES * (line.size() + 1);
-    const std::size_t nFirst = bFirstReads ? 0 : 1;
-    return Seconds([&] {
-        std::thread reading([&] {
-            std::vector<HAL::PollItemT> items;
-            std::vector<std::size_t> left(CLIENTS, total);
-            for (std::size_t n = nFirst; n < CLIENTS; ++n)
-                items.push_back({clients[n].getDescriptor(), true});
-            std::vector<char> bytes(BUFFER_BYTES);
-            for (std::size_t nOpen = items.size(); nOpen > 0;) {
-                std::size_t nReady = 0;
-                HAL::PollSockets(items.data(), items.size(), LONG_MS, nReady);
-                Check(nReady > 0, "reading");
-                for (std::size_t n = 0; n < items.size(); ++n) {
-                    if (!items[n].canRead) continue;
-                    const HAL::TransferT got = HAL::ReceiveBytes(items[n].socket, bytes.data(), bytes.size());
-                    Check(got.error == 0 && got.count > 0, "reading");
-                    left[n] -= got.count;
-                    if (left[n] > 0) continue;
-                    items[n].socket = HAL::NO_SOCKET;
-                    items[n].canRead = false;
-                    --nOpen;
-                }
-            }
-        });
-        for (std::size_t n = 0; n < LINES; ++n)
-            server.send((line + "\n").data(), line.size() + 1);
-        reading.join();
-    });
-}
-
-using SideT = double (*)();
-
-void Compare(const char* name, SideT plain, SideT ours, double perUnit, const char* unit,
-             bool bHigherIsBetter)
-{
-    std::vector<double> ratios;
-    std::vector<double> plainValues;
-    std::vector<double> ourValues;
-    for (int n = 0; n < ROUNDS; ++n) {
-        const double first = plain();
-        const double second = ours();
-        plainValues.push_back(bHigherIsBetter ? perUnit / first : first / perUnit);
-        ourValues.push_back(bHigherIsBetter ? perUnit / second : second / perUnit);
-        ratios.push_back(ourValues.back() / plainValues.back());
-    }
-    for (std::vector<double>* values : {&ratios, &plainValues, &ourValues})
-        std::sort(values->begin(), values->end());
-    std::printf("%-28s plain %10.1f  ours %10.1f %-6s ratio %.3f  (%.3f to %.3f)\n", name,
-                plainValues[ROUNDS / 2], ourValues[ROUNDS / 2], unit, ratios[ROUNDS / 2], ratios.front(),
-                ratios.back());
-    std::fflush(stdout);
-}
-
 } // namespace
 
-int main()
+void BenchNet::RunReceiving(int nRounds)
 {
-    Check(HAL::StartSockets() == 0, "start");
-    std::printf("buffers of %zu bytes, %zu MiB a round, %d rounds\n", BUFFER_BYTES, TOTAL_BYTES >> 20,
-                ROUNDS);
-    Compare("client receives", &PlainThroughput, &PortReceives, TOTAL_BYTES / 1e6, "MB/s", true);
-    Compare("client sends", &PlainThroughput, &PortSends, TOTAL_BYTES / 1e6, "MB/s", true);
-    Compare("round trip of 64 bytes", &PlainRoundTrips, &PortRoundTrips, ROUND_TRIPS / 1e6, "us", false);
-    // Bytes that reach the 199 (or 200) clients that read.
-    Compare(
-        "200 clients, one is silent", [] { return LogClients(true) / 200; },
-        [] { return LogClients(false) / 199; }, 2.0, "MB/s", true);
-    HAL::StopSockets();
-    return 0;
+    Compare({"client receives", "MB/s", TOTAL_BYTES / 1e6, true}, nRounds, &PlainThroughput, &PortReceives);
+}
+
+void BenchNet::RunSending(int nRounds)
+{
+    Compare({"client sends", "MB/s", TOTAL_BYTES / 1e6, true}, nRounds, &PlainThroughput, &PortSends);
+}
+
+void BenchNet::RunRoundTrips(int nRounds)
+{
+    Compare({"round trip of 64 bytes", "us", ROUND_TRIPS / 1e6, false}, nRounds, &PlainRoundTrips,
+            &PortRoundTrips);
 }

@@ -19,7 +19,7 @@ enum PortEvent : std::uint32_t
     ONLINE = 3
 };
 
-/// Why. The receive time-out's number is agreed; so is that the others do not collide with it.
+/// Why. The receive time-out's number is fixed; the others do not collide with it.
 enum class PortReason : std::uint32_t
 {
     NONE = 0,

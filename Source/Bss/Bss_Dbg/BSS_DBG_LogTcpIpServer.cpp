@@ -8,6 +8,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogTcpIpConsumer.h"
 #include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
 
+#include <atomic>
 #include <mutex>
 #include <set>
 #include <utility>
@@ -46,7 +47,7 @@ public:
     }
 
 private:
-    inline static bool s_bGone = false;
+    inline static std::atomic<bool> s_bGone{false};
     std::mutex m_lock;
     std::set<NET::NetTcpIpServerC*> m_servers;
 };
@@ -91,6 +92,7 @@ void DbgLogTcpIpServerC::configure(std::uint16_t port)
 
 ResultCodeT DbgLogTcpIpServerC::start()
 {
+    if (RunningServersC::isGone()) return RC_FAILED; // nobody would stop it any more
     const ResultCodeT rc = m_server.start();
     if (rc == RC_OK) RunningServersC::instance().add(m_server);
     return rc;

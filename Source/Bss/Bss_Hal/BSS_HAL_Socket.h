@@ -42,6 +42,11 @@ int SetNoDelay(SocketT socket) noexcept;
 /// after `nProbes` without an answer the connection is lost. Windows has its own number of probes.
 int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int nProbes) noexcept;
 
+/// Sent bytes that stay unacknowledged for longer, during which there are no signs of life, or for which the
+/// other side has no room for longer, end the connection. Without it Linux goes on for about a quarter of an
+/// hour; Windows has its own limit, and this is nothing there.
+int SetSendLimit(SocketT socket, int seconds) noexcept;
+
 /// Whether what was sent has had to be sent again and is still without an answer: the other side may be cut
 /// off. While that is so the system asks for no sign of life. One that answers but takes nothing more does
 /// not count. Always false on Windows, which ends such a connection by itself after about 20 s.

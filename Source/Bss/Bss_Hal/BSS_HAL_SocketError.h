@@ -18,13 +18,10 @@ bool IsWouldBlock(int error) noexcept;
 /// A connect that has been started and is not decided yet.
 bool IsConnectPending(int error) noexcept;
 
-/// The other side is gone without a proper end.
+/// The other side is gone without a proper end, or the way to it is.
 bool IsConnectionLost(int error) noexcept;
 
 /// The socket is not connected, or there is no such socket any more.
 bool IsNotConnected(int error) noexcept;
-
-/// The process or the system has no descriptor or memory to spare: worth another try later.
-bool IsOutOfResources(int error) noexcept;
 
 } // namespace BSS::HAL

@@ -43,17 +43,23 @@ bool IsConnectPending(int error) noexcept
 
 bool IsConnectionLost(int error) noexcept
 {
-    return error == ECONNRESET || error == EPIPE || error == ECONNABORTED || error == ETIMEDOUT;
+    switch (error) {
+    case ECONNRESET:
+    case EPIPE:
+    case ECONNABORTED:
+    case ETIMEDOUT:
+    case ENETDOWN:
+    case ENETUNREACH:
+    case EHOSTUNREACH:
+        return true;
+    default:
+        return false;
+    }
 }
 
 bool IsNotConnected(int error) noexcept
 {
     return error == ENOTCONN || error == EBADF || error == ENOTSOCK;
-}
-
-bool IsOutOfResources(int error) noexcept
-{
-    return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
 
 } // namespace BSS::HAL

@@ -36,18 +36,24 @@ bool IsConnectPending(int error) noexcept
 
 bool IsConnectionLost(int error) noexcept
 {
-    return error == WSAECONNRESET || error == WSAECONNABORTED || error == WSAENETRESET ||
-           error == WSAETIMEDOUT || error == WSAESHUTDOWN;
+    switch (error) {
+    case WSAECONNRESET:
+    case WSAECONNABORTED:
+    case WSAENETRESET:
+    case WSAETIMEDOUT:
+    case WSAESHUTDOWN:
+    case WSAENETDOWN:
+    case WSAENETUNREACH:
+    case WSAEHOSTUNREACH:
+        return true;
+    default:
+        return false;
+    }
 }
 
 bool IsNotConnected(int error) noexcept
 {
     return error == WSAENOTCONN || error == WSAENOTSOCK;
-}
-
-bool IsOutOfResources(int error) noexcept
-{
-    return error == WSAEMFILE || error == WSAENOBUFS || error == WSA_NOT_ENOUGH_MEMORY;
 }
 
 } // namespace BSS::HAL

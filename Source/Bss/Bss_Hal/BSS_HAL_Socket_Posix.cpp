@@ -117,6 +117,11 @@ int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int nProb
     return SetOption(socket, SOL_SOCKET, SO_KEEPALIVE, 1);
 }
 
+int SetSendLimit(SocketT socket, int seconds) noexcept
+{
+    return SetOption(socket, IPPROTO_TCP, TCP_USER_TIMEOUT, seconds * 1000);
+}
+
 bool IsUnanswered(SocketT socket) noexcept
 {
     tcp_info info = {};

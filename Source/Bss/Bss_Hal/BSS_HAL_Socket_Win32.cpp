@@ -120,6 +120,11 @@ int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int) noex
                             nullptr, nullptr));
 }
 
+int SetSendLimit(SocketT, int) noexcept
+{
+    return 0;
+}
+
 bool IsUnanswered(SocketT) noexcept
 {
     return false;

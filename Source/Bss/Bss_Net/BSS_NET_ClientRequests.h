@@ -56,6 +56,12 @@ public:
         return m_count > 0 && m_requests[0] != ClientRequest::Connect;
     }
 
+    bool isStopping() const
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        return m_count > 0 && m_requests[0] == ClientRequest::Stop;
+    }
+
     void reset()
     {
         const std::lock_guard<std::mutex> guard(m_lock);

@@ -3,6 +3,10 @@
 //
 // The reconnect timer of a client that has a loop of its own: a moment on a clock, at which the loop looks.
 // For one thread.
+//
+// No time service request stands behind it: that one calls on the thread of a command task, and this thread
+// waits for sockets. It would need a queue, a message for each expiry and the waker only to end a wait whose
+// end is known when it begins; and a clock that stands still in tests could not move it.
 #pragma once
 
 #include "Bss/Bss_Net/BSS_NET_TcpIpClientI.h"

@@ -31,12 +31,6 @@ public:
         if (m_consumer) m_consumer->Log(line.level, line.format, values...);
     }
 
-    /// For values that cost something to make.
-    bool isLogged(const LogLineT& line) const noexcept
-    {
-        return m_consumer && m_consumer->isEnabled(line.level);
-    }
-
 private:
     const std::shared_ptr<DBG::DbgLogConsumerC> m_consumer;
 };

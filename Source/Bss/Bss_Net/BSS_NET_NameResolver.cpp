@@ -4,6 +4,7 @@
 // See the header.
 #include "Bss/Bss_Net/BSS_NET_NameResolver.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Bss/Bss_Hal/BSS_HAL_Socket.h"
 
 #include <chrono>
@@ -62,7 +63,7 @@ int AskSystem(const ResolveT& ask, const std::string& name, std::uint16_t port,
     if (error != 0) return error;
     try {
         error = ask(name, port, found);
-    } catch (const std::exception&) {
+    } catch (...) { // nobody catches it on this thread
         error = HAL::ResolveResourcesError();
     }
     HAL::StopSockets();
@@ -120,6 +121,7 @@ int NameResolverC::resolve(const std::string& name, std::uint16_t port,
 
 bool NameResolverC::ask(const std::string& name, std::uint16_t port)
 {
+    if (HAL::TakeFault(HAL::FaultT::Thread)) return false;
     try {
         const auto question = std::make_shared<QuestionT>();
         std::thread([question, ask = m_ask, name, port] {

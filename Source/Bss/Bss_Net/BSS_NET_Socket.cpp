@@ -69,6 +69,11 @@ ResultCodeT SocketC::setKeepAlive(int idleSeconds, int intervalSeconds, int nPro
     return Answer(HAL::SetKeepAlive(m_descriptor, idleSeconds, intervalSeconds, nProbes));
 }
 
+ResultCodeT SocketC::setSendLimit(int seconds) noexcept
+{
+    return isValid() ? Answer(HAL::SetSendLimit(m_descriptor, seconds)) : RC_INVALID_SOCKET;
+}
+
 ResultCodeT SocketC::Wait(bool bReading, int timeoutMs) noexcept
 {
     if (!isValid()) return RC_INVALID_SOCKET;

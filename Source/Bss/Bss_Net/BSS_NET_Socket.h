@@ -37,6 +37,7 @@ public:
     ResultCodeT shutdown(HAL::ShutdownKind kind = HAL::ShutdownKind::Both) noexcept;
     ResultCodeT setNoDelay() noexcept;
     ResultCodeT setKeepAlive(int idleSeconds, int intervalSeconds, int nProbes) noexcept;
+    ResultCodeT setSendLimit(int seconds) noexcept;
 
     /// Wait that many milliseconds, without limit when negative.
     [[nodiscard]] ResultCodeT waitReadable(int timeoutMs) noexcept;

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <boost/thread/thread.hpp>
 #include <utility>
 
 namespace BSS::NET {
@@ -23,6 +24,9 @@ namespace {
 
 // Nothing wakes the thread but its requests.
 constexpr std::uint32_t LONG_WAIT_MS = 60000;
+
+// Without descriptors to spare there is nothing to wake it by: it looks for itself.
+constexpr std::uint64_t UNWAKEABLE_WAIT_MS = 100;
 
 bool StartUp(SocketApiI& api, const LogC& log)
 {
@@ -51,7 +55,12 @@ public:
 protected:
     void main() override
     {
-        while (m_client.serve(LONG_WAIT_MS)) {
+        try {
+            while (m_client.serve(LONG_WAIT_MS)) {
+            }
+        } catch (...) {
+            m_client.finishAfterFailure();
+            throw;
         }
     }
 
@@ -108,7 +117,7 @@ std::uint32_t NetTcpIpClientC::maxReceiveTimeoutMs() const
 void NetTcpIpClientC::start()
 {
     if (!m_task->isRunning()) m_requests.reset();
-    m_task->start();
+    if (!m_task->isRunning() || m_requests.isStopping()) m_task->start();
     post(ClientRequest::Connect);
 }
 
@@ -193,9 +202,15 @@ void NetTcpIpClientC::waitForRequest(std::uint32_t maxWaitMs)
     if (m_timer.isRunning()) waitMs = std::min(waitMs, m_timer.leftMs());
     std::array<HAL::PollItemT, 1> items = {{{m_waker.getSocket(), true}}};
     std::size_t nReady = 0;
-    m_api.poll(items.data(), items.size(), static_cast<int>(std::min<std::uint64_t>(waitMs, LONG_WAIT_MS)),
+    m_api.poll(items.data(), items.size(), wakeableWaitMs(std::min<std::uint64_t>(waitMs, LONG_WAIT_MS)),
                nReady);
     if (items[0].canRead) m_waker.drain();
+}
+
+int NetTcpIpClientC::wakeableWaitMs(std::uint64_t waitMs) const noexcept
+{
+    const bool bWakeable = m_waker.getSocket() != HAL::NO_SOCKET;
+    return static_cast<int>(bWakeable ? waitMs : std::min(waitMs, UNWAKEABLE_WAIT_MS));
 }
 
 void NetTcpIpClientC::finish()
@@ -203,6 +218,18 @@ void NetTcpIpClientC::finish()
     if (m_machine.getState() == IDLE) return;
     m_machine.stop();
     m_machine.cleanup();
+}
+
+// Nobody may go on believing in a connection that has no thread any more. What observers throw now is of no
+// interest beside what has ended the thread.
+void NetTcpIpClientC::finishAfterFailure() noexcept
+{
+    const boost::this_thread::disable_interruption undisturbed;
+    try {
+        finish();
+    } catch (...) {
+        closeSocket();
+    }
 }
 
 void NetTcpIpClientC::forwardPortEvent(BIO::PortEvent event, BIO::PortReason reason)

@@ -61,12 +61,14 @@ public:
     explicit NetTcpIpClientC(NetTcpIpClientSettingsT settings = {});
     ~NetTcpIpClientC() override;
 
-    /// Counts from the next attempt to connect on; the receive limit from the next wait. RC_INVALID_ARGUMENT,
-    /// and nothing changed, for what NetTcpIpClientCfgT::check refuses.
-    ResultCodeT setPortConfig(const NetTcpIpClientCfgT& config);
+    /// The address counts from the next attempt to connect on, the auto-connect mode from the next loss or
+    /// failed attempt, the receive limit from the next wait. RC_INVALID_ARGUMENT, and nothing changed, for
+    /// what NetTcpIpClientCfgT::check refuses.
+    [[nodiscard]] ResultCodeT setPortConfig(const NetTcpIpClientCfgT& config);
     NetTcpIpClientCfgT getPortConfig() const;
 
-    /// Starts the thread and connects. Throws as TSK::TaskC::start does.
+    /// Starts the thread and connects; connects when the thread is running. Throws as TSK::TaskC::start does,
+    /// so while the thread is about to end after stop().
     void start();
 
     /// Disconnects and ends the thread; returns at once.
@@ -81,10 +83,15 @@ public:
     /// Ends the connection or the attempt at once; there is none until connectTcpIp.
     void close();
 
-    /// Sends all of it. RC_TIMED_OUT when the connection takes nothing for WRITE_TIMEOUT_MS, RC_CLOSED when
-    /// there is none, RC_FAILED, RC_INVALID_ARGUMENT for nothing to send. What several threads write is not
-    /// mixed.
-    ResultCodeT write(const void* bytes, std::size_t count, std::size_t& nWritten) override;
+    /// Ends both directions of the connection, without the wish to be without one: what follows is as when
+    /// the server ends it.
+    void shutdownConnection() override;
+
+    /// Sends all of it, in as many parts as the connection takes. RC_TIMED_OUT when it takes nothing for
+    /// WRITE_TIMEOUT_MS, RC_CLOSED when there is none, RC_FAILED, RC_INVALID_ARGUMENT for nothing to send.
+    /// What several threads write is not mixed: each waits until those before it are done. A failure is the
+    /// writer's to know; the loss behind it is noticed and told by the client's own thread.
+    [[nodiscard]] ResultCodeT write(const void* bytes, std::size_t count, std::size_t& nWritten) override;
     ResultCodeT discardRd() override;
 
     /// Nothing is kept for sending; there is nothing to throw away.
@@ -106,7 +113,6 @@ private:
     AutoConnect getAutoConnect() const override;
     ResultCodeT setupConnection() override;
     ResultCodeT waitForConnection() override;
-    void shutdownConnection() override;
     void closeSocket() override;
     HAL::SocketT shutdownSocket(int& error) override;
     void forwardPortEvent(BIO::PortEvent event, BIO::PortReason reason) override;
@@ -117,6 +123,7 @@ private:
     void onConnectionEstablished();
     ResultCodeT recvData(std::uint32_t maxWaitMs, std::size_t& nReceived);
     ResultCodeT takeData(HAL::SocketT socket, std::size_t& nReceived);
+    void logWait(HAL::SocketT socket) const;
     ResultCodeT noDataYet(HAL::SocketT socket);
     bool isCutOff(HAL::SocketT socket);
     std::uint32_t receiveWaitMs(std::uint32_t maxWaitMs) const;
@@ -127,7 +134,9 @@ private:
     void post(ClientRequest request);
     bool serveRequest();
     void waitForRequest(std::uint32_t maxWaitMs);
+    int wakeableWaitMs(std::uint64_t waitMs) const noexcept;
     void finish();
+    void finishAfterFailure() noexcept;
     std::uint32_t maxReceiveTimeoutMs() const;
 
     const NetTcpIpClientSettingsT m_settings;
@@ -145,8 +154,8 @@ private:
 
     // Of the client's thread.
     std::vector<HAL::SocketAddressT> m_addresses;
-    HAL::SocketAddressT m_address;   // the one that is tried
-    std::uint64_t m_silentSince = 0; // on the clock
+    HAL::SocketAddressT m_address;            // the one that is tried
+    std::uint64_t m_ulTotalReceiveWaitMs = 0; // since the last data
     std::optional<std::uint64_t> m_unansweredSince;
     std::vector<std::uint8_t> m_buffer;
 

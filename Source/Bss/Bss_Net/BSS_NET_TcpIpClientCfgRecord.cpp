@@ -22,6 +22,12 @@ constexpr char NAME_PORT[] = "m_unServerPort";
 constexpr char NAME_AUTO_CONNECT[] = "(uint32_t)m_eAutoConnect";
 constexpr char NAME_TIMEOUT[] = "(uint32_t)m_ulMaxReceiveTimeoutMs";
 
+ResultCodeT Check(const NetTcpIpClientCfgT& config) noexcept
+{
+    const bool bKnown = config.m_eAutoConnect <= AutoConnect::IMMEDIATELY;
+    return bKnown ? config.check() : RC_VALUE_REJECTED;
+}
+
 ResultCodeT Load(BIO::BinaryPersistencyC& persistency, NetTcpIpClientCfgT& config)
 {
     const auto mainVersion = persistency.read<std::uint8_t>(NAME_MAIN_VERSION);
@@ -29,23 +35,24 @@ ResultCodeT Load(BIO::BinaryPersistencyC& persistency, NetTcpIpClientCfgT& confi
     if (mainVersion != MAIN_VERSION || subVersion < SUB_VERSION) return RC_VALUE_REJECTED;
     config.m_wszIpDnsName = persistency.readText(NAME_LENGTH);
     config.m_unServerPort = persistency.read<std::uint16_t>(NAME_PORT);
-    const auto mode = persistency.read<std::uint32_t>(NAME_AUTO_CONNECT);
+    config.m_eAutoConnect = static_cast<AutoConnect>(persistency.read<std::uint32_t>(NAME_AUTO_CONNECT));
     config.m_ulMaxReceiveTimeoutMs = persistency.read<std::uint32_t>(NAME_TIMEOUT);
-    if (mode > static_cast<std::uint32_t>(AutoConnect::IMMEDIATELY)) return RC_VALUE_REJECTED;
-    config.m_eAutoConnect = static_cast<AutoConnect>(mode);
-    return config.check();
+    return Check(config);
 }
 
 } // namespace
 
-void StoreClientCfg(BIO::BinaryPersistencyC& persistency, const NetTcpIpClientCfgT& config)
+ResultCodeT StoreClientCfg(BIO::BinaryPersistencyC& persistency, const NetTcpIpClientCfgT& config)
 {
+    const ResultCodeT rc = Check(config);
+    if (rc != RC_OK) return rc;
     persistency.write(NAME_MAIN_VERSION, MAIN_VERSION);
     persistency.write(NAME_SUB_VERSION, SUB_VERSION);
     persistency.writeText(NAME_LENGTH, config.m_wszIpDnsName);
     persistency.write(NAME_PORT, config.m_unServerPort);
     persistency.write(NAME_AUTO_CONNECT, static_cast<std::uint32_t>(config.m_eAutoConnect));
     persistency.write(NAME_TIMEOUT, config.m_ulMaxReceiveTimeoutMs);
+    return RC_OK;
 }
 
 ResultCodeT LoadClientCfg(BIO::BinaryPersistencyC& persistency, NetTcpIpClientCfgT& config)

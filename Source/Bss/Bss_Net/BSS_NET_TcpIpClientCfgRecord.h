@@ -9,8 +9,11 @@
 
 namespace BSS::NET {
 
-/// Stores it. Throws BIO::OverflowExceptionC when it does not fit.
-void StoreClientCfg(BIO::BinaryPersistencyC& persistency, const NetTcpIpClientCfgT& config);
+/// Stores what LoadClientCfg takes: RC_OK; otherwise its answer for such a record, and nothing is stored. A
+/// client may have an auto-connect mode that is not known; a record may not. Throws BIO::OverflowExceptionC
+/// when it does not fit.
+[[nodiscard]] ResultCodeT StoreClientCfg(BIO::BinaryPersistencyC& persistency,
+                                         const NetTcpIpClientCfgT& config);
 
 /// Loads it from wherever it comes: RC_OK; RC_BUFFER_BOUNDS when the record ends too early; RC_VALUE_REJECTED
 /// for a version or an auto-connect mode that is not known; RC_INVALID_ARGUMENT for a name or a port that

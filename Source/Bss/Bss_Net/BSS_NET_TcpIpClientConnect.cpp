@@ -17,10 +17,7 @@ using namespace ClientLines;
 
 namespace {
 
-constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Net\BSS_NET_TcpIpClient)";
-
-// A number by which the line has always been known.
-constexpr std::int32_t LINE_IOCTL = 402;
+constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Net\BSS_NET_TcpIpClientConnect)";
 
 std::int32_t Shown(HAL::SocketT socket) noexcept
 {
@@ -43,7 +40,7 @@ ResultCodeT NetTcpIpClientC::getServerAddress(const NetTcpIpClientCfgT& config)
     m_log(RESOLVING);
     const auto isCancelled = [this] { return m_requests.endsAttempt(); };
     const int error = m_settings.resolver->resolve(name, config.m_unServerPort, isCancelled, m_addresses);
-    if (error == NameResolverI::CANCELLED) return RC_CLOSE_CALLED;
+    if (error == NameResolverI::CANCELLED) return RC_ATTEMPT_CANCELLED;
     if (error != 0 || m_addresses.empty()) {
         m_log(RESOLVE_FAILED, name, HAL::ResolveErrorText(error));
         return RC_FAILED;
@@ -62,7 +59,7 @@ ResultCodeT NetTcpIpClientC::setupConnection()
     if (rc != RC_OK) return rc;
     // A name may stand for several addresses, of which not all need to lead to the server.
     for (const HAL::SocketAddressT& address : m_addresses) {
-        if (m_requests.endsAttempt()) return RC_CLOSE_CALLED;
+        if (m_requests.endsAttempt()) return RC_ATTEMPT_CANCELLED;
         rc = setupConnectionTo(address);
         if (rc == RC_OK) return RC_OK;
         closeSocket();
@@ -101,16 +98,19 @@ ResultCodeT NetTcpIpClientC::setupConnectionTo(const HAL::SocketAddressT& addres
 bool NetTcpIpClientC::prepareSocket(HAL::SocketT socket)
 {
     if (const int error = m_api.setNonBlocking(socket)) {
-        m_log(IOCTL_FAILED, LINE_IOCTL, Shown(socket), HAL::SocketErrorText(error));
+        m_log(IOCTL_FAILED, __LINE__, Shown(socket), HAL::SocketErrorText(error));
         return false;
     }
     if (const int error = m_api.setNoDelay(socket)) {
         m_log(NO_DELAY_FAILED, "BSS::NET::NetTcpIpClientC::setupConnection", Shown(socket),
               HAL::SocketErrorText(error));
     }
-    if (m_settings.keepAliveIdleSeconds > 0) {
-        m_api.setKeepAlive(socket, m_settings.keepAliveIdleSeconds, m_settings.keepAliveIntervalSeconds,
-                           m_settings.nKeepAliveProbes);
+    if (m_settings.keepAliveIdleSeconds <= 0) return true;
+    if (const int error =
+            m_api.setKeepAlive(socket, m_settings.keepAliveIdleSeconds, m_settings.keepAliveIntervalSeconds,
+                               m_settings.nKeepAliveProbes)) {
+        m_log(KEEP_ALIVE_FAILED, "BSS::NET::NetTcpIpClientC::setupConnection", Shown(socket),
+              HAL::SocketErrorText(error));
     }
     return true;
 }
@@ -124,14 +124,14 @@ ResultCodeT NetTcpIpClientC::waitForConnection()
     for (;;) {
         const std::uint64_t now = m_settings.clock();
         std::size_t nReady = 0;
-        const int error =
-            m_api.poll(items.data(), items.size(), now < end ? static_cast<int>(end - now) : 0, nReady);
+        const int waitMs = now < end ? wakeableWaitMs(end - now) : 0;
+        const int error = m_api.poll(items.data(), items.size(), waitMs, nReady);
         if (error != 0) {
             m_log(CONNECT_FAILED, Shown(socket), HAL::SocketErrorText(error));
             return RC_FAILED;
         }
         if (items[1].canRead) m_waker.drain();
-        if (m_requests.endsAttempt()) return RC_CLOSE_CALLED;
+        if (m_requests.endsAttempt()) return RC_ATTEMPT_CANCELLED;
         if (items[0].canWrite || items[0].failed) break;
         if (m_settings.clock() >= end) {
             m_log(CONNECT_TIMED_OUT, Shown(socket));
@@ -153,7 +153,7 @@ ResultCodeT NetTcpIpClientC::waitForConnection()
 
 void NetTcpIpClientC::onConnectionEstablished()
 {
-    m_silentSince = m_settings.clock();
+    m_ulTotalReceiveWaitMs = 0;
     m_unansweredSince.reset();
     m_Socket.share();
     m_log(ESTABLISHED, HAL::AddressText(m_address), HAL::PortOf(m_address));

@@ -17,6 +17,9 @@ namespace BSS::NET {
 /// The last result of a machine that was closed by close(). A directory search has the same number.
 inline constexpr ResultCodeT RC_CLOSE_CALLED = 0x02000008;
 
+/// The answer of an attempt that a request has ended before its time; never a last result.
+inline constexpr ResultCodeT RC_ATTEMPT_CANCELLED = 0xFFFFFFFF;
+
 class TcpIpClientI
 {
 public:
@@ -24,9 +27,10 @@ public:
     virtual AutoConnect getAutoConnect() const = 0;
 
     /// Opens a socket and connects it. RC_OK when the connection stands; no socket is open otherwise.
+    /// RC_ATTEMPT_CANCELLED when something else is wanted meanwhile.
     [[nodiscard]] virtual ResultCodeT setupConnection() = 0;
 
-    /// Waits for the connection of a socket that is open.
+    /// Waits for the connection of a socket that is open; answers as setupConnection.
     [[nodiscard]] virtual ResultCodeT waitForConnection() = 0;
 
     /// Ends the connection; the socket stays open.

@@ -76,6 +76,7 @@ inline constexpr LogLineT NEW_SOCKET{LEVEL_FINE, "NetTcpIpClientC::setupConnecti
 inline constexpr LogLineT SOCKET_FAILED{LEVEL_ERROR, "NetTcpIpClientC::setupConnection - socket failed (err %s)\n"};
 inline constexpr LogLineT IOCTL_FAILED{LEVEL_ERROR, "%4d ioctl failed on %d (err %s)\n"};
 inline constexpr LogLineT NO_DELAY_FAILED{LEVEL_WARN, "%s setsockopt TCP_NODELAY failed on %d (err %s)\n"};
+inline constexpr LogLineT KEEP_ALIVE_FAILED{LEVEL_WARN, "%s setsockopt SO_KEEPALIVE failed on %d (err %s)\n"};
 inline constexpr LogLineT CONNECTED_AT_ONCE{LEVEL_FINE, "NetTcpIpClientC::setupConnection - connect on %d completed immediately\n"};
 inline constexpr LogLineT CONNECT_STARTED{LEVEL_FINE, "NetTcpIpClientC::setupConnection - connect started on %d (err %s)...\n"};
 inline constexpr LogLineT CONNECT_ERROR{LEVEL_WARN, "NetTcpIpClientC::setupConnection - connect error on %d (err %s)\n"};

@@ -6,6 +6,8 @@
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_SocketError.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClientLines.h"
 
 #include <boost/thread/exceptions.hpp>
@@ -25,6 +27,17 @@ constexpr bool IsKnown(std::uint32_t state)
     return state == IDLE || state == SETTING_UP || state == ONLINE;
 }
 
+// Clients of one program differ by where they are, those of several by the system's number of the thread, and
+// those of several machines by the moment.
+std::uint32_t Seed(const void* machine) noexcept
+{
+    std::uint64_t seed = reinterpret_cast<std::uintptr_t>(machine) >> 4;
+    for (const std::uint64_t part :
+         {std::uint64_t{HAL::CurrentThreadId()}, static_cast<std::uint64_t>(HAL::TickMicroseconds())})
+        seed = (seed ^ part) * 0x9E3779B97F4A7C15U;
+    return static_cast<std::uint32_t>(seed >> 32);
+}
+
 std::int32_t Shown(HAL::SocketT socket) noexcept
 {
     return static_cast<std::int32_t>(socket);
@@ -35,8 +48,7 @@ std::int32_t Shown(HAL::SocketT socket) noexcept
 TcpIpClientStateMachineC::TcpIpClientStateMachineC(TcpIpClientI& client, ReconnectTimerI& timer, LogC log,
                                                    ReconnectSettingsT settings)
     : m_oTimer(timer), m_roTcpIpClient(client), m_log(std::move(log)), m_settings(std::move(settings)),
-      // Clients of one program differ by where they are.
-      m_random(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(this) >> 4) | 1)
+      m_random(Seed(this))
 {}
 
 // The engine.
@@ -82,7 +94,12 @@ void TcpIpClientStateMachineC::goToState(std::uint32_t state)
         return;
     }
     m_log(STATE_CHANGE, oldState, state);
-    leaveState(oldState);
+    try {
+        leaveState(oldState);
+    } catch (...) { // an observer is interrupted; what is left is left all the same
+        m_uiState = state;
+        throw;
+    }
     m_uiState = state;
     enterState(oldState);
 }
@@ -212,6 +229,7 @@ void TcpIpClientStateMachineC::leaveIdleState()
     BSS_ASSERT(IDLE == m_uiState);
     m_log(LEAVE_IDLE);
     m_lastResult = RC_OK;
+    m_bClose = false; // it was for what has been; one that is still queued comes by executeClose()
 }
 
 void TcpIpClientStateMachineC::enterSettingUpState(std::uint32_t oldState)
@@ -237,13 +255,11 @@ void TcpIpClientStateMachineC::execSettingUpState()
     m_log(EXEC_SETTING_UP);
     BSS_ASSERT(SETTING_UP == m_uiState);
     m_lastAttemptMs = m_oTimer.nowMs();
-    if (m_roTcpIpClient.isSocketValid()) {
-        m_log(ALREADY_OPEN);
-        m_lastResult = m_roTcpIpClient.waitForConnection();
-    } else {
-        m_lastResult = m_roTcpIpClient.setupConnection();
-    }
-    m_bSetUp = m_lastResult == RC_OK;
+    const bool bOpen = m_roTcpIpClient.isSocketValid();
+    if (bOpen) m_log(ALREADY_OPEN);
+    const ResultCodeT rc = bOpen ? m_roTcpIpClient.waitForConnection() : m_roTcpIpClient.setupConnection();
+    m_bSetUp = rc == RC_OK;
+    if (rc != RC_ATTEMPT_CANCELLED) m_lastResult = rc; // what has cancelled it tells its own result
     if (!m_bSetUp) m_roTcpIpClient.closeSocket();
     dispatch(m_bSetUp ? ClientEvent::Established : ClientEvent::Failed);
 }
@@ -290,7 +306,10 @@ void TcpIpClientStateMachineC::leaveOnlineState()
     const bool bByPeer = rc == RC_CLOSED;
     m_log(rc == RC_TIMED_OUT ? OFFLINE_TIMEOUT : MachineLines::OFFLINE, bByPeer ? 1 : 0);
     if (rc == RC_TIMED_OUT) return notify(BIO::OFFLINE, BIO::PortReason::RECEIVE_TIMEOUT);
-    notify(BIO::OFFLINE, bByPeer ? BIO::PortReason::CLOSED_BY_PEER : BIO::PortReason::CLOSED_HERE);
+    if (bByPeer) return notify(BIO::OFFLINE, BIO::PortReason::CLOSED_BY_PEER);
+    // Without a loss it is a disconnect or a stop.
+    const bool bHere = rc == RC_OK || rc == RC_CLOSE_CALLED;
+    notify(BIO::OFFLINE, bHere ? BIO::PortReason::CLOSED_HERE : BIO::PortReason::NONE);
 }
 
 // What the table's actions do.

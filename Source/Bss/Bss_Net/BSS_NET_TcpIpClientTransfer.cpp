@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The client's receiving, on its own thread, and sending, on whichever thread writes. Both wait before they
-// move bytes, and no wait is without limit.
+// move bytes, and no wait for the network is without limit; a write waits for those of other threads before.
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_SocketError.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
@@ -20,11 +20,10 @@ using namespace ClientLines;
 
 namespace {
 
-constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Net\BSS_NET_TcpIpClient)";
+constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Net\BSS_NET_TcpIpClientTransfer)";
 
 // As Windows spells its question whether the socket can be written to.
 constexpr char NOT_WRITABLE[] = "__WSAFDIsSet((SOCKET)(socketDescriptor), (fd_set  *)(&stWriteFDS))";
-constexpr std::int32_t LINE_NOT_WRITABLE = 755;
 
 constexpr std::uint32_t MAX_WAIT_MS = 60000;
 
@@ -44,16 +43,20 @@ ResultCodeT NetTcpIpClientC::recvData(std::uint32_t maxWaitMs, std::size_t& nRec
     const HAL::SocketT socket = m_Socket.get();
     std::array<HAL::PollItemT, 2> items = {{{socket, true}, {m_waker.getSocket(), true}}};
     std::size_t nReady = 0;
-    const int waitMs = static_cast<int>(receiveWaitMs(maxWaitMs));
-    const int error = m_api.poll(items.data(), items.size(), waitMs, nReady);
-    m_log(RECV_SELECTED, error != 0 ? -1 : static_cast<std::int32_t>(nReady));
+    const std::uint64_t begin = m_settings.clock();
+    const int error =
+        m_api.poll(items.data(), items.size(), wakeableWaitMs(receiveWaitMs(maxWaitMs)), nReady);
+    m_ulTotalReceiveWaitMs += m_settings.clock() - begin;
+    const bool bReady = items[0].canRead || items[0].failed;
+    m_log(RECV_SELECTED, error != 0 ? -1 : bReady ? 1 : 0);
     if (error != 0) {
         m_log(RECV_FAILED, Shown(socket), HAL::SocketErrorText(error));
         return RC_FAILED;
     }
     if (items[1].canRead) m_waker.drain();
     if (!m_requests.isEmpty()) return RC_OK;
-    if (items[0].canRead || items[0].failed) return takeData(socket, nReceived);
+    if (bReady) return takeData(socket, nReceived);
+    if (nReady == 0) logWait(socket);
     return noDataYet(socket);
 }
 
@@ -63,8 +66,8 @@ std::uint32_t NetTcpIpClientC::receiveWaitMs(std::uint32_t maxWaitMs) const
     const std::uint64_t waitMs = std::min({m_settings.receiveWaitMs, maxWaitMs, MAX_WAIT_MS});
     const std::uint64_t limitMs = maxReceiveTimeoutMs();
     if (limitMs == 0) return static_cast<std::uint32_t>(waitMs);
-    const std::uint64_t silentMs = m_settings.clock() - m_silentSince;
-    const std::uint64_t leftMs = silentMs > limitMs ? 0 : limitMs - silentMs + 1;
+    const std::uint64_t totalMs = m_ulTotalReceiveWaitMs;
+    const std::uint64_t leftMs = totalMs > limitMs ? 0 : limitMs - totalMs + 1;
     return static_cast<std::uint32_t>(std::min(waitMs, leftMs));
 }
 
@@ -87,17 +90,19 @@ bool NetTcpIpClientC::isCutOff(HAL::SocketT socket)
     return true;
 }
 
+void NetTcpIpClientC::logWait(HAL::SocketT socket) const
+{
+    const std::uint32_t limitMs = maxReceiveTimeoutMs();
+    if (limitMs == 0) return m_log(RECV_NO_LIMIT, Shown(socket));
+    m_log(RECV_WAITED, Shown(socket), static_cast<std::uint32_t>(m_ulTotalReceiveWaitMs), limitMs);
+}
+
+// What others do with the thread, its reader for one, is no silence of the server: the waits alone count.
 ResultCodeT NetTcpIpClientC::noDataYet(HAL::SocketT socket)
 {
     if (isCutOff(socket)) return RC_CLOSED;
     const std::uint32_t limitMs = maxReceiveTimeoutMs();
-    if (limitMs == 0) {
-        m_log(RECV_NO_LIMIT, Shown(socket));
-        return RC_OK;
-    }
-    const std::uint64_t silentMs = m_settings.clock() - m_silentSince;
-    m_log(RECV_WAITED, Shown(socket), static_cast<std::uint32_t>(silentMs), limitMs);
-    if (silentMs <= limitMs) return RC_OK;
+    if (limitMs == 0 || m_ulTotalReceiveWaitMs <= limitMs) return RC_OK;
     m_log(RECV_TIMED_OUT, Shown(socket));
     return RC_TIMED_OUT;
 }
@@ -117,7 +122,7 @@ ResultCodeT NetTcpIpClientC::takeData(HAL::SocketT socket, std::size_t& nReceive
         m_log(SERVER_SHUTDOWN, Shown(socket));
         return RC_CLOSED;
     }
-    m_silentSince = m_settings.clock();
+    m_ulTotalReceiveWaitMs = 0;
     m_unansweredSince.reset();
     m_log(RECEIVED, "BSS::NET::NetTcpIpClientC::recvData", static_cast<std::int32_t>(got.count),
           Shown(socket));
@@ -205,7 +210,7 @@ ResultCodeT NetTcpIpClientC::waitForRoom(HAL::SocketT socket)
         m_log(WRITE_EXCEPTION);
         return RC_CLOSED;
     }
-    if (!item.canWrite) ERR::AssertFailed(NOT_WRITABLE, 0, 0, BSS_SOURCE_NAME, LINE_NOT_WRITABLE);
+    if (!item.canWrite) ERR::AssertFailed(NOT_WRITABLE, 0, 0, BSS_SOURCE_NAME, __LINE__);
     return RC_OK;
 }
 

@@ -10,6 +10,7 @@
 #include "Bss/Bss_Tsk/BSS_TSK_Task.h"
 
 #include <algorithm>
+#include <boost/thread/exceptions.hpp>
 #include <exception>
 #include <utility>
 
@@ -19,6 +20,9 @@ namespace {
 
 constexpr LogLineT LISTENING{DBG::LEVEL_INFO, "NetTcpIpServerC - listening on %s:%d\n"};
 constexpr LogLineT LISTEN_FAILED{DBG::LEVEL_ERROR, "NetTcpIpServerC - listen on %s:%d failed (err %s)\n"};
+constexpr LogLineT START_FAILED{DBG::LEVEL_ERROR, "NetTcpIpServerC - start failed: %s\n"};
+constexpr LogLineT OPTION_FAILED{DBG::LEVEL_WARN,
+                                 "NetTcpIpServerC - setsockopt %s failed on client %u (err %s)\n"};
 constexpr LogLineT CLIENT_CAME{DBG::LEVEL_INFO, "NetTcpIpServerC - client %u connected\n"};
 constexpr LogLineT CLIENT_GONE{DBG::LEVEL_INFO, "NetTcpIpServerC - client %u gone\n"};
 constexpr LogLineT CLIENT_DROPPED{DBG::LEVEL_WARN, "NetTcpIpServerC - client %u dropped, %u bytes behind\n"};
@@ -32,10 +36,12 @@ constexpr std::size_t RECEIVE_BYTES = 16384;
 // One client takes no more of the thread's time than this before the others have their turn.
 constexpr std::size_t MAX_TURN_BYTES = std::size_t{1} << 18;
 
-// A client that has gone without a word is found out after about two minutes.
+// A client that has gone without a word is found out after two minutes, whether or not it was being sent
+// something. One that does not read at all for as long, with bytes waiting for it, counts as gone too.
 constexpr int KEEP_ALIVE_IDLE_S = 60;
 constexpr int KEEP_ALIVE_INTERVAL_S = 15;
 constexpr int KEEP_ALIVE_PROBES = 4;
+constexpr int SEND_LIMIT_S = KEEP_ALIVE_IDLE_S + KEEP_ALIVE_INTERVAL_S * KEEP_ALIVE_PROBES;
 
 } // namespace
 
@@ -44,7 +50,7 @@ struct NetTcpIpServerC::ClientT
     std::uint32_t number = 0;
     SocketClientC socket;
     std::uint64_t position = 0; // in the stream
-    bool bBehind = false;       // too far; to be dropped
+    std::uint64_t nBehind = 0;  // bytes, too many; to be dropped
     bool bGone = false;
     bool bFull = false; // the system takes no more for now; of the server's thread
 };
@@ -88,6 +94,10 @@ ResultCodeT NetTcpIpServerC::start()
     const std::lock_guard<std::mutex> guard(m_lifeLock);
     if (m_task->isRunning()) return RC_OK;
     if (m_address.length == 0) return RC_OBJECT_MISSING;
+    if (m_waker.getSocket() == HAL::NO_SOCKET) { // its thread would not hear of anything
+        m_log(START_FAILED, "no sockets to wake it by");
+        return RC_FAILED;
+    }
     if (m_listener.listen(m_address) != RC_OK) {
         m_log(LISTEN_FAILED, HAL::AddressText(m_address), HAL::PortOf(m_address),
               HAL::SocketErrorText(m_listener.getLastError()));
@@ -95,8 +105,14 @@ ResultCodeT NetTcpIpServerC::start()
     }
     m_port = m_listener.getPort();
     m_bStop = false;
-    m_log(LISTENING, HAL::AddressText(m_address), m_port.load());
-    m_task->start();
+    try {
+        m_task->start();
+    } catch (const std::exception& error) {
+        m_log(START_FAILED, error.what());
+        endConnections();
+        return RC_FAILED;
+    }
+    m_log(LISTENING, HAL::AddressText(m_address), m_listener.getPort());
     return RC_OK;
 }
 
@@ -106,7 +122,12 @@ void NetTcpIpServerC::stop()
     m_bStop = true;
     m_waker.wake();
     m_task->waitForStop(-1);
-    const std::lock_guard<std::mutex> listGuard(m_lock);
+    endConnections();
+}
+
+void NetTcpIpServerC::endConnections()
+{
+    const std::lock_guard<std::mutex> guard(m_lock);
     m_clients.clear();
     m_listener.close();
     m_stream.release(m_stream.getEnd());
@@ -120,17 +141,32 @@ ResultCodeT NetTcpIpServerC::send(const void* bytes, std::size_t count)
     {
         const std::lock_guard<std::mutex> guard(m_lock);
         if (m_clients.empty()) return RC_OK;
-        m_stream.append(static_cast<const char*>(bytes), count);
+        const std::uint64_t end = m_stream.getEnd() + count;
+        bool bKept = false;
         for (const std::unique_ptr<ClientT>& client : m_clients) {
-            if (client->bBehind || m_stream.getEnd() - client->position <= m_settings.maxBufferedBytes)
+            if (client->nBehind != 0) continue;
+            const std::uint64_t nBehind = end - client->position;
+            if (nBehind <= m_settings.maxBufferedBytes) {
+                bKept = true;
                 continue;
-            client->bBehind = true;
+            }
+            client->nBehind = nBehind;
             bDropped = true;
         }
+        releaseSent(); // the server's thread may be busy for long
+        if (bKept) m_stream.append(static_cast<const char*>(bytes), count);
     }
     // One wake is enough until the thread has looked. Pairs with the exchange in waitForWork.
     if (!m_bWoken.exchange(true)) m_waker.wake();
     return bDropped ? RC_CLOSED : RC_OK;
+}
+
+void NetTcpIpServerC::releaseSent()
+{
+    std::uint64_t slowest = m_stream.getEnd();
+    for (const std::unique_ptr<ClientT>& client : m_clients)
+        if (client->nBehind == 0) slowest = std::min(slowest, client->position);
+    m_stream.release(slowest);
 }
 
 std::size_t NetTcpIpServerC::getClientCount() const
@@ -149,6 +185,12 @@ std::size_t NetTcpIpServerC::getBufferedBytes() const
 
 void NetTcpIpServerC::serve()
 {
+    // Whatever ends the thread: no client waits for a server that is not there any more.
+    struct EndC
+    {
+        NetTcpIpServerC& server;
+        ~EndC() { server.endConnections(); }
+    } const end{*this};
     while (waitForWork()) {
         for (std::size_t n = 0; n < m_clients.size(); ++n)
             serveClient(*m_clients[n], m_items[n + 2]);
@@ -169,7 +211,7 @@ bool NetTcpIpServerC::waitForWork()
         for (std::size_t n = 0; n < m_clients.size(); ++n) {
             const ClientT& client = *m_clients[n];
             m_items[n + 2] = {client.socket.getDescriptor(), true, client.bFull};
-            bMore = bMore || client.bBehind || (!client.bFull && client.position != m_stream.getEnd());
+            bMore = bMore || client.nBehind != 0 || (!client.bFull && client.position != m_stream.getEnd());
         }
     }
     std::size_t nReady = 0;
@@ -189,6 +231,7 @@ void NetTcpIpServerC::acceptClients()
         if (rc == RC_TIMED_OUT) return;
         if (rc != RC_OK) {
             m_log(ACCEPT_FAILED, HAL::SocketErrorText(m_listener.getLastError()));
+            if (rc == RC_CLOSED) continue; // this one has gone again; the next is another matter
             // Without descriptors to spare the listener would stay ready; others may give some back.
             m_bAcceptLater = true;
             return;
@@ -198,13 +241,25 @@ void NetTcpIpServerC::acceptClients()
             continue;
         }
         client->number = ++m_nAccepted;
-        client->socket.setNoDelay();
-        client->socket.setKeepAlive(KEEP_ALIVE_IDLE_S, KEEP_ALIVE_INTERVAL_S, KEEP_ALIVE_PROBES);
+        prepare(*client);
         m_log(CLIENT_CAME, client->number);
         const std::lock_guard<std::mutex> guard(m_lock);
         client->position = m_stream.getEnd();
         m_clients.push_back(std::move(client));
     }
+}
+
+// Without these a client is served all the same, only not as well.
+void NetTcpIpServerC::prepare(ClientT& client)
+{
+    SocketC& socket = client.socket;
+    const auto check = [&](ResultCodeT rc, const char* option) {
+        if (rc == RC_OK) return;
+        m_log(OPTION_FAILED, option, client.number, HAL::SocketErrorText(socket.getLastError()));
+    };
+    check(socket.setNoDelay(), "TCP_NODELAY");
+    check(socket.setKeepAlive(KEEP_ALIVE_IDLE_S, KEEP_ALIVE_INTERVAL_S, KEEP_ALIVE_PROBES), "SO_KEEPALIVE");
+    check(socket.setSendLimit(SEND_LIMIT_S), "TCP_USER_TIMEOUT");
 }
 
 void NetTcpIpServerC::serveClient(ClientT& client, const HAL::PollItemT& answer)
@@ -224,8 +279,12 @@ bool NetTcpIpServerC::readFrom(ClientT& client)
     if (!m_settings.onData) return true;
     try {
         m_settings.onData(client.number, m_received.data(), count);
+    } catch (const boost::thread_interrupted&) {
+        throw;
     } catch (const std::exception& error) {
         m_log(DATA_THREW, error.what());
+    } catch (...) {
+        m_log(DATA_THREW, "unknown");
     }
     return true;
 }
@@ -236,7 +295,7 @@ bool NetTcpIpServerC::sendTo(ClientT& client)
         StreamBufferC::PartT part;
         {
             const std::lock_guard<std::mutex> guard(m_lock);
-            if (client.bBehind) return false;
+            if (client.nBehind != 0) return false;
             part = m_stream.getPart(client.position);
         }
         if (part.count == 0) return true;
@@ -255,27 +314,20 @@ bool NetTcpIpServerC::sendTo(ClientT& client)
 void NetTcpIpServerC::removeGone()
 {
     std::vector<std::unique_ptr<ClientT>> gone;
-    std::uint64_t end = 0;
     {
         const std::lock_guard<std::mutex> guard(m_lock);
-        end = m_stream.getEnd();
-        std::uint64_t slowest = end;
-        for (std::unique_ptr<ClientT>& client : m_clients) {
-            if (client->bGone || client->bBehind)
-                gone.push_back(std::move(client));
-            else
-                slowest = std::min(slowest, client->position);
-        }
+        for (std::unique_ptr<ClientT>& client : m_clients)
+            if (client->bGone || client->nBehind != 0) gone.push_back(std::move(client));
         if (!gone.empty()) std::erase(m_clients, nullptr);
-        m_stream.release(slowest);
+        releaseSent();
     }
     for (const std::unique_ptr<ClientT>& client : gone) {
-        if (!client->bBehind) {
+        if (client->nBehind == 0) {
             m_log(CLIENT_GONE, client->number);
             continue;
         }
         ++m_nDropped;
-        m_log(CLIENT_DROPPED, client->number, static_cast<std::uint32_t>(end - client->position));
+        m_log(CLIENT_DROPPED, client->number, static_cast<std::uint32_t>(client->nBehind));
         // What the system still keeps for it goes too.
         HAL::SetResetOnClose(client->socket.getDescriptor());
     }

@@ -5,8 +5,9 @@
 // nor the sender: what it has not taken yet is kept up to a limit, and beyond that it is dropped, with a log
 // line. What clients send is given to a function, or thrown away.
 //
-// A thread of its own serves all clients. All operations are safe from any thread; stopping and the end of
-// the object are not for the function.
+// A thread of its own serves all clients. What the function throws is logged; only boost::thread_interrupted
+// and a lack of memory end the thread, and with it all connections: start() begins again. All operations are
+// safe from any thread; stopping and the end of the object are not for the function.
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
@@ -53,14 +54,16 @@ public:
     /// next start. RC_INVALID_ARGUMENT for what is no address.
     ResultCodeT configure(const std::string& address, std::uint16_t port);
 
-    /// RC_OK, also when it runs already; RC_OBJECT_MISSING when it is not configured; RC_FAILED when the
-    /// address or the port is not to be had.
+    /// RC_OK, also when it runs already; RC_OBJECT_MISSING when it is not configured; RC_FAILED, with a log
+    /// line, when the address, the port or a thread is not to be had, or when the process had no descriptors
+    /// to spare as the object was made.
     [[nodiscard]] ResultCodeT start();
 
     /// Ends all connections and returns when that is done.
     void stop();
 
-    /// Sends to all clients of this moment. Does not wait. RC_CLOSED when one of them was dropped by it.
+    /// Sends to all clients of this moment. Does not wait. RC_CLOSED when one of them was dropped by it. What
+    /// no client may have any more is not kept, however long the server's thread is busy.
     ResultCodeT send(const void* bytes, std::size_t count);
 
     std::uint16_t getPort() const noexcept { return m_port.load(); }
@@ -77,10 +80,13 @@ private:
     void serve();
     bool waitForWork();
     void acceptClients();
+    void prepare(ClientT& client);
     void serveClient(ClientT& client, const HAL::PollItemT& answer);
     bool readFrom(ClientT& client);
     bool sendTo(ClientT& client);
     void removeGone();
+    void releaseSent();
+    void endConnections();
 
     const NetTcpIpServerSettingsT m_settings;
     const LogC m_log;

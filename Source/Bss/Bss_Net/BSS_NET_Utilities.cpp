@@ -28,6 +28,13 @@ private:
     const int m_error;
 };
 
+// Both are the system's own words, of which there are only one for an address. An interface counts when it
+// was named.
+bool IsMeant(const std::string& wanted, const std::string& active)
+{
+    return wanted == active || (active.starts_with(wanted) && active[wanted.size()] == '%');
+}
+
 } // namespace
 
 ResultCodeT CheckService(const std::string& name, std::uint16_t port, int timeoutMs)
@@ -52,10 +59,9 @@ ResultCodeT CheckActiveAddress(const std::string& address)
     if (!HAL::ParseAddress(address, 0, wanted)) return RC_INVALID_ARGUMENT;
     std::vector<HAL::SocketAddressT> active;
     if (HAL::ActiveAddresses(active) != 0) return RC_FAILED;
-    for (const HAL::SocketAddressT& one : active) {
-        if (HAL::KindOf(one) == HAL::KindOf(wanted) && HAL::AddressText(one) == HAL::AddressText(wanted))
-            return RC_OK;
-    }
+    const std::string text = HAL::AddressText(wanted);
+    for (const HAL::SocketAddressT& one : active)
+        if (IsMeant(text, HAL::AddressText(one))) return RC_OK;
     return RC_NOT_FOUND;
 }
 

@@ -16,8 +16,9 @@ namespace BSS::NET {
 /// that many milliseconds; resolving takes as long as the system takes.
 [[nodiscard]] ResultCodeT CheckService(const std::string& name, std::uint16_t port, int timeoutMs);
 
-/// Whether this machine has the address on an interface that is up: RC_OK; RC_NOT_FOUND; RC_INVALID_ARGUMENT
-/// for what is no address; RC_FAILED when the system does not tell.
+/// Whether this machine has the address on an interface that is up, which need not be named in an address
+/// like "fe80::1": RC_OK; RC_NOT_FOUND; RC_INVALID_ARGUMENT for what is no address; RC_FAILED when the system
+/// does not tell.
 [[nodiscard]] ResultCodeT CheckActiveAddress(const std::string& address);
 
 /// Sends one echo request and waits for the answer: RC_OK with the round trip; RC_TIMED_OUT when there is

@@ -72,7 +72,7 @@ public:
     int setKeepAlive(BSS::HAL::SocketT, int idle, int, int) override
     {
         keepAliveIdle = idle;
-        return 0;
+        return keepAliveError;
     }
     bool isUnanswered(BSS::HAL::SocketT) override { return bUnanswered; }
     int connect(BSS::HAL::SocketT, const BSS::HAL::SocketAddressT&) override { return connectError; }
@@ -110,7 +110,11 @@ public:
         for (std::size_t n = 0; n < count; ++n) {
             BSS::HAL::PollItemT& item = items[n];
             item.canRead = item.canWrite = item.failed = false;
-            if (item.socket != SOCKET) continue;
+            if (item.socket != SOCKET) {
+                item.canRead = bWoken; // the only other one
+                nReady += bWoken ? 1 : 0;
+                continue;
+            }
             item.canWrite = item.wantWrite && bRoom;
             item.canRead = item.wantRead && (!arrived.empty() || bEnded || receiveError != 0);
             item.failed = bException;
@@ -125,6 +129,7 @@ public:
     int openError = 0;
     int nonBlockingError = 0;
     int noDelayError = 0;
+    int keepAliveError = 0;
     int connectError = 0;
     int pendingError = 0;
     int sendError = 0;
@@ -135,6 +140,7 @@ public:
     bool bEnded = false; ///< the server has ended the connection
     bool bException = false;
     bool bUnanswered = false;
+    bool bWoken = false;   ///< by nothing in particular
     bool bStrange = false; ///< ready, but for nothing
     std::size_t sendAtOnce = std::size_t{1} << 20;
     std::deque<std::string> arrived;

@@ -5,10 +5,14 @@
 #include "Loopback.h"
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <pthread.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
 
@@ -73,6 +77,26 @@ TEST(HalSocketPosixTest, ClosedDescriptorIsToldAsFailed)
     std::size_t nReady = 0;
     EXPECT_EQ(PollSockets(&item, 1, 0, nReady), 0);
     EXPECT_TRUE(item.failed);
+}
+
+TEST(HalSocketPosixTest, SendLimitIsTheSystems)
+{
+    const PairT pair = Pair();
+    ASSERT_EQ(SetSendLimit(pair.client, 45), 0);
+    int limitMs = 0;
+    socklen_t length = sizeof(limitMs);
+    ASSERT_EQ(::getsockopt(static_cast<int>(static_cast<SocketT>(pair.client)), IPPROTO_TCP, TCP_USER_TIMEOUT,
+                           &limitMs, &length),
+              0);
+    EXPECT_EQ(limitMs, 45000);
+}
+
+TEST(HalSocketPosixTest, LostConnectionHasManyNumbers)
+{
+    for (const int error : {ECONNRESET, EPIPE, ECONNABORTED, ETIMEDOUT, ENETDOWN, ENETUNREACH, EHOSTUNREACH})
+        EXPECT_TRUE(IsConnectionLost(error)) << SocketErrorText(error);
+    for (const int error : {0, EAGAIN, EINPROGRESS, EMFILE, EBADF, EINVAL, ECONNREFUSED})
+        EXPECT_FALSE(IsConnectionLost(error)) << SocketErrorText(error);
 }
 
 } // namespace

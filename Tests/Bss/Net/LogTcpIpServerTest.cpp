@@ -11,6 +11,7 @@
 #include "Support/LogCapture.h"
 
 #include <array>
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -66,6 +67,19 @@ TEST_F(LogTcpIpServerTest, ConsumerWithTheServerStreamsItsLines)
     while (text.find('\n') == std::string::npos && CanRead(client))
         text.append(bytes.data(), HAL::ReceiveBytes(client, bytes.data(), bytes.size()).count);
     EXPECT_TRUE(text.ends_with(" INFO over the network\n")) << text;
+}
+
+TEST_F(LogTcpIpServerTest, ServerIsNotStartedAnyMoreOnceTheProgramEnds)
+{
+    const auto run = [] {
+        static DbgLogTcpIpServerC server("127.0.0.1");
+        server.configure(0);
+        std::atexit(
+            [] { std::_Exit(server.start() == RC_FAILED ? 0 : 1); }); // after those that run are stopped
+        std::exit(server.start() == RC_OK ? 2 : 3);
+    };
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(LogTcpIpServerTest, ProgramThatEndsWithAServerEndsCleanly)

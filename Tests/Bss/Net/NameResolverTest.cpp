@@ -4,6 +4,7 @@
 // Names, asked for in the background.
 #include "Bss/Bss_Net/BSS_NET_NameResolver.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Loopback.h"
 #include "Support/Eventually.h"
 
@@ -139,6 +140,23 @@ TEST_F(NameResolverTest, ResolverMayGoWhileTheSystemIsAsked)
     }
     system->Let();
     EXPECT_TRUE(Support::Eventually([this] { return system->nAnswered == 1; }));
+}
+
+TEST_F(NameResolverTest, QuestionWithoutAThreadIsAnsweredWithAnErrorAndTheNextOneIsAsked)
+{
+    NameResolverC resolver([](const std::string&, std::uint16_t, auto&) { return 0; });
+    const auto never = [] { return false; };
+    HAL::OrderFault(HAL::FaultT::Thread, 1);
+    EXPECT_EQ(resolver.resolve("x", 5, never, addresses), HAL::ResolveResourcesError());
+    EXPECT_EQ(resolver.resolve("x", 5, never, addresses), 0);
+}
+
+TEST_F(NameResolverTest, WhateverAQuestionThrowsIsAnError)
+{
+    NameResolverC resolver([](const std::string&, std::uint16_t, auto&) -> int { throw 42; });
+    EXPECT_EQ(resolver.resolve(
+                  "x", 5, [] { return false; }, addresses),
+              HAL::ResolveResourcesError());
 }
 
 } // namespace

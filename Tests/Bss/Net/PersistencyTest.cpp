@@ -38,7 +38,7 @@ protected:
         config.m_ulMaxReceiveTimeoutMs = 3000;
         SimpleBufferC buffer(100);
         WriterC writer(buffer);
-        StoreClientCfg(writer, config);
+        EXPECT_EQ(StoreClientCfg(writer, config), RC_OK);
         return BytesOf(buffer);
     }
     static ResultCodeT Load(const BytesT& bytes, NetTcpIpClientCfgT& config)
@@ -208,6 +208,59 @@ TEST_F(PersistencyTest, UnknownAutoConnectModeIsRejected)
 TEST_F(PersistencyTest, NameWithAZeroInsideIsRefused)
 {
     EXPECT_EQ(LoadWith(4, 0), RC_INVALID_ARGUMENT);
+}
+
+class RecordRefusedTest : public PersistencyTest
+{
+protected:
+    /// A record that is whole but for one value.
+    static BytesT With(const std::string& name, std::uint16_t port)
+    {
+        SimpleBufferC buffer(2000);
+        WriterC writer(buffer);
+        writer.write("MainVersion", std::uint8_t{1});
+        writer.write("SubVersion", std::uint8_t{1});
+        writer.writeText("unSvrNameLen", std::wstring(name.begin(), name.end()));
+        writer.write("m_unServerPort", port);
+        writer.write("(uint32_t)m_eAutoConnect", std::uint32_t{1});
+        writer.write("(uint32_t)m_ulMaxReceiveTimeoutMs", std::uint32_t{0});
+        return BytesOf(buffer);
+    }
+    NetTcpIpClientCfgT config;
+};
+
+TEST_F(RecordRefusedTest, NameOfTheGreatestLengthIsLoaded)
+{
+    EXPECT_EQ(Load(With(std::string(255, 'n'), 1), config), RC_OK);
+    EXPECT_EQ(config.m_wszIpDnsName.size(), 255U);
+}
+
+TEST_F(RecordRefusedTest, LongerNameIsRefused)
+{
+    EXPECT_EQ(Load(With(std::string(256, 'n'), 1), config), RC_INVALID_ARGUMENT);
+}
+
+TEST_F(RecordRefusedTest, EmptyNameIsRefused)
+{
+    EXPECT_EQ(Load(With("", 1), config), RC_INVALID_ARGUMENT);
+}
+
+TEST_F(RecordRefusedTest, PortZeroIsRefused)
+{
+    EXPECT_EQ(Load(With("n", 0), config), RC_INVALID_ARGUMENT);
+}
+
+TEST_F(RecordRefusedTest, WhatCouldNotBeLoadedIsNotStored)
+{
+    config.m_wszIpDnsName = L"n";
+    EXPECT_EQ(StoreClientCfg(writer, config), RC_INVALID_ARGUMENT);
+    config.m_unServerPort = 1;
+    config.m_eAutoConnect = static_cast<AutoConnect>(77);
+    EXPECT_EQ(StoreClientCfg(writer, config), RC_VALUE_REJECTED);
+    config.m_eAutoConnect = AutoConnect::OFF;
+    config.m_wszIpDnsName.clear();
+    EXPECT_EQ(StoreClientCfg(writer, config), RC_INVALID_ARGUMENT);
+    EXPECT_EQ(buffer.getSize(), 0U);
 }
 
 } // namespace

@@ -92,13 +92,12 @@ int LoseTheInterfaceAndGetItBack()
             std::this_thread::yield();
         }
     });
-    const bool bSilentBefore =
-        Support::Eventually([&] { return events.nBytes > 1000; }) && events.nTimedOut > 0;
+    const bool bTalked = Support::Eventually([&] { return events.nBytes > 1000; }) && events.nTimedOut == 0;
     const bool bDown = SwitchInterface(false);
     const bool bNoticed = Support::Eventually([&] { return events.nTimedOut >= 1; });
     bTalk = false;
     talking.join();
-    if (bSilentBefore || !bDown) return 4;
+    if (!bTalked || !bDown) return 4;
     if (!bNoticed) return 5;
     if (!SwitchInterface(true)) return 6;
     return Support::Eventually([&] { return events.nOnline >= 2; }) ? 0 : 7;

@@ -4,8 +4,11 @@
 // The TCP/IP client with its thread, against servers on the loopback address that behave as servers do.
 #include "TcpIpClientFixture.h"
 
+#include "Bss/Bss_Uti/BSS_UTI_Observer.h"
+
 #include <array>
 #include <atomic>
+#include <boost/thread/exceptions.hpp>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -245,6 +248,95 @@ TEST_F(TcpIpClientLoopbackTest, ClientStartsAgainAfterAStop)
     EXPECT_TRUE(Reaches(ONLINE));
 }
 
+TEST_F(TcpIpClientLoopbackTest, CloseBeforeTheStartDoesNotEndALaterConnection)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    ListenerC listener;
+    Client().close();
+    Start(listener.port());
+    listener.accept();
+    const HeldSocketC second = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, CloseBehindAStopDoesNotEndALaterConnection)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC first = listener.accept();
+    ASSERT_TRUE(Reaches(ONLINE));
+    Client().stop();
+    Client().close(); // no request is taken behind the stop
+    ASSERT_TRUE(Client().waitForStop(LONG_MS));
+    Client().close();
+    Client().start();
+    listener.accept();
+    const HeldSocketC third = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, StartOfAClientThatHasGoneIdleConnectsItAgain)
+{
+    ListenerC listener;
+    Start(listener.port());
+    listener.accept();
+    ASSERT_TRUE(Reaches(IDLE));
+    EXPECT_NO_THROW(Client().start());
+    const HeldSocketC second = listener.accept();
+    EXPECT_TRUE(Reaches(ONLINE));
+}
+
+TEST_F(TcpIpClientLoopbackTest, ReaderThatEndsTheThreadLeavesNoConnectionBehind)
+{
+    watcher.onBytes = [] { throw boost::thread_interrupted(); };
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    HAL::SendBytes(peer, "x", 1);
+    EXPECT_TRUE(Client().waitForStop(LONG_MS));
+    EXPECT_EQ(Client().getState(), IDLE);
+    EXPECT_FALSE(Client().isSocketValid());
+    EXPECT_EQ(watcher.Count(BIO::OFFLINE), 2U);
+}
+
+TEST_F(TcpIpClientLoopbackTest, ObserverOfALossThatEndsTheThreadLeavesNoConnectionBehind)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    watcher.onEvent = [](BIO::PortEvent event) {
+        if (event == BIO::OFFLINE) throw boost::thread_interrupted();
+    };
+    ListenerC listener;
+    Start(listener.port());
+    listener.accept();
+    EXPECT_TRUE(Client().waitForStop(LONG_MS));
+    EXPECT_EQ(Client().getState(), IDLE);
+    EXPECT_FALSE(Client().isSocketValid());
+}
+
+TEST_F(TcpIpClientLoopbackTest, LossThatAWriteNoticesFirstIsToldByTheClientsThread)
+{
+    std::mutex reading; // holds the client's thread in its reader
+    std::unique_lock<std::mutex> hold(reading);
+    std::atomic<bool> bHeld{false};
+    watcher.onBytes = [&] {
+        bHeld = true;
+        const std::lock_guard<std::mutex> guard(reading);
+    };
+    ListenerC listener;
+    Start(listener.port());
+    HeldSocketC peer = listener.accept();
+    HAL::SendBytes(peer, "x", 1);
+    ASSERT_TRUE(Eventually([&] { return bHeld.load(); }));
+    peer.reset();
+    std::size_t nWritten = 0;
+    EXPECT_TRUE(Eventually([&] { return Client().write("y", 1, nWritten) == RC_CLOSED; }));
+    EXPECT_EQ(watcher.Count(BIO::OFFLINE), 0U);
+    hold.unlock();
+    EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::CLOSED_BY_PEER); }));
+    End();
+}
+
 TEST_F(TcpIpClientLoopbackTest, RandomBytesOfTheServerArriveAndDoNoHarm)
 {
     ListenerC listener;
@@ -289,16 +381,54 @@ TEST_F(TcpIpClientLoopbackTest, WritesOfSeveralThreadsAreNotMixed)
         ASSERT_EQ(all.substr(n, PIECE), std::string(PIECE, all[n]));
 }
 
-// What observers may be told after what.
-bool MayFollow(BIO::PortEvent before, BIO::PortEvent after)
+/// Keeps what the state subject tells; on the client's thread.
+class SubjectWatcherC final : public UTI::ObserverC
 {
-    switch (before) {
-    case BIO::OFFLINE:
-        return after == BIO::OFFLINE || after == BIO::GOING_ONLINE;
+public:
+    ~SubjectWatcherC() override { detachAll(); }
+    void update(UTI::SubjectC&, std::uint32_t code, const UTI::RefPtrT<UTI::SharedObjectC>& payload) override
+    {
+        const auto& event = dynamic_cast<const BIO::PortEventC&>(*payload);
+        events.emplace_back(static_cast<BIO::PortEvent>(code), event.getReason());
+        if (onEvent) onEvent(events.back().first);
+    }
+    std::vector<std::pair<BIO::PortEvent, BIO::PortReason>> events;
+    std::function<void(BIO::PortEvent)> onEvent;
+};
+
+TEST_F(TcpIpClientLoopbackTest, CloseFromAnObserverOfTheStateGoesIdle)
+{
+    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+    SubjectWatcherC observer;
+    observer.onEvent = [this](BIO::PortEvent event) {
+        if (event == BIO::ONLINE) Client().close();
+    };
+    Client().getStateSubject().attach(observer);
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::CLOSED_HERE); }));
+    EXPECT_TRUE(Reaches(IDLE));
+    EXPECT_EQ(Client().getLastResult(), 0x02000008U);
+    End();
+}
+
+using ToldT = std::pair<BIO::PortEvent, BIO::PortReason>;
+
+constexpr ToldT TRIES{BIO::GOING_ONLINE, BIO::PortReason::NONE};
+constexpr ToldT TRIED_IN_VAIN{BIO::GOING_ONLINE, BIO::PortReason::CONNECT_FAILED};
+
+// What observers may be told after what. Failed attempts in between are not told; the end of them all is.
+bool MayFollow(const ToldT& before, const ToldT& after)
+{
+    switch (before.first) {
+    case BIO::OFFLINE: // once for the connection, once for the client that stays without one
+        return after.first == BIO::OFFLINE || after == TRIES;
     case BIO::GOING_ONLINE:
-        return true;
+        return before == TRIES ? after.first == BIO::ONLINE || after == TRIED_IN_VAIN
+                               : after.first == BIO::OFFLINE;
     case BIO::ONLINE:
-        return after == BIO::OFFLINE;
+        return after.first == BIO::OFFLINE;
     }
     return false;
 }
@@ -307,8 +437,10 @@ TEST_F(TcpIpClientLoopbackTest, ThousandLossesLeaveNoSocketAndAConsistentStory)
 {
     constexpr std::size_t CYCLES = 1000;
     const std::int64_t before = HAL::OpenSocketCount();
+    SubjectWatcherC observer;
     {
         config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
+        Client().getStateSubject().attach(observer);
         ListenerC listener;
         Start(listener.port());
         for (std::size_t n = 0; n < CYCLES; ++n) {
@@ -322,7 +454,8 @@ TEST_F(TcpIpClientLoopbackTest, ThousandLossesLeaveNoSocketAndAConsistentStory)
     EXPECT_GE(watcher.nOnline, CYCLES);
     const auto events = watcher.Events();
     for (std::size_t n = 1; n < events.size(); ++n)
-        ASSERT_TRUE(MayFollow(events[n - 1].first, events[n].first)) << n;
+        ASSERT_TRUE(MayFollow(events[n - 1], events[n])) << n;
+    EXPECT_EQ(observer.events, events);
     int state = 0;
     for (const std::string& message : log->Messages()) {
         const std::string begin = "4 TcpIpClientStateMachineC::goToState - state-change: ";

@@ -6,12 +6,14 @@
 
 #include "Bss/Bss_Uti/BSS_UTI_Observer.h"
 
+#include "Support/Eventually.h"
 #include "Support/LogCapture.h"
 #include "Support/LogRecorder.h"
 #include "Support/ReportCapture.h"
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -124,45 +126,61 @@ private:
     std::unique_ptr<TcpIpClientStateMachineC> m_machine;
 };
 
-// The table by itself: what each event leads to in each state. An empty answer is "ignored".
+// The table by itself: what each event does and leads to in each state. An empty answer is "ignored".
+struct AnswerT
+{
+    std::string next;
+    ClientAction action = ClientAction::None;
+
+    bool operator==(const AnswerT&) const = default;
+};
+
 struct ExpectedT
 {
     std::uint32_t state;
     ClientEvent event;
     bool bAutoConnect;
-    std::string next;
+    AnswerT answer;
 };
 
-std::string NextOf(const ClientTransitionT* row)
+const char* NameOf(std::uint32_t state)
 {
-    static const std::string names[] = {"IDLE", "SETTING_UP", "ONLINE"};
-    return row == nullptr ? "" : names[row->next];
+    static const char* const names[] = {"IDLE", "SETTING_UP", "ONLINE"};
+    return names[state];
+}
+
+AnswerT AnswerOf(const ClientTransitionT* row)
+{
+    return row == nullptr ? AnswerT() : AnswerT{NameOf(row->next), row->action};
 }
 
 class ClientTableTest : public testing::TestWithParam<ExpectedT>
 {};
 
-TEST_P(ClientTableTest, EventLeadsWhereItShould)
+TEST_P(ClientTableTest, EventDoesAndLeadsWhereItShould)
 {
     const ExpectedT& expected = GetParam();
-    EXPECT_EQ(NextOf(FindTransition(expected.state, expected.event, expected.bAutoConnect)), expected.next);
+    const AnswerT answer = AnswerOf(FindTransition(expected.state, expected.event, expected.bAutoConnect));
+    EXPECT_EQ(answer.next, expected.answer.next);
+    EXPECT_EQ(answer.action, expected.answer.action);
 }
 
 std::vector<ExpectedT> WholeTable()
 {
     using E = ClientEvent;
+    using A = ClientAction;
     std::vector<ExpectedT> all;
     for (const bool bAuto : {false, true}) {
-        const std::string lost = bAuto ? "SETTING_UP" : "IDLE";
+        const AnswerT lost{bAuto ? "SETTING_UP" : "IDLE"};
         for (const auto& [event, idle, settingUp, online] :
-             std::vector<std::tuple<E, std::string, std::string, std::string>>{
-                 {E::Connect, "SETTING_UP", "SETTING_UP", ""},
-                 {E::Disconnect, "", "IDLE", "IDLE"},
-                 {E::Close, "", "IDLE", "IDLE"},
-                 {E::TimerExpired, "", "SETTING_UP", ""},
-                 {E::Established, "", "ONLINE", ""},
-                 {E::Failed, "", "SETTING_UP", ""},
-                 {E::LinkLost, "", "", lost}}) {
+             std::vector<std::tuple<E, AnswerT, AnswerT, AnswerT>>{
+                 {E::Connect, {"SETTING_UP"}, {"SETTING_UP", A::Attempt}, {}},
+                 {E::Disconnect, {}, {"IDLE"}, {"IDLE"}},
+                 {E::Close, {}, {"IDLE", A::RememberClose}, {"IDLE", A::RememberClose}},
+                 {E::TimerExpired, {}, {"SETTING_UP", A::Attempt}, {}},
+                 {E::Established, {}, {"ONLINE"}, {}},
+                 {E::Failed, {}, {"SETTING_UP", A::ScheduleRetry}, {}},
+                 {E::LinkLost, {}, {}, lost}}) {
             all.push_back({IDLE, event, bAuto, idle});
             all.push_back({SETTING_UP, event, bAuto, settingUp});
             all.push_back({ONLINE, event, bAuto, online});
@@ -177,6 +195,63 @@ TEST(ClientTableSizeTest, EveryStateAndEventIsTried)
 {
     EXPECT_EQ(WholeTable().size(), 2 * 3 * ALL_CLIENT_EVENTS.size());
 }
+
+// The machine by its table: the pairs that others can bring about; an attempt's own two come from within.
+class ClientMachineByTableTest : public TcpIpClientStateMachineTest,
+                                 public testing::WithParamInterface<ExpectedT>
+{
+protected:
+    void Tell(ClientEvent event)
+    {
+        switch (event) {
+        case ClientEvent::Connect:
+            return Machine().connectTcpIp();
+        case ClientEvent::Disconnect:
+            return Machine().disconnectTcpIp();
+        case ClientEvent::Close:
+            return Machine().executeClose();
+        case ClientEvent::TimerExpired:
+            return Machine().onTimer();
+        case ClientEvent::LinkLost:
+            return Machine().onLinkLost(RC_FAILED);
+        case ClientEvent::Established:
+        case ClientEvent::Failed:
+            break;
+        }
+        FAIL() << "not from outside";
+    }
+};
+
+TEST_P(ClientMachineByTableTest, EventDoesAndLeadsWhereTheTableSays)
+{
+    const ExpectedT& expected = GetParam();
+    client.autoConnect = expected.bAutoConnect ? AutoConnect::WITH_TIMER : AutoConnect::OFF;
+    In(expected.state);
+    client.bServerThere = false;
+    const ResultCodeT before = Machine().getLastResult();
+    Tell(expected.event);
+    const bool bIgnored = expected.answer.next.empty();
+    EXPECT_EQ(NameOf(Machine().getState()), bIgnored ? NameOf(expected.state) : expected.answer.next);
+    const bool bEnters = expected.state == IDLE && expected.answer.next == "SETTING_UP";
+    EXPECT_EQ(client.nAttempts, bEnters || expected.answer.action == ClientAction::Attempt ? 1 : 0);
+    EXPECT_EQ(Machine().getLastResult() == 0x02000008U,
+              expected.answer.action == ClientAction::RememberClose);
+    if (!bIgnored) return;
+    EXPECT_TRUE(client.told.empty());
+    EXPECT_FALSE(timer.bRunning);
+    EXPECT_EQ(Machine().getLastResult(), before);
+}
+
+std::vector<ExpectedT> FromOutside()
+{
+    std::vector<ExpectedT> all = WholeTable();
+    std::erase_if(all, [](const ExpectedT& one) {
+        return one.event == ClientEvent::Established || one.event == ClientEvent::Failed;
+    });
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ClientMachineByTableTest, testing::ValuesIn(FromOutside()));
 
 TEST_F(TcpIpClientStateMachineTest, BeginsIdle)
 {
@@ -280,6 +355,27 @@ TEST_F(TcpIpClientStateMachineTest, IntervalVariesWithinItsJitter)
     EXPECT_EQ(timer.delayMs, 4500U);
 }
 
+TEST_F(TcpIpClientStateMachineTest, MachinesInTheSamePlaceVaryDifferently)
+{
+    settings.jitterPercent = 20;
+    client.autoConnect = AutoConnect::WITH_TIMER;
+    client.bServerThere = false;
+    std::optional<TcpIpClientStateMachineC> machine;
+    const auto intervals = [&] {
+        machine.emplace(client, timer, LogC(log), settings);
+        std::vector<std::uint32_t> all;
+        machine->start();
+        for (int n = 0; n < 5; ++n) {
+            all.push_back(timer.delayMs);
+            machine->onTimer();
+        }
+        machine->stop();
+        return all;
+    };
+    const std::vector<std::uint32_t> first = intervals();
+    EXPECT_TRUE(Support::Eventually([&] { return intervals() != first; })); // with the clock's next tick
+}
+
 TEST_F(TcpIpClientStateMachineTest, TimerTriesAgain)
 {
     In(SETTING_UP).onTimer();
@@ -343,6 +439,19 @@ TEST_F(TcpIpClientStateMachineTest, LinkLostByThePeerSaysSo)
     EXPECT_EQ(client.told.front(), (std::pair{BIO::OFFLINE, PortReason::CLOSED_BY_PEER}));
     EXPECT_TRUE(log->Has("4 " + Of("leaveOnlineState - notify OFFLINE, closed by peer : 1\n")));
     EXPECT_EQ(client.nShutdowns, 1);
+}
+
+TEST_F(TcpIpClientStateMachineTest, LinkLostByNobodysDoingHasNoReason)
+{
+    In(ONLINE).onLinkLost(RC_FAILED);
+    EXPECT_EQ(client.told.front(), (std::pair{BIO::OFFLINE, PortReason::NONE}));
+    EXPECT_TRUE(log->Has("4 " + Of("leaveOnlineState - notify OFFLINE, closed by peer : 0\n")));
+}
+
+TEST_F(TcpIpClientStateMachineTest, DisconnectOnlineIsOurOwnDoing)
+{
+    In(ONLINE).disconnectTcpIp();
+    EXPECT_EQ(client.told.front(), (std::pair{BIO::OFFLINE, PortReason::CLOSED_HERE}));
 }
 
 TEST_F(TcpIpClientStateMachineTest, LinkLostWithTheTimerWaitsForIt)

@@ -224,7 +224,9 @@ TEST_F(TcpIpClientTest, SocketThatStaysBlockingIsNotUsed)
     sockets.nonBlockingError = SOME_ERROR;
     Connecting();
     EXPECT_EQ(Client().getState(), SETTING_UP);
-    EXPECT_TRUE(LoggedError(" 402 ioctl failed on 17 ", SOME_ERROR));
+    const std::string line = log->Beginning("6 ").substr(2); // begins with a line of the source
+    EXPECT_GT(std::stoi(line), 0);
+    EXPECT_EQ(line.substr(4), " ioctl failed on 17 (err " + HAL::SocketErrorText(SOME_ERROR) + ")\n");
 }
 
 TEST_F(TcpIpClientTest, SocketWithDelayIsUsedAllTheSame)
@@ -240,6 +242,16 @@ TEST_F(TcpIpClientTest, KeepAliveIsAskedForUnlessItIsSwitchedOff)
 {
     Connecting();
     EXPECT_EQ(sockets.keepAliveIdle, 30);
+}
+
+TEST_F(TcpIpClientTest, SocketWithoutKeepAliveIsUsedAllTheSame)
+{
+    sockets.keepAliveError = SOME_ERROR;
+    Connecting();
+    EXPECT_EQ(Client().getState(), ONLINE);
+    EXPECT_EQ(log->Beginning("5 "),
+              "5 BSS::NET::NetTcpIpClientC::setupConnection setsockopt SO_KEEPALIVE failed on 17 (err " +
+                  HAL::SocketErrorText(SOME_ERROR) + ")\n");
 }
 
 TEST_F(TcpIpClientTest, NameIsResolved)
@@ -299,6 +311,32 @@ TEST_F(TcpIpClientTest, CloseWhileConnectingEndsTheAttemptBeforeItsTime)
     Client().serve(0);
     EXPECT_EQ(Client().getState(), IDLE);
     EXPECT_EQ(sockets.waits.size(), 1U);
+}
+
+TEST_F(TcpIpClientTest, DisconnectWhileResolvingIsNoClose)
+{
+    config.m_wszIpDnsName = L"sensor.example";
+    resolver->onResolve = [this] { Client().disconnectTcpIp(); };
+    Connecting();
+    Client().serve(0);
+    EXPECT_EQ(Client().getState(), IDLE);
+    EXPECT_NE(Client().getLastResult(), 0x02000008U);
+    EXPECT_EQ(reader.events, "2/0 2/3 1/0 ");
+}
+
+TEST_F(TcpIpClientTest, StopWhileConnectingIsNoClose)
+{
+    sockets.connectError = Pending();
+    sockets.bRoom = false;
+    sockets.onPoll = [this] {
+        sockets.onPoll = nullptr;
+        Client().stop();
+    };
+    Connecting();
+    EXPECT_FALSE(Client().serve(0));
+    EXPECT_EQ(Client().getState(), IDLE);
+    EXPECT_NE(Client().getLastResult(), 0x02000008U);
+    EXPECT_EQ(reader.events, "2/0 2/3 1/0 ");
 }
 
 TEST_F(TcpIpClientTest, ReconnectTimerRunsOutOnTheClock)
@@ -365,6 +403,37 @@ TEST_F(TcpIpClientTest, DataBeginTheSilenceAnew)
     EXPECT_EQ(sockets.nowMs - before, 3001U);
 }
 
+TEST_F(TcpIpClientTest, TimeThatTheReaderTakesIsNoSilence)
+{
+    config.m_ulMaxReceiveTimeoutMs = 3000;
+    sockets.arrived = {"x"};
+    reader.onBytes = [this] { sockets.nowMs += 10000; };
+    Online().serve(0);
+    Client().serve(0);
+    EXPECT_EQ(Client().getState(), ONLINE);
+}
+
+TEST_F(TcpIpClientTest, TimeThatTheOnlineNotificationTakesIsNoSilence)
+{
+    config.m_ulMaxReceiveTimeoutMs = 3000;
+    reader.onEvent = [this](BIO::PortEvent event) {
+        if (event == BIO::ONLINE) sockets.nowMs += 10000;
+    };
+    Online().serve(0);
+    EXPECT_EQ(Client().getState(), ONLINE);
+}
+
+TEST_F(TcpIpClientTest, SilenceIsTheSumOfItsWaits)
+{
+    config.m_ulMaxReceiveTimeoutMs = 3000;
+    Online();
+    for (int n = 0; n < 3000; ++n)
+        Client().serve(1);
+    EXPECT_EQ(Client().getState(), ONLINE);
+    Client().serve(1);
+    EXPECT_EQ(Client().getState(), IDLE);
+}
+
 TEST_F(TcpIpClientTest, EndByTheServerIsLoggedAndTold)
 {
     sockets.bEnded = true;
@@ -382,11 +451,38 @@ TEST_F(TcpIpClientTest, ReceiveErrorIsLoggedAndEndsTheConnection)
     EXPECT_TRUE(LoggedError("NetTcpIpClientC::recvData - recv failed on 17 ", Lost()));
 }
 
+TEST_F(TcpIpClientTest, ReceiveErrorThatIsNobodysDoingIsToldWithoutAReason)
+{
+    sockets.receiveError = SOME_ERROR;
+    Online().serve(0);
+    EXPECT_EQ(reader.events, "1/0 1/0 ");
+}
+
+TEST_F(TcpIpClientTest, WaitForDataThatFailsIsLoggedAndEndsTheConnection)
+{
+    Online();
+    sockets.pollError = SOME_ERROR;
+    Client().serve(0);
+    EXPECT_EQ(Client().getState(), IDLE);
+    EXPECT_TRUE(Logged("NetTcpIpClientC::recvData - select for readability return -1\n"));
+    EXPECT_TRUE(LoggedError("NetTcpIpClientC::recvData - recv failed on 17 ", SOME_ERROR));
+}
+
+TEST_F(TcpIpClientTest, WakeWithoutARequestIsNeitherDataNorATimeout)
+{
+    Online();
+    sockets.bWoken = true;
+    Client().serve(1000);
+    EXPECT_TRUE(Logged("NetTcpIpClientC::recvData - select for readability return 0\n"));
+    EXPECT_TRUE(log->Beginning("1 NetTcpIpClientC::recvData - select timed out").empty());
+}
+
 TEST_F(TcpIpClientTest, ReceiveThatWouldWaitAfterAllChangesNothing)
 {
     sockets.receiveError = WouldBlock();
     Online().serve(0);
     EXPECT_EQ(Client().getState(), ONLINE);
+    EXPECT_TRUE(log->Beginning("1 NetTcpIpClientC::recvData - select timed out").empty());
     EXPECT_TRUE(Logged("NetTcpIpClientC::recvData - recv return -1, LastError: " +
                        HAL::SocketErrorText(WouldBlock()) + "\n"));
 }
@@ -546,7 +642,11 @@ TEST_F(TcpIpClientTest, SocketThatIsReadyForNothingIsReported)
     sockets.bRoom = false;
     sockets.bStrange = true;
     EXPECT_EQ(Write("x"), RC_OK);
-    EXPECT_EQ(reports.Count("__WSAFDIsSet((SOCKET)(socketDescriptor), (fd_set  *)(&stWriteFDS))"), 1U);
+    ASSERT_EQ(reports.Reports().size(), 1U);
+    const Support::ReportT report = reports.Reports().front();
+    EXPECT_EQ(report.text, "__WSAFDIsSet((SOCKET)(socketDescriptor), (fd_set  *)(&stWriteFDS))");
+    EXPECT_TRUE(report.file.ends_with("BSS_NET_TcpIpClientTransfer")) << report.file;
+    EXPECT_GT(report.line, 0);
 }
 
 TEST_F(TcpIpClientTest, WriteWithoutAConnectionIsClosed)
@@ -570,6 +670,13 @@ TEST_F(TcpIpClientTest, DisconnectShutsTheConnectionDown)
     EXPECT_EQ(Client().getState(), IDLE);
     EXPECT_TRUE(Logged("NetTcpIpClientC::shutdownConnection\n"));
     EXPECT_TRUE(Logged("NetTcpIpClientC::shutdownConnection - shutdown succeeded\n"));
+}
+
+TEST_F(TcpIpClientTest, ShutdownWithoutASocketIsLogged)
+{
+    Client().shutdownConnection();
+    EXPECT_TRUE(Logged("NetTcpIpClientC::shutdownConnection\n"));
+    EXPECT_TRUE(Logged("NetTcpIpClientC::shutdownConnection - Socket already closed\n"));
 }
 
 TEST_F(TcpIpClientTest, ShutdownThatFailsIsLogged)
@@ -596,6 +703,20 @@ TEST_F(TcpIpClientTest, CloseIsFollowedByAConnectThatCameAfterIt)
     Client().serve(0);
     EXPECT_EQ(Client().getState(), ONLINE);
     EXPECT_TRUE(reports.Reports().empty());
+}
+
+TEST_F(TcpIpClientTest, CloseThatADisconnectHasReplacedDoesNotEndALaterConnection)
+{
+    config.m_eAutoConnect = AutoConnect::WITH_TIMER;
+    Online().close();
+    Client().disconnectTcpIp();
+    Client().connectTcpIp();
+    Client().serve(0);
+    Client().serve(0);
+    ASSERT_EQ(Client().getState(), ONLINE);
+    sockets.bEnded = true;
+    Client().serve(0);
+    EXPECT_EQ(Client().getState(), SETTING_UP);
 }
 
 } // namespace

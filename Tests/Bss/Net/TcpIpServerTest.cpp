@@ -4,12 +4,17 @@
 // The server of many clients, on the loopback address.
 #include "Bss/Bss_Net/BSS_NET_TcpIpServer.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Fault.h"
 #include "Loopback.h"
 #include "Support/Eventually.h"
 #include "Support/LogCapture.h"
 #include "Support/LogRecorder.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
+#include <boost/thread/exceptions.hpp>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -151,6 +156,108 @@ TEST_F(TcpIpServerTest, WhatIsKeptForASlowClientIsBounded)
     while (Server().send(piece.data(), piece.size()) == RC_OK)
         ASSERT_LE(Server().getBufferedBytes(), settings.maxBufferedBytes + StreamBufferC::BLOCK_BYTES);
     EXPECT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
+}
+
+/// Holds the server's thread in its function until it is let.
+struct HoldT
+{
+    std::mutex lock;
+    std::condition_variable let;
+    bool bLet = false;
+    std::atomic<bool> bHeld{false};
+
+    void Hold()
+    {
+        std::unique_lock<std::mutex> guard(lock);
+        bHeld = true;
+        let.wait(guard, [this] { return bLet; });
+    }
+    void Let()
+    {
+        const std::lock_guard<std::mutex> guard(lock);
+        bLet = true;
+        let.notify_all();
+    }
+};
+
+TEST_F(TcpIpServerTest, WhatIsKeptIsBoundedWhileTheServersThreadIsBusy)
+{
+    HoldT hold;
+    settings.maxBufferedBytes = 200000;
+    settings.onData = [&](std::uint32_t, const std::uint8_t*, std::size_t) { hold.Hold(); };
+    const HeldSocketC client = Join();
+    HAL::SendBytes(client, "x", 1);
+    ASSERT_TRUE(Eventually([&] { return hold.bHeld.load(); }));
+    const std::string piece(10000, 'p');
+    std::size_t most = 0;
+    for (int n = 0; n < 100; ++n) {
+        Server().send(piece.data(), piece.size());
+        most = std::max(most, Server().getBufferedBytes());
+    }
+    EXPECT_LE(most, settings.maxBufferedBytes + StreamBufferC::BLOCK_BYTES);
+    EXPECT_LE(Server().getBufferedBytes(), StreamBufferC::BLOCK_BYTES); // nobody is to get it any more
+    hold.Let();
+    EXPECT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
+    EXPECT_EQ(log->Beginning("5 "), "5 NetTcpIpServerC - client 1 dropped, 210000 bytes behind\n");
+    Server().stop();
+}
+
+TEST_F(TcpIpServerTest, PieceThatNobodyMayHaveIsNotKept)
+{
+    HoldT hold;
+    settings.onData = [&](std::uint32_t, const std::uint8_t*, std::size_t) { hold.Hold(); };
+    const HeldSocketC client = Join();
+    HAL::SendBytes(client, "x", 1);
+    ASSERT_TRUE(Eventually([&] { return hold.bHeld.load(); }));
+    const std::string piece(settings.maxBufferedBytes + 1, 'p');
+    EXPECT_EQ(Server().send(piece.data(), piece.size()), RC_CLOSED);
+    EXPECT_EQ(Server().getBufferedBytes(), 0U);
+    hold.Let();
+    EXPECT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
+    Server().stop();
+}
+
+TEST_F(TcpIpServerTest, WhateverTheFunctionThrowsIsLoggedAndTheServerGoesOn)
+{
+    settings.onData = [](std::uint32_t, const std::uint8_t*, std::size_t) { throw 42; };
+    const HeldSocketC client = Join();
+    HAL::SendBytes(client, "x", 1);
+    EXPECT_TRUE(
+        Eventually([this] { return log->Has("6 NetTcpIpServerC - exception in the reader: unknown\n"); }));
+    Server().send("on", 2);
+    EXPECT_EQ(Receive(client, 2), "on");
+}
+
+TEST_F(TcpIpServerTest, ServerWhoseThreadEndsLeavesNoClientWaitingAndCanBeStartedAgain)
+{
+    settings.onData = [](std::uint32_t, const std::uint8_t*, std::size_t) {
+        throw boost::thread_interrupted();
+    };
+    const HeldSocketC client = Join();
+    const std::uint16_t port = Server().getPort();
+    HAL::SendBytes(client, "x", 1);
+    std::array<char, 1> byte = {};
+    ASSERT_TRUE(CanRead(client));
+    EXPECT_EQ(HAL::ReceiveBytes(client, byte.data(), 1).count, 0U);
+    ASSERT_TRUE(Eventually([this] { return Server().getPort() == 0; }));
+    EXPECT_EQ(Server().getClientCount(), 0U);
+    const HeldSocketC late = Open();
+    EXPECT_NE(HAL::ConnectSocket(late, Address("127.0.0.1", port)), 0);
+    ASSERT_TRUE(Eventually([this] { return Server().start() == RC_OK && Server().getPort() != 0; }));
+    const HeldSocketC again = Join();
+    Server().send("back", 4);
+    EXPECT_EQ(Receive(again, 4), "back");
+}
+
+TEST_F(TcpIpServerTest, ServerWithoutAThreadIsRefusedAndItsPortIsFree)
+{
+    NetTcpIpServerC server;
+    const std::uint16_t port = DeadPort();
+    ASSERT_EQ(server.configure("127.0.0.1", port), RC_OK);
+    HAL::OrderFault(HAL::FaultT::Thread, 1);
+    EXPECT_EQ(server.start(), RC_FAILED);
+    EXPECT_EQ(server.getPort(), 0);
+    const ListenerC other("127.0.0.1", port);
 }
 
 TEST_F(TcpIpServerTest, PieceBeyondTheLimitIsSentToNobody)
