@@ -95,7 +95,7 @@ inline Collect()
 
 proctype Loop()
 {
-    byte taken, takenStops, leaveAfter;
+    byte taken, takenStops;
     bool ok, leave;
 wait:
     if
@@ -119,19 +119,14 @@ end_asleep:
     signalled = 0;
 #endif
     do
-    :: leave && leaveAfter == 0 -> goto out
-    :: else ->
+    :: true ->
+        /* take, or takeCollected once the loop is to end */
         if
-        :: leave -> leaveAfter--
-        :: else
-        fi;
-        /* take */
-        if
-        :: highPushed -> highPushed = 0; Collect()
+        :: !leave && highPushed -> highPushed = 0; Collect()
         :: else
         fi;
         if
-        :: !taken && !takenStops -> Collect()
+        :: !leave && !taken && !takenStops -> Collect()
         :: else
         fi;
         if
@@ -151,7 +146,7 @@ end_asleep:
         :: takenStops ->
             takenStops--;
             if
-            :: !leave -> leaveAfter = count
+            :: !leave -> Collect()
             :: else
             fi;
             leave = true
