@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Log files between processes, and what is left when one dies or the disk is full.
+// Log files and what this system alone has: forked processes, locks of others, limits, full disks.
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
-#include "Support/ChildProcess.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
 #include "Support/LogFolderTest.h"
@@ -31,129 +30,14 @@
 #include <vector>
 
 using namespace BSS::DBG;
-using Support::ChildProcess;
 using Support::LinesOf;
 using Support::NumberOf;
 
 namespace {
 
-class LogProcesses : public Support::LogFolderTest
-{
-protected:
-    std::string Folder() const { return m_directory.Narrow("log"); }
+using LogFilePosix = Support::LogFolderTest;
 
-    std::unique_ptr<ChildProcess> StartWriter(const std::vector<std::string>& arguments) const
-    {
-        std::vector<std::string> command = {BSS_LOG_WRITER, Folder()};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return std::make_unique<ChildProcess>(command);
-    }
-
-    // Every line of every file that the writers share.
-    std::vector<std::string> AllLines(std::uint64_t largest) const
-    {
-        std::vector<std::string> all;
-        for (const auto& entry : boost::filesystem::directory_iterator(m_directory.Path() / "log")) {
-            if (entry.path().filename().string().rfind("shared", 0) != 0) continue;
-            const std::string text = Support::ReadAll(entry.path().string());
-            EXPECT_LE(text.size(), largest) << entry.path();
-            for (const std::string& line : LinesOf(text))
-                all.push_back(line);
-        }
-        return all;
-    }
-};
-
-std::multiset<long> NumbersOf(const std::vector<std::string>& lines, const std::string& name)
-{
-    std::multiset<long> numbers;
-    for (const std::string& line : lines)
-        if (const long number = NumberOf(line, name); number >= 0) numbers.insert(number);
-    return numbers;
-}
-
-std::multiset<long> UpTo(long count)
-{
-    std::multiset<long> numbers;
-    for (long i = 0; i < count; ++i)
-        numbers.insert(numbers.end(), i);
-    return numbers;
-}
-
-// Whether the text is less than the whole of that line, behind as much of a prefix as there is.
-bool BeginsLine(const std::string& text, const std::string& name, unsigned number)
-{
-    const std::size_t level = text.find(" INFO ");
-    if (text.empty()) return true;
-    if (level == std::string::npos) return text.size() < 100 && text.front() == '[';
-    const std::string message = text.substr(level + 6);
-    return Support::CheckedLine(name, number).compare(0, message.size(), message) == 0;
-}
-
-TEST_F(LogProcesses, TwoProcessesMixNoLinesAndLoseNone)
-{
-    const auto one = StartWriter({"lines", "one", "20000", "0"});
-    const auto two = StartWriter({"lines", "two", "20000", "0"});
-    EXPECT_EQ(one->Wait(), 0);
-    EXPECT_EQ(two->Wait(), 0);
-    const std::vector<std::string> lines = AllLines(1u << 30);
-    EXPECT_EQ(lines.size(), 40000u);
-    EXPECT_EQ(NumbersOf(lines, "one"), UpTo(20000));
-    EXPECT_EQ(NumbersOf(lines, "two"), UpTo(20000));
-}
-
-TEST_F(LogProcesses, ThreeProcessesKeepTheLimitAndLoseNothingWhenFilesBecomeOlderOnes)
-{
-    std::vector<std::unique_ptr<ChildProcess>> writers;
-    for (const char* name : {"a", "b", "c"})
-        writers.push_back(StartWriter({"lines", name, "3000", "20000"}));
-    for (const auto& writer : writers)
-        EXPECT_EQ(writer->Wait(), 0);
-    const std::vector<std::string> lines = AllLines(20000);
-    EXPECT_EQ(lines.size(), 9000u);
-    for (const char* name : {"a", "b", "c"})
-        EXPECT_EQ(NumbersOf(lines, name), UpTo(3000)) << name;
-}
-
-TEST_F(LogProcesses, ProcessThatIsKilledLeavesWholeLinesAndAllThatWereFlushed)
-{
-    int fragments = 0;
-    for (int round = 0; round < 10; ++round) {
-        TakeAway();
-        const auto writer = StartWriter({"endless"});
-        long flushed = 0;
-        for (int i = 0; i <= round; ++i)
-            flushed = std::atol(writer->ReadLine().c_str());
-        writer->Kill();
-        EXPECT_EQ(writer->Wait(), -SIGKILL);
-        // Whole lines, and behind them nothing but the beginning of the next one.
-        const std::string left = Bytes("killed.txt");
-        const std::string whole = left.substr(0, left.rfind('\n') + 1);
-        const std::string fragment = left.substr(whole.size());
-        const std::vector<std::string> lines = LinesOf(whole);
-        const long count = static_cast<long>(lines.size());
-        EXPECT_GT(flushed, 0);
-        EXPECT_GE(count, flushed);
-        EXPECT_EQ(NumbersOf(lines, "k"), UpTo(count));
-        EXPECT_TRUE(BeginsLine(fragment, "k", static_cast<unsigned>(count))) << fragment;
-        if (!fragment.empty()) ++fragments;
-        // Whoever opens the file next takes the beginning away and nothing else.
-        DbgLogFileC next(L"killed.txt", 0);
-        ASSERT_TRUE(next.append("next\n"));
-        EXPECT_EQ(Bytes("killed.txt"), whole + "next\n");
-    }
-    RecordProperty("fragments", fragments);
-}
-
-TEST_F(LogProcesses, LinesThatWaitAreWrittenWhenTheProcessEnds)
-{
-    EXPECT_EQ(StartWriter({"exit"})->Wait(), 0);
-    const std::vector<std::string> lines = LinesOf(Bytes("ErrorLog.txt"));
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_NE(lines[1].find(" INFO at the end"), std::string::npos);
-}
-
-TEST_F(LogProcesses, EightThreadsWritingAMillionLinesLoseAndTearNone)
+TEST_F(LogFilePosix, EightThreadsWritingAMillionLinesLoseAndTearNone)
 {
     constexpr unsigned THREADS = 8;
     constexpr unsigned LINES = 125000;
@@ -189,7 +73,7 @@ TEST_F(LogProcesses, EightThreadsWritingAMillionLinesLoseAndTearNone)
     EXPECT_EQ(lines, std::size_t{THREADS} * LINES);
 }
 
-TEST_F(LogProcesses, ForkedChildDoesNotWriteTheLinesThatItsParentHasStillToWrite)
+TEST_F(LogFilePosix, ForkedChildDoesNotWriteTheLinesThatItsParentHasStillToWrite)
 {
     DbgLogFileC file(L"a.txt", 0);
     EXPECT_TRUE(file.append("parent 1\n", {1000, 0}));
@@ -206,7 +90,7 @@ TEST_F(LogProcesses, ForkedChildDoesNotWriteTheLinesThatItsParentHasStillToWrite
     EXPECT_EQ(Bytes("a.txt"), "parent 1\nchild\nparent 2\n");
 }
 
-TEST_F(LogProcesses, SomebodyWhoKeepsTheWriteLockForGoodDoesNotStopLogging)
+TEST_F(LogFilePosix, SomebodyWhoKeepsTheWriteLockForGoodDoesNotStopLogging)
 {
     boost::filesystem::create_directories(m_directory.Path() / "log");
     const int fd = ::open(Path("a.txt").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
@@ -217,7 +101,7 @@ TEST_F(LogProcesses, SomebodyWhoKeepsTheWriteLockForGoodDoesNotStopLogging)
     EXPECT_EQ(Bytes("a.txt"), "one\n");
 }
 
-TEST_F(LogProcesses, FileThatMayNotBeReadIsStillWritten)
+TEST_F(LogFilePosix, FileThatMayNotBeReadIsStillWritten)
 {
     boost::filesystem::create_directories(m_directory.Path() / "log");
     Support::WriteAll(Path("a.txt"), "one\n");
@@ -228,7 +112,7 @@ TEST_F(LogProcesses, FileThatMayNotBeReadIsStillWritten)
     EXPECT_EQ(Bytes("a.txt"), "one\ntwo\n");
 }
 
-TEST_F(LogProcesses, PipeInThePlaceOfTheFileIsRefusedAndDoesNotBlock)
+TEST_F(LogFilePosix, PipeInThePlaceOfTheFileIsRefusedAndDoesNotBlock)
 {
     boost::filesystem::create_directories(m_directory.Path() / "log");
     ASSERT_EQ(::mkfifo(Path("a.txt").c_str(), 0600), 0);
@@ -238,7 +122,7 @@ TEST_F(LogProcesses, PipeInThePlaceOfTheFileIsRefusedAndDoesNotBlock)
     EXPECT_EQ(debug.Text(), L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log (name)!\n");
 }
 
-TEST_F(LogProcesses, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
+TEST_F(LogFilePosix, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
 {
     // A limit on the size of files acts as a full disk does: the system takes a part of the write.
     const pid_t child = ::fork();
@@ -260,7 +144,7 @@ TEST_F(LogProcesses, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
         EXPECT_EQ(line, std::string(99, 'x'));
 }
 
-TEST_F(LogProcesses, LimitOnTheSizeOfFilesThatIsSetWhileRunningEndsNoProcess)
+TEST_F(LogFilePosix, LimitOnTheSizeOfFilesThatIsSetWhileRunningEndsNoProcess)
 {
     const pid_t child = ::fork();
     if (child == 0) {
@@ -291,7 +175,7 @@ void* CancelAndLog(void* consumer)
     return nullptr;
 }
 
-TEST_F(LogProcesses, ThreadThatIsCancelledLogsToTheEndAndIsCancelledThen)
+TEST_F(LogFilePosix, ThreadThatIsCancelledLogsToTheEndAndIsCancelledThen)
 {
     DbgLogFileConsumerC consumer("name", L"a.txt");
     consumer.setPrefixKind(PrefixKind::None);
@@ -304,7 +188,7 @@ TEST_F(LogProcesses, ThreadThatIsCancelledLogsToTheEndAndIsCancelledThen)
 }
 
 // Windows does not let a directory go in which a file is open.
-TEST_F(LogProcesses, DirectoryThatIsTakenAwayIsMadeAnewAndNothingIsLost)
+TEST_F(LogFilePosix, DirectoryThatIsTakenAwayIsMadeAnewAndNothingIsLost)
 {
     DbgLogFileC file(L"a.txt", 0);
     EXPECT_TRUE(file.append("one\n", {1000, 0}));
@@ -372,7 +256,7 @@ int LogToAFullDisk(const std::string& folder)
     return 6;
 }
 
-TEST_F(LogProcesses, FullDiskIsSurvivedAndLeavesWholeLines)
+TEST_F(LogFilePosix, FullDiskIsSurvivedAndLeavesWholeLines)
 {
     const pid_t child = ::fork();
     if (child == 0) ::_exit(LogToAFullDisk(m_directory.Narrow("log")));

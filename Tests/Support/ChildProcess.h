@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Child processes of a test, started with fork and exec and never by a shell.
+// Child processes of a test, started without a shell between.
 #pragma once
 
+#include <cstdint>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace Support {
@@ -13,7 +13,10 @@ namespace Support {
 class ChildProcess
 {
 public:
-    /// Starts a program. What it prints can be read from Output().
+    /// What Wait() gives for a child that was killed.
+    static constexpr int KILLED = -9;
+
+    /// Starts a program. What it prints can be read with ReadLine().
     explicit ChildProcess(const std::vector<std::string>& command);
 
     /// Kills it if it still runs.
@@ -24,15 +27,17 @@ public:
     /// The next line that it prints; empty at the end.
     std::string ReadLine();
 
-    /// SIGKILL.
+    /// Ends it where it is.
     void Kill();
 
-    /// Waits for its end: its exit code, or minus the signal that ended it.
+    /// Waits for its end: its exit code; on Linux minus the signal that ended it, if one did.
     int Wait();
 
 private:
-    pid_t m_pid = -1;
-    int m_output = -1;
+    static constexpr std::intptr_t NONE = -1;
+
+    std::intptr_t m_process = NONE;
+    std::intptr_t m_output = NONE;
 };
 
 } // namespace Support

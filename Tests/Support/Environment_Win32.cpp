@@ -6,6 +6,7 @@
 
 #include <stdexcept>
 #include <stdlib.h>
+#include <vector>
 #include <windows.h>
 
 namespace Support {
@@ -38,23 +39,36 @@ HKEY MakeKey(HKEY parent, const std::wstring& name)
     return key;
 }
 
+// The keys of those that live, the innermost last.
+std::vector<std::wstring> s_keys;
+
+bool Replace(const std::wstring& key)
+{
+    const HKEY root = MakeKey(HKEY_CURRENT_USER, key);
+    const LSTATUS replaced = RegOverridePredefKey(HKEY_CURRENT_USER, root);
+    RegCloseKey(root);
+    return replaced == ERROR_SUCCESS;
+}
+
 } // namespace
 
 PrivateConfiguration::PrivateConfiguration(const std::string&)
-    : m_key(LR"(Software\ScanReader tests )" + std::to_wstring(GetCurrentProcessId()))
+    : m_key(LR"(Software\ScanReader tests )" + std::to_wstring(GetCurrentProcessId()) + L" " +
+            std::to_wstring(s_keys.size()))
 {
-    const HKEY root = MakeKey(HKEY_CURRENT_USER, m_key);
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
     // The library never makes this key itself.
-    RegCloseKey(MakeKey(root, LR"(Software\ScanReader\Configuration)"));
-    const LSTATUS replaced = RegOverridePredefKey(HKEY_CURRENT_USER, root);
-    RegCloseKey(root);
-    if (replaced != ERROR_SUCCESS) throw std::runtime_error("registry of the tests");
+    RegCloseKey(MakeKey(HKEY_CURRENT_USER, m_key + LR"(\Software\ScanReader\Configuration)"));
+    if (!Replace(m_key)) throw std::runtime_error("registry of the tests");
+    s_keys.push_back(m_key);
 }
 
 PrivateConfiguration::~PrivateConfiguration()
 {
     RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
     RegDeleteTreeW(HKEY_CURRENT_USER, m_key.c_str());
+    s_keys.pop_back();
+    if (!s_keys.empty()) Replace(s_keys.back());
 }
 
 } // namespace Support

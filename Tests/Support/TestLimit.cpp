@@ -4,6 +4,8 @@
 // See the header.
 #include "Support/TestLimit.h"
 
+#include "Support/EndProcess.h"
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -51,7 +53,7 @@ void TestLimit::Watch()
         } else {
             std::fprintf(stderr, "[  FAILED  ] %s takes longer than its limit\n", m_test.c_str());
             std::fflush(stderr);
-            std::_Exit(EXIT_FAILURE);
+            EndProcess(EXIT_FAILURE);
         }
     }
 }

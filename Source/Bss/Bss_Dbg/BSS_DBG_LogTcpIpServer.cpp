@@ -6,6 +6,7 @@
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogMgr.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogTcpIpConsumer.h"
+#include "Bss/Bss_Err/BSS_ERR_PanicHandlerRegistry.h"
 #include "Bss/Bss_Os/BSS_OS_ConfigStore.h"
 
 #include <atomic>
@@ -18,7 +19,8 @@ namespace BSS::DBG {
 namespace {
 
 // The log manager keeps its consumers until the very end of the process; threads must not run that long. This
-// object is made after what the threads need, and so goes before it.
+// object makes first what the threads need, and so goes before it. They could not make it themselves while
+// exit() waits for them here: it may keep the lock that registering takes.
 class RunningServersC
 {
 public:
@@ -29,6 +31,11 @@ public:
     }
     static bool isGone() noexcept { return s_bGone; }
 
+    RunningServersC()
+    {
+        static_cast<void>(DbgLogMgrC::instance());
+        static_cast<void>(ERR::GetPanicHandlerRegistry());
+    }
     ~RunningServersC()
     {
         s_bGone = true;
@@ -93,8 +100,9 @@ void DbgLogTcpIpServerC::configure(std::uint16_t port)
 ResultCodeT DbgLogTcpIpServerC::start()
 {
     if (RunningServersC::isGone()) return RC_FAILED; // nobody would stop it any more
+    RunningServersC& running = RunningServersC::instance();
     const ResultCodeT rc = m_server.start();
-    if (rc == RC_OK) RunningServersC::instance().add(m_server);
+    if (rc == RC_OK) running.add(m_server);
     return rc;
 }
 

@@ -19,6 +19,12 @@ namespace BSS::HAL {
 
 inline constexpr int PRIORITY_TIME_CRITICAL = 15;
 
+/// To be called before the start of a thread that somebody may wait for while the process ends. On Windows
+/// exit() lets no other thread register anything for the end while it runs what has been registered; what the
+/// language's support for thread-local objects registers at its first use is registered by this. Nothing on
+/// Linux.
+void PrepareThreadStart() noexcept;
+
 /// Gives a living thread a priority of the Windows scale: 15, 2, 1, 0, -1, -2 or -15. On Linux 15 is
 /// round-robin real time and the others are the nice values -10, -5, 0, 5, 10 and 19, counted from that of the
 /// process but for the last, and closer together where there is no room. There, what is above normal needs

@@ -104,6 +104,8 @@ EndShieldC::~EndShieldC()
     EndThisThread();
 }
 
+void PrepareThreadStart() noexcept {}
+
 bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept
 {
     const auto id = static_cast<pid_t>(threadId);

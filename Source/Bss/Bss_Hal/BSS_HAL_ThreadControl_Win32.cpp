@@ -8,6 +8,23 @@
 
 namespace BSS::HAL {
 
+namespace {
+
+// Has an end of its own, as thread-local objects have that need the language's support.
+struct ThreadLocalC
+{
+    ~ThreadLocalC() { bOver = true; }
+    volatile bool bOver = false;
+};
+
+} // namespace
+
+void PrepareThreadStart() noexcept
+{
+    static thread_local ThreadLocalC t_first;
+    t_first.bOver = false;
+}
+
 bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept
 {
     const HANDLE thread = OpenThread(THREAD_SET_INFORMATION, FALSE, threadId);

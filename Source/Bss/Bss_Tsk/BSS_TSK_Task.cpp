@@ -66,6 +66,7 @@ boost::thread MakeThread(std::uint32_t stackSizeBytes, const std::function<void(
 {
     boost::thread::attributes attributes;
     if (stackSizeBytes != 0) attributes.set_stack_size(stackSizeBytes);
+    HAL::PrepareThreadStart();
     if (HAL::TakeFault(HAL::FaultT::Thread)) throw boost::thread_resource_error();
     return boost::thread(attributes, entry);
 }

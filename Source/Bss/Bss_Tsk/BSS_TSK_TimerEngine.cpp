@@ -136,6 +136,7 @@ int TimerEngineC::start(std::uint32_t engineId)
     }
     m_bRunning.store(true);
     m_threadId.store(0);
+    HAL::PrepareThreadStart();
     try {
         if (HAL::TakeFault(HAL::FaultT::Thread)) throw boost::thread_resource_error();
         m_hTimerThread = std::make_unique<boost::thread>([this, event, arrived] { Run(event, arrived); });

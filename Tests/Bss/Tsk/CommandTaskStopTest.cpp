@@ -36,7 +36,7 @@ TEST_F(CommandTaskTest, WhatIsPostedBehindAStopRequestTakesNoPlaceOfWhatWaitedWi
 // Much waits in the queue, among which the start looks for stop requests of before: so it takes a while.
 TEST_F(CommandTaskTest, OfTwoThatStartItAtOnceOneIsRefusedAndTakesNothingFromTheOther)
 {
-    constexpr int ROUNDS = 300;
+    constexpr int ROUNDS = 100;
     constexpr int WAITING = 2000;
     CommandTaskC quiet({"quiet", TaskTests::OPTION, TaskTests::OPTION, true, false, {}}, 2 * WAITING);
     const CommandPtrT command = MakeCommand("command", [] {});
