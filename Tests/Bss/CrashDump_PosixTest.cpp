@@ -14,6 +14,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -150,6 +151,32 @@ void CrashWithAHandlerInFrontOfOneThatIsGone(const std::wstring& directory)
     ::sigaction(SIGABRT, &action, nullptr);
     dump.restore();
     std::raise(SIGABRT);
+}
+
+// Ours is then behind the library's and before it.
+void CrashWithAHandlerBetweenTwoOfOurs(const std::wstring& directory)
+{
+    const rlimit limit = {5, 5}; // seconds; what must not happen is that it never ends, whatever signal comes
+    ::setrlimit(RLIMIT_CPU, &limit);
+    Support::CrashQuietly();
+    BSS::OS::CrashDumpC dump;
+    if (dump.install({L"a", directory}) != BSS::RC_OK) return;
+    struct sigaction action = {};
+    ::sigaction(SIGABRT, nullptr, &action);
+    s_pOurs = action.sa_sigaction;
+    action.sa_sigaction = &CallOurs;
+    ::sigaction(SIGABRT, &action, nullptr);
+    dump.restore();
+    if (dump.install({L"a", directory}) != BSS::RC_OK) return;
+    std::raise(SIGABRT);
+}
+
+TEST_F(CrashDumpPosix, HandlerThatCallsOursIsNotCalledForEver)
+{
+    testing::FLAGS_gtest_death_test_style = "fast"; // in the same directory
+    const std::wstring directory = m_directory.Wide("dumps");
+    EXPECT_EXIT(CrashWithAHandlerBetweenTwoOfOurs(directory), testing::KilledBySignal(SIGABRT), "");
+    EXPECT_EQ(Dumps().size(), 1U);
 }
 
 TEST_F(CrashDumpPosix, HandlerThatIsStillCalledAfterItWasGivenBackWritesNothing)

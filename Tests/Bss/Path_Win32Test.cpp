@@ -15,7 +15,8 @@ const std::wstring LONG_NAME(200, L'n');
 
 TEST(LongPath, AShortPathIsLeftAlone)
 {
-    for (const wchar_t* path : {L"scan.qsb", LR"(C:\scan.qsb)", LR"(\\server\share\scan.qsb)", L"../scan.qsb", L"NUL", L""})
+    for (const wchar_t* path :
+         {L"scan.qsb", LR"(C:\scan.qsb)", LR"(\\server\share\scan.qsb)", L"../scan.qsb", L"NUL", L""})
         EXPECT_EQ(LongPath(path), path);
 }
 
@@ -45,6 +46,13 @@ TEST(LongPath, ARelativePathIsLongWhenTheWholeIs)
     EXPECT_EQ(longPath.substr(longPath.size() - path.size()), path);
 }
 
+TEST(LongPath, WhatIsStillToBePutBehindItCounts)
+{
+    const std::wstring path = LR"(C:\)" + LONG_NAME; // of 203 characters
+    EXPECT_EQ(LongPath(path, 44), path);
+    EXPECT_EQ(LongPath(path, 45), LR"(\\?\)" + path);
+}
+
 TEST(LongPath, FoldersNeedThePrefixTwelveCharactersEarlier)
 {
     const auto ofLength = [](std::size_t length) { return LR"(C:\)" + std::wstring(length - 3, L'd'); };
@@ -60,7 +68,8 @@ TEST(LongPath, APrefixedPathIsLeftAlone)
 
 TEST(LongPath, APrefixWrittenWithForwardSlashesIsAPrefixToo)
 {
-    EXPECT_EQ(LongPath(L"//?/C:/" + LONG_NAME + L"/" + LONG_NAME), LR"(\\?\C:\)" + LONG_NAME + LR"(\)" + LONG_NAME);
+    EXPECT_EQ(LongPath(L"//?/C:/" + LONG_NAME + L"/" + LONG_NAME),
+              LR"(\\?\C:\)" + LONG_NAME + LR"(\)" + LONG_NAME);
     EXPECT_EQ(LongPath(L"//./pipe/" + LONG_NAME + LONG_NAME), LR"(\\.\pipe\)" + LONG_NAME + LONG_NAME);
 }
 
@@ -68,7 +77,8 @@ TEST(DeviceName, IsKnownInEitherCase)
 {
     for (const wchar_t* device : {L"NUL", L"nul", L"CON", LR"(\\.\NUL)"})
         EXPECT_TRUE(NamesDevice(device)) << NarrowPath(device);
-    for (const wchar_t* file : {L"NULL", L"scan.qsb", L"C:\\folder\\scan.qsb", LR"(\\server\share\scan.qsb)", L""})
+    for (const wchar_t* file :
+         {L"NULL", L"scan.qsb", L"C:\\folder\\scan.qsb", LR"(\\server\share\scan.qsb)", L""})
         EXPECT_FALSE(NamesDevice(file)) << NarrowPath(file);
 }
 

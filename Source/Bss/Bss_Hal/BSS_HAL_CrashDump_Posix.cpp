@@ -43,6 +43,7 @@ constexpr std::array SIGNALS = {SignalT{SIGSEGV, "SIGSEGV"}, SignalT{SIGBUS, "SI
 constinit FixedTextT<char, MAX_PATH_BYTES + MAX_STAMP_BYTES> s_path;
 constinit FixedTextT<char, 256> s_program;
 constinit std::array<struct sigaction, SIGNALS.size()> s_before = {};
+constinit std::array<std::atomic<bool>, SIGNALS.size()> s_passedOn = {};
 constinit std::atomic<bool> s_bInstalled = false;
 constinit std::atomic<bool> s_bBegun = false;
 constinit std::atomic<bool> s_bDone = false;
@@ -76,10 +77,14 @@ void WaitForDump() noexcept
     }
 }
 
+// The handler from before may be one that calls ours: it has had its turn when the signal comes again.
 void PassOn(std::size_t which, siginfo_t& info) noexcept
 {
     const int number = SIGNALS[which].number;
-    ::sigaction(number, &s_before[which], nullptr);
+    struct sigaction byDefault = {};
+    byDefault.sa_handler = SIG_DFL;
+    const bool bAgain = s_passedOn[which].exchange(true);
+    ::sigaction(number, bAgain ? &byDefault : &s_before[which], nullptr);
     const bool bFault = number == SIGSEGV || number == SIGBUS || number == SIGILL || number == SIGFPE;
     if (bFault && info.si_code > 0) return;
     if (::syscall(SYS_rt_tgsigqueueinfo, ::getpid(), ThisThread(), number, &info) != 0)
@@ -152,6 +157,8 @@ bool InstallCrashDump(const std::wstring& directory, const std::wstring& program
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     ::sigfillset(&action.sa_mask);
     s_bInstalled = true;
+    for (std::atomic<bool>& passedOn : s_passedOn)
+        passedOn = false;
     for (std::size_t n = 0; n < SIGNALS.size(); ++n)
         ::sigaction(SIGNALS[n].number, nullptr, &s_before[n]); // there before the handler may need it
     for (const SignalT& one : SIGNALS)

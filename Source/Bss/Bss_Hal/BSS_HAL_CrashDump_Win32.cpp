@@ -44,6 +44,8 @@ struct CrashT
     EXCEPTION_POINTERS* pException;
 };
 
+constexpr std::size_t LONGEST_STAMP = 40; // "-20260131T235959Z-4294967295.dmp", and some
+
 std::int64_t UnixSeconds() noexcept
 {
     FILETIME now = {};
@@ -132,7 +134,7 @@ WriteT FindWriter() noexcept
 
 bool Prepare(const std::wstring& directory, const std::wstring& program)
 {
-    const std::wstring path = LongPath(JoinPath(directory, program));
+    const std::wstring path = LongPath(JoinPath(directory, program), LONGEST_STAMP);
     if (path.size() > MAX_PATH_UNITS) return false;
     s_path.clear();
     s_path.add(path.c_str());

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <boost/filesystem/path.hpp>
+#include <cstddef>
 #include <string>
 
 namespace BSS::HAL {
@@ -31,8 +32,8 @@ std::wstring WidePathOf(const boost::filesystem::path& path);
 std::wstring JoinPath(const std::wstring& directory, const std::wstring& name);
 
 /// What the system's open call is given: on Windows with the prefix that lifts the limit of 260 characters
-/// from an absolute path, on Linux unchanged.
-std::wstring LongPath(const std::wstring& wide);
+/// from an absolute path, on Linux unchanged. `nMore` characters may still be put behind what is returned.
+std::wstring LongPath(const std::wstring& wide, std::size_t nMore = 0);
 
 /// Whether the system takes the name for a device that lies in no folder, as it does with NUL on Windows,
 /// where the file system nevertheless calls it a file. Never on Linux, where devices are entries of folders

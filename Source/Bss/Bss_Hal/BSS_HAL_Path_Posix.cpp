@@ -35,7 +35,7 @@ std::wstring JoinPath(const std::wstring& directory, const std::wstring& name)
     return directory + L'/' + name;
 }
 
-std::wstring LongPath(const std::wstring& wide)
+std::wstring LongPath(const std::wstring& wide, std::size_t)
 {
     return wide;
 }

@@ -74,12 +74,12 @@ std::wstring JoinPath(const std::wstring& directory, const std::wstring& name)
     return directory + L'\\' + name;
 }
 
-std::wstring LongPath(const std::wstring& wide)
+std::wstring LongPath(const std::wstring& wide, std::size_t nMore)
 {
     if (HasPrefix(wide)) return wide;
     // The long form is taken as it stands, so "..", "." and forward slashes are resolved before it is made.
     const std::wstring full = FullPath(wide);
-    if (full.size() < SHORT_PATH_LIMIT) return wide;
+    if (full.size() + nMore < SHORT_PATH_LIMIT) return wide;
     if (HasPrefix(full)) return full; // it was written with forward slashes
     if (BeginsWith(full, LR"(\\)")) return LR"(\\?\UNC)" + full.substr(1);
     return LR"(\\?\)" + full;

@@ -116,8 +116,16 @@ std::uint32_t NetTcpIpClientC::maxReceiveTimeoutMs() const
 
 void NetTcpIpClientC::start()
 {
-    if (!m_task->isRunning()) m_requests.reset();
-    if (!m_task->isRunning() || m_requests.isStopping()) m_task->start();
+    const bool bEnded = !m_task->isRunning();
+    if (bEnded) m_requests.reset();
+    if (bEnded || m_requests.isStopping()) {
+        m_task->start(); // which throws while the thread runs
+        if (!bEnded) {   // it has ended just now, and its stop was still there for the new one
+            m_task->waitForStop(-1);
+            m_requests.reset();
+            m_task->start();
+        }
+    }
     post(ClientRequest::Connect);
 }
 
@@ -158,7 +166,7 @@ void NetTcpIpClientC::post(ClientRequest request)
 bool NetTcpIpClientC::serve(std::uint32_t maxWaitMs)
 {
     if (serveRequest()) return true;
-    if (!m_requests.isEmpty()) { // a stop stays
+    if (m_requests.isStopping()) { // anything else may have come since we looked
         finish();
         return false;
     }
@@ -225,6 +233,8 @@ void NetTcpIpClientC::finish()
 void NetTcpIpClientC::finishAfterFailure() noexcept
 {
     const boost::this_thread::disable_interruption undisturbed;
+    m_requests.post(
+        ClientRequest::Stop); // whoever is told of the end and starts again is told that it runs yet
     try {
         finish();
     } catch (...) {

@@ -64,7 +64,8 @@ void RemoveOlder(const boost::filesystem::path& directory, const std::wstring& p
     }
     std::sort(dumps.begin(), dumps.end());
     for (std::size_t n = 0; n + nStay < dumps.size(); ++n)
-        boost::filesystem::remove(directory / HAL::FilesystemPath(dumps[n]), error);
+        boost::filesystem::remove(HAL::FilesystemPath(HAL::JoinPath(HAL::WidePathOf(directory), dumps[n])),
+                                  error);
 }
 
 } // namespace

@@ -69,9 +69,11 @@ public:
     }
     int setNonBlocking(BSS::HAL::SocketT) override { return nonBlockingError; }
     int setNoDelay(BSS::HAL::SocketT) override { return noDelayError; }
-    int setKeepAlive(BSS::HAL::SocketT, int idle, int, int) override
+    int setKeepAlive(BSS::HAL::SocketT, int idle, int interval, int probes) override
     {
         keepAliveIdle = idle;
+        keepAliveInterval = interval;
+        keepAliveProbes = probes;
         return keepAliveError;
     }
     bool isUnanswered(BSS::HAL::SocketT) override { return bUnanswered; }
@@ -149,6 +151,8 @@ public:
     int nOpen = 0;
     int nCleanUps = 0;
     int keepAliveIdle = 0;
+    int keepAliveInterval = 0;
+    int keepAliveProbes = 0;
     std::string sent;
     std::deque<int> waits;
     std::uint64_t nowMs = 1000000;

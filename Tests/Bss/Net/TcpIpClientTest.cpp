@@ -2,6 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The TCP/IP client on sockets that answer as the test likes, turn by turn, on a clock that only waits move.
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
 
 #include "FakeSockets.h"
@@ -10,9 +11,11 @@
 #include "Support/LogRecorder.h"
 #include "Support/ReportCapture.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace BSS;
@@ -238,10 +241,43 @@ TEST_F(TcpIpClientTest, SocketWithDelayIsUsedAllTheSame)
                             SOME_ERROR));
 }
 
-TEST_F(TcpIpClientTest, KeepAliveIsAskedForUnlessItIsSwitchedOff)
+TEST_F(TcpIpClientTest, KeepAliveIsAskedForAsItIsSet)
 {
+    settings.keepAliveIdleSeconds = 41;
+    settings.keepAliveIntervalSeconds = 42;
+    settings.nKeepAliveProbes = 43;
     Connecting();
-    EXPECT_EQ(sockets.keepAliveIdle, 30);
+    EXPECT_EQ(sockets.keepAliveIdle, 41);
+    EXPECT_EQ(sockets.keepAliveInterval, 42);
+    EXPECT_EQ(sockets.keepAliveProbes, 43);
+}
+
+TEST_F(TcpIpClientTest, KeepAliveThatIsSwitchedOffIsNotAskedFor)
+{
+    settings.keepAliveIdleSeconds = 0;
+    Connecting();
+    EXPECT_EQ(Client().getState(), ONLINE);
+    EXPECT_EQ(sockets.keepAliveProbes, 0);
+}
+
+// A request may come between any two steps of a turn.
+TEST_F(TcpIpClientTest, NoRequestOfAnotherThreadButAStopEndsTheThread)
+{
+    NetTcpIpClientC& client = Client();
+    std::atomic<bool> bDone{false};
+    std::thread other([&] {
+        for (unsigned n = 0; !bDone.load(); ++n) {
+            client.disconnectTcpIp();
+            for (unsigned i = 0; i < n % 256; ++i)
+                HAL::SpinPause();
+        }
+    });
+    int nTurns = 0;
+    while (nTurns < 2000000 && client.serve(0))
+        ++nTurns;
+    bDone = true;
+    other.join();
+    EXPECT_EQ(nTurns, 2000000);
 }
 
 TEST_F(TcpIpClientTest, SocketWithoutKeepAliveIsUsedAllTheSame)
