@@ -198,6 +198,8 @@ TEST_F(TcpIpServerTest, WhatIsKeptIsBoundedWhileTheServersThreadIsBusy)
     EXPECT_LE(Server().getBufferedBytes(), StreamBufferC::BLOCK_BYTES); // nobody is to get it any more
     hold.Let();
     EXPECT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
+    // It is told right after it is forgotten.
+    EXPECT_TRUE(Eventually([this] { return !log->Beginning("5 ").empty(); }));
     EXPECT_EQ(log->Beginning("5 "), "5 NetTcpIpServerC - client 1 dropped, 210000 bytes behind\n");
     Server().stop();
 }
@@ -274,7 +276,7 @@ TEST_F(TcpIpServerTest, ClientsThatGoAreForgotten)
         Join().close();
         ASSERT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
     }
-    EXPECT_TRUE(log->Has("4 NetTcpIpServerC - client 25 gone\n"));
+    EXPECT_TRUE(Eventually([this] { return log->Has("4 NetTcpIpServerC - client 25 gone\n"); }));
 }
 
 TEST_F(TcpIpServerTest, ClientsThatCutTheirConnectionAreForgotten)
@@ -283,7 +285,7 @@ TEST_F(TcpIpServerTest, ClientsThatCutTheirConnectionAreForgotten)
         Join().reset();
         ASSERT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
     }
-    EXPECT_TRUE(log->Has("4 NetTcpIpServerC - client 25 gone\n"));
+    EXPECT_TRUE(Eventually([this] { return log->Has("4 NetTcpIpServerC - client 25 gone\n"); }));
 }
 
 TEST_F(TcpIpServerTest, ClientsBeyondTheLimitAreRefused)
