@@ -138,17 +138,22 @@ void CallOurs(int number, siginfo_t* pInfo, void* pContext)
     s_pOurs(number, pInfo, pContext);
 }
 
-// As a library does that is loaded later and takes its place in front of our handler.
-void CrashWithAHandlerInFrontOfOneThatIsGone(const std::wstring& directory)
+// As a library does that is loaded later.
+void PutAHandlerInFrontOfOurs()
 {
-    Support::CrashQuietly();
-    BSS::OS::CrashDumpC dump;
-    if (dump.install({L"a", directory}) != BSS::RC_OK) return;
     struct sigaction action = {};
     ::sigaction(SIGABRT, nullptr, &action);
     s_pOurs = action.sa_sigaction;
     action.sa_sigaction = &CallOurs;
     ::sigaction(SIGABRT, &action, nullptr);
+}
+
+void CrashWithAHandlerInFrontOfOneThatIsGone(const std::wstring& directory)
+{
+    Support::CrashQuietly();
+    BSS::OS::CrashDumpC dump;
+    if (dump.install({L"a", directory}) != BSS::RC_OK) return;
+    PutAHandlerInFrontOfOurs();
     dump.restore();
     std::raise(SIGABRT);
 }
@@ -161,11 +166,7 @@ void CrashWithAHandlerBetweenTwoOfOurs(const std::wstring& directory)
     Support::CrashQuietly();
     BSS::OS::CrashDumpC dump;
     if (dump.install({L"a", directory}) != BSS::RC_OK) return;
-    struct sigaction action = {};
-    ::sigaction(SIGABRT, nullptr, &action);
-    s_pOurs = action.sa_sigaction;
-    action.sa_sigaction = &CallOurs;
-    ::sigaction(SIGABRT, &action, nullptr);
+    PutAHandlerInFrontOfOurs();
     dump.restore();
     if (dump.install({L"a", directory}) != BSS::RC_OK) return;
     std::raise(SIGABRT);
