@@ -74,6 +74,12 @@ TEST_F(ConfigFile, SpacesCommentsAndCarriageReturnsDoNotMatter)
     EXPECT_EQ(Value(), 7u);
 }
 
+TEST_F(ConfigFile, MarkAtTheBeginningDoesNotMatter)
+{
+    Make("\xEF\xBB\xBF[k]\nn = 7\n");
+    EXPECT_EQ(Value(), 7u);
+}
+
 TEST_F(ConfigFile, WhatIsNoNumberOf32BitsIsNoValue)
 {
     for (const char* text : {"", "x", "-1", "4294967296", "1 2", "0x", "0x1G", "1.5"}) {

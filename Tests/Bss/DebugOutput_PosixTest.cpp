@@ -34,6 +34,16 @@ TEST(DebugOutputDeathTest, GoesToStandardErrorWhenAskedForAsUtf8)
     EXPECT_EXIT(write(), testing::ExitedWithCode(0), "^caf\xC3\xA9\n$");
 }
 
+TEST(DebugOutputDeathTest, NullIsNamed)
+{
+    const auto write = [] {
+        Support::SetEnvironment("SCANREADER_DEBUG_OUTPUT", "stderr");
+        DebugOutput(nullptr);
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(write(), testing::ExitedWithCode(0), "^\\(null\\)$");
+}
+
 TEST(ConsoleDeathTest, FirstRequestToStopSetsTheFlagAndTheSecondEndsTheProcess)
 {
     const auto interruptTwice = [] {

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <vector>
 
 using BSS::UTI::Format;
 using BSS::UTI::FormatV;
@@ -36,6 +37,52 @@ TEST(Format, PlainTextIsCopied)
 {
     EXPECT_EQ(Format("plain"), "plain");
     EXPECT_EQ(Format(""), "");
+}
+
+TEST(Format, PlainTextOfAnyLengthAndInAnyRoomIsWholeUpToItsConversion)
+{
+    const std::string letters = "abcdefghijklmnopqrstuvwxyzABCDE";
+    for (std::size_t before = 0; before <= letters.size(); ++before) {
+        for (std::size_t behind = 0; behind < 10; ++behind) {
+            // Exactly as large as needed, so that the sanitizer sees a look beyond the end.
+            const std::string text = letters.substr(0, before) + "%u" + letters.substr(0, behind);
+            const std::vector<char> format(text.c_str(), text.c_str() + text.size() + 1);
+            const std::string whole = letters.substr(0, before) + "5" + letters.substr(0, behind);
+            for (std::size_t room = 0; room <= whole.size(); ++room) {
+                const BSS::UTI::FormatArgumentC five(5u);
+                BSS::UTI::FormatArgumentsC source(&five, 1);
+                std::vector<char> buffer(room);
+                BSS::UTI::FormatOutT<char> out(buffer.data(), room);
+                EXPECT_EQ(BSS::UTI::FormatTo(out, format.data(), source), room == whole.size());
+                EXPECT_EQ(std::string(buffer.data(), out.Length()), whole.substr(0, room));
+            }
+        }
+    }
+}
+
+TEST(Format, PlainTextMayHoldEveryByteButThePercentSign)
+{
+    std::string bytes;
+    for (int code = 1; code < 256; ++code)
+        if (code != '%') bytes += static_cast<char>(code);
+    EXPECT_EQ(Format(bytes.c_str()), bytes);
+}
+
+TEST(Format, BytesThatAreNotUtf8GoThroughWideTextAndBack)
+{
+    const std::wstring wide = Format(L"%S", "a\xFFz");
+    EXPECT_EQ(wide, (std::wstring{L'a', static_cast<wchar_t>(0xDCFF), L'z'}));
+    EXPECT_EQ(Format("%S", wide), "a\xFFz");
+}
+
+TEST(Format, LoneSurrogateTakesThreeBytes)
+{
+    EXPECT_EQ(Format("%S", std::wstring{static_cast<wchar_t>(0xD800)}), "\xED\xA0\x80");
+}
+
+TEST(Format, TextEndsAtItsFirstZero)
+{
+    EXPECT_EQ(Format("%s|", std::string("ab\0cd", 5)), "ab|");
 }
 
 TEST(Format, DoublePercentIsOne)

@@ -118,6 +118,13 @@ TEST(LogConfiguration, TextIsReadToItsEndAndBadLinesAreNumbered)
     EXPECT_EQ(configuration.Find("d")->level, LEVEL_WARN);
 }
 
+TEST(LogConfiguration, MarkAtTheBeginningOfTheFileDoesNotMatter)
+{
+    LogConfigurationC configuration;
+    EXPECT_EQ(configuration.ReplaceFile("\xEF\xBB\xBF* = WARN"), std::vector<LogConfigFaultT>());
+    EXPECT_EQ(configuration.Find("a")->level, LEVEL_WARN);
+}
+
 TEST(LogConfiguration, LineTakenOutOfTheFileCountsNoMore)
 {
     LogConfigurationC configuration;

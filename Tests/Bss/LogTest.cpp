@@ -5,7 +5,6 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
-#include "Bss/Bss_Dbg/BSS_DBG_LogPrefix.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
@@ -15,6 +14,7 @@
 #include "Support/ReportCapture.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <functional>
 #include <gtest/gtest.h>
 #include <new>
@@ -368,6 +368,29 @@ TEST(LogConsumer, MessageBeyondTheLargestSaysThatItIsCut)
               std::string::npos);
 }
 
+TEST(LogConsumer, MessageOfAWideFormatBeyondTheLargestSaysThatItIsCut)
+{
+    TextConsumer consumer;
+    consumer.Log(LEVEL_INFO, L"%2000000000d", 1);
+    EXPECT_LT(consumer.text.size(), 2 * DbgLogConsumerC::MAX_MESSAGE_BYTES);
+    EXPECT_NE(consumer.text.find("(the message was longer than 1048576 bytes; the rest is left out)\n"),
+              std::string::npos);
+}
+
+TEST(LogConsumer, CallLeavesNoTraceInErrno)
+{
+    TextConsumer consumer(PrefixKind::Full);
+    consumer.inside = [] {
+        errno = ENOSPC;
+        return true;
+    };
+    errno = EXDEV;
+    consumer.Log(LEVEL_INFO, "a");
+    EXPECT_EQ(errno, EXDEV);
+    consumer.logText(LEVEL_INFO, "a");
+    EXPECT_EQ(errno, EXDEV);
+}
+
 TEST(LogConsumer, WideFormatMeansWideTextByS)
 {
     TextConsumer consumer;
@@ -517,35 +540,6 @@ TEST(LogConsumer, ThreadNameCannotForgeALine)
         consumer.Log(LEVEL_INFO, "a");
     }).join();
     EXPECT_EQ(consumer.text.find('\n'), consumer.text.size() - 1);
-}
-
-TEST(LogPrefix, IsWhatThePureFunctionMakes)
-{
-    BSS::HAL::WallTime time{1769903998, 7};
-    LogLineContextT context;
-    context.localTime = BSS::HAL::LocalTimeOf(time.seconds);
-    context.utcTime = BSS::HAL::UtcTimeOf(time.seconds);
-    context.localTime.millisecond = context.utcTime.millisecond = time.millisecond;
-    context.threadName = BSS::HAL::CurrentThreadName();
-    context.threadId = BSS::HAL::CurrentThreadId();
-    context.threadPriority = BSS::HAL::CurrentThreadPriority();
-    for (const PrefixKind kind :
-         {PrefixKind::None, PrefixKind::Full, PrefixKind::Time, PrefixKind::UtcTime}) {
-        for (context.level = 0; context.level <= 8; ++context.level) {
-            char buffer[256];
-            BSS::UTI::FormatOutT<char> out(buffer, sizeof buffer);
-            PutPrefix(out, kind, context.level, time);
-            EXPECT_EQ(std::string(buffer, out.Length()), PrefixedLine(kind, context, ""));
-        }
-    }
-}
-
-TEST(LogPrefix, SystemTimeIsUtcDayMonthYear)
-{
-    char buffer[256];
-    BSS::UTI::FormatOutT<char> out(buffer, sizeof buffer);
-    PutPrefix(out, PrefixKind::UtcTime, LEVEL_INFO, {1769903998, 42});
-    EXPECT_EQ(std::string(buffer, out.Length()), "[31/01/2026 23:59:58.042 UTC]");
 }
 
 } // namespace

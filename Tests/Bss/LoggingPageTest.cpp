@@ -106,6 +106,9 @@ TEST(LoggingPage, LevelsHaveTheirNumbers)
         const std::string row = BSS::UTI::Format("| `%s` | %d |", level, ParseLogSettings(level)->level);
         EXPECT_NE(page.find(row), std::string::npos) << row;
     }
+    const std::string details =
+        BSS::UTI::Format("| `FINE`, `FINER`, `FINEST` | %d, %d, %d |", LEVEL_FINE, LEVEL_FINER, LEVEL_FINEST);
+    EXPECT_NE(page.find(details), std::string::npos) << details;
 }
 
 TEST(LoggingPage, SizesAreTheOnesOfTheCode)

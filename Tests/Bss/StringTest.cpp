@@ -290,6 +290,8 @@ TEST(String, EveryOperationWithASourceTextReportsNull)
     EXPECT_TRUE(reported([&] { text.TrimLeft(NOTHING); }));
     EXPECT_TRUE(reported([&] { text.TrimRight(NOTHING); }));
     EXPECT_TRUE(reported([&] { text.Format(NOTHING); }));
+    EXPECT_TRUE(reported([&] { EXPECT_EQ(text + NOTHING, L"abc"); }));
+    EXPECT_TRUE(reported([&] { EXPECT_EQ(NOTHING + text, L"abc"); }));
     EXPECT_EQ(text, L"abc");
 }
 

@@ -100,6 +100,14 @@ TEST(StringTools, CopyOfAStringIsUtf8AndNeverHalfACharacter)
     EXPECT_STREQ(buffer, "\xFF");
 }
 
+TEST(StringTools, CopyOfWhatIsNoCharacterIsTheByteItStandsForOrThreeBytes)
+{
+    char buffer[8];
+    const wchar_t strange[] = {L'a', static_cast<wchar_t>(0xDCFF), static_cast<wchar_t>(0xD800), 0};
+    EXPECT_EQ(StringTools::CopyToBuffer(StringC(strange), buffer, sizeof buffer), BSS::RC_OK);
+    EXPECT_STREQ(buffer, "a\xFF\xED\xA0\x80");
+}
+
 TEST(StringTools, AppendFillsTheBufferUpToItsTerminator)
 {
     const ReportCapture reports;

@@ -6,6 +6,7 @@
 
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Hal/BSS_HAL_Stream.h"
+#include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Os/BSS_OS_PathMap.h"
 #include "Bss/Bss_Os/BSS_OS_PathMapI.h"
 
@@ -43,6 +44,7 @@ std::vector<LogConfigFaultT> LogConfigurationC::ReplaceFile(std::string_view tex
 {
     std::vector<LogConfigFaultT> faults;
     m_ofFile.clear();
+    text = HAL::WithoutByteOrderMark(text);
     for (std::size_t number = 1; !text.empty(); ++number) {
         const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
         const std::string_view line = text.substr(0, length);

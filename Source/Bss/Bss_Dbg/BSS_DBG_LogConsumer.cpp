@@ -15,6 +15,7 @@
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <exception>
 #include <mutex>
@@ -48,6 +49,19 @@ public:
 
 private:
     const bool m_before = t_writing;
+};
+
+// A log call leaves no trace in errno: who logs a failure may still want to know it.
+class ErrnoKeeper
+{
+public:
+    ErrnoKeeper() noexcept = default;
+    ~ErrnoKeeper() { errno = m_before; }
+    ErrnoKeeper(const ErrnoKeeper&) = delete;
+    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+
+private:
+    const int m_before = errno;
 };
 
 // The line buffer, and behind it a string for what is longer.
@@ -96,6 +110,7 @@ DbgLogConsumerC::~DbgLogConsumerC() = default;
 template<typename MakeT>
 void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
 {
+    const ErrnoKeeper keeper;
     bool written = false;
     HAL::Undisturbed([&]() noexcept {
         try {
@@ -163,6 +178,7 @@ bool DbgLogConsumerC::isOpen() const noexcept
 
 bool DbgLogConsumerC::flush()
 {
+    const ErrnoKeeper keeper;
     bool flushed = false;
     HAL::Undisturbed([&]() noexcept {
         try {

@@ -4,9 +4,10 @@
 // The base of all log consumers: takes a level, a format and its arguments, and makes whole lines of them for
 // the derived class to write. Logging never throws to the caller, never stops the process and accepts calls
 // from any thread; the lines of one message stay together. The text is made outside of any lock; the lock
-// covers the write. A thread that logs while it is inside a consumer already, because something beneath the
-// consumer reports, is sent to the debugger output instead, as one line: no message ever waits for itself. A
-// request that the thread end, be it cancellation or interruption, waits until the call is over.
+// covers the write; errno is as it was. A thread that logs while it is inside a consumer already, because
+// something beneath the consumer reports, is sent to the debugger output instead, as one line: no message
+// ever waits for itself. A request that the thread end, be it cancellation or interruption, waits until the
+// call is over.
 #pragma once
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
@@ -33,8 +34,8 @@ public:
     /// room, the file cuts the line and marks it.
     static constexpr std::size_t s_iLOG_LINE_BUFFER_SIZE = 16384;
 
-    /// A message that is made of a format is cut at this, with its prefix, and its last line says so. A text
-    /// that logText is given is not cut.
+    /// A message that is made of a format is cut at this, with its prefix, and its last line says so; one of
+    /// a wide format at as many wide characters. A text that logText is given is not cut.
     static constexpr std::size_t MAX_MESSAGE_BYTES = std::size_t{1} << 20;
 
     /// How large a log file may grow when nothing else is configured.
@@ -87,8 +88,8 @@ public:
     /// Makes ready to write, for consumers that need more than a first line. RC_OK when they do not.
     [[nodiscard]] virtual ResultCodeT start();
 
-    /// Logs one message if its level is enabled. The format is that of BSS_UTI_Format.h. Costs one load and a
-    /// branch if it is not.
+    /// Logs one message if the consumer's level enables it. The format is that of BSS_UTI_Format.h. Costs one
+    /// load and a branch if it does not.
     template<typename... Arguments>
     void Log(int level, const char* format, const Arguments&... arguments)
     {
@@ -122,7 +123,8 @@ protected:
     /// are told on the debugger output.
     virtual bool write(std::string_view lines) = 0;
 
-    /// Puts everything on the device. One call at a time, none of them during a write.
+    /// Puts everything on the device. One call at a time; none of them during a write, unless write() itself
+    /// flushes the consumer.
     virtual bool flushDevice();
 
     /// Flushes, under the lock.

@@ -43,7 +43,8 @@ public:
 
     /// Takes whole lines, each ended by "\n". A line that is longer than the limit itself is cut and ends
     /// in " (cut)"; with a limit of so few bytes that this has no room, it is lost and counted. False when
-    /// lines are waiting that could not be handed over, or were lost. Throws std::bad_alloc only.
+    /// lines are waiting that could not be handed over, or were lost for that reason. Throws std::bad_alloc
+    /// only.
     [[nodiscard]] bool append(std::string_view lines, const HAL::WallTime& now = HAL::WallTimeNow());
 
     /// Hands over everything now. False when that fails; the lines are kept.

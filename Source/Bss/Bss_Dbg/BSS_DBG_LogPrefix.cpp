@@ -23,13 +23,15 @@ struct KeptPrefixT
     std::uint32_t millisecondAt;
     std::uint32_t levelAt;
     int level;
-    char text[204];
+    int millisecond;
+    char text[356]; // the longest name of a thread is 63 bytes, each of which may be written as four
 };
 
 constinit thread_local std::array<KeptPrefixT, 3> t_kept = {};
 
 constexpr std::size_t LONGEST_LEVEL = sizeof "FINEST ";
 constexpr int NO_LEVEL_YET = -1;
+constexpr int NO_MILLISECOND_YET = -1;
 constexpr std::size_t UTC_DIGITS_FROM_END = 8; // "000 UTC]"
 
 LogLineContextT ContextOf(std::int64_t second)
@@ -66,8 +68,18 @@ void Renew(KeptPrefixT& kept, PrefixKind kind, std::int64_t second)
     std::copy_n(text.begin(), kept.length, kept.text);
     kept.levelAt = kept.length;
     kept.level = NO_LEVEL_YET;
+    kept.millisecond = NO_MILLISECOND_YET;
     kept.second = second;
     kept.threadVersion = HAL::CurrentThreadVersion();
+}
+
+void PutMillisecond(KeptPrefixT& kept, int millisecond)
+{
+    char* const digits = kept.text + kept.millisecondAt;
+    digits[0] = static_cast<char>('0' + millisecond / 100);
+    digits[1] = static_cast<char>('0' + millisecond / 10 % 10);
+    digits[2] = static_cast<char>('0' + millisecond % 10);
+    kept.millisecond = millisecond;
 }
 
 void PutLevel(KeptPrefixT& kept, int level)
@@ -89,10 +101,7 @@ void PutPrefix(UTI::FormatOutT<char>& out, PrefixKind kind, int level, const HAL
     KeptPrefixT& kept = t_kept[static_cast<std::size_t>(kind) - 1];
     if (kept.second != now.seconds || kept.threadVersion != HAL::CurrentThreadVersion())
         Renew(kept, kind, now.seconds);
-    char* const digits = kept.text + kept.millisecondAt;
-    digits[0] = static_cast<char>('0' + now.millisecond / 100);
-    digits[1] = static_cast<char>('0' + now.millisecond / 10 % 10);
-    digits[2] = static_cast<char>('0' + now.millisecond % 10);
+    if (kept.millisecond != now.millisecond) PutMillisecond(kept, now.millisecond);
     if (kind == PrefixKind::Full && (kept.level != level || level < 0)) PutLevel(kept, level);
     out.Put(kept.text, kept.length);
 }

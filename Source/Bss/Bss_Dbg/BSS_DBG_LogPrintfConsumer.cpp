@@ -4,6 +4,8 @@
 // Through the C stream, so that lines stand in the right place between what the program itself prints.
 #include "Bss/Bss_Dbg/BSS_DBG_LogPrintfConsumer.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_WriteSignals.h"
+
 #include <cstdio>
 #include <utility>
 
@@ -17,8 +19,12 @@ DbgLogPrintfConsumerC::~DbgLogPrintfConsumerC() = default;
 
 bool DbgLogPrintfConsumerC::write(std::string_view lines)
 {
-    const bool written = std::fwrite(lines.data(), 1, lines.size(), stdout) == lines.size();
-    return std::fflush(stdout) == 0 && written;
+    bool written = false;
+    HAL::WithoutWriteSignals([&] {
+        written = std::fwrite(lines.data(), 1, lines.size(), stdout) == lines.size();
+        written = std::fflush(stdout) == 0 && written;
+    });
+    return written;
 }
 
 } // namespace BSS::DBG

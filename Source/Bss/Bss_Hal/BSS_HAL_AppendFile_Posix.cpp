@@ -7,9 +7,9 @@
 
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
+#include "Bss/Bss_Hal/BSS_HAL_WriteSignals.h"
 
 #include <cerrno>
-#include <csignal>
 #include <ctime>
 #include <fcntl.h>
 #include <new>
@@ -90,51 +90,17 @@ bool HasSizeLimit() noexcept
     return ::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
 }
 
-// Keeps the signal that tells of a file as large as allowed, and that ends a process which does not expect
-// it, from this thread, to which it goes. One that was waiting before is left waiting.
-class NoSizeSignal
+std::size_t WriteAll(int fd, const char* data, std::size_t count) noexcept
 {
-public:
-    explicit NoSizeSignal(bool wanted) noexcept : m_active(wanted && Block()) {}
-    ~NoSizeSignal()
-    {
-        if (!m_active) return;
-        const int saved = errno;
-        if (!m_wasPending && IsPending()) {
-            const std::timespec now = {};
-            const sigset_t set = Signal();
-            static_cast<void>(::sigtimedwait(&set, nullptr, &now));
-        }
-        static_cast<void>(::pthread_sigmask(SIG_SETMASK, &m_before, nullptr));
-        errno = saved;
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t written = ::write(fd, data + done, count - done);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) break;
+        done += static_cast<std::size_t>(written);
     }
-    NoSizeSignal(const NoSizeSignal&) = delete;
-    NoSizeSignal& operator=(const NoSizeSignal&) = delete;
-
-private:
-    static sigset_t Signal() noexcept
-    {
-        sigset_t set;
-        ::sigemptyset(&set);
-        ::sigaddset(&set, SIGXFSZ);
-        return set;
-    }
-    static bool IsPending() noexcept
-    {
-        sigset_t pending;
-        return ::sigpending(&pending) == 0 && ::sigismember(&pending, SIGXFSZ) == 1;
-    }
-    bool Block() noexcept
-    {
-        m_wasPending = IsPending();
-        const sigset_t set = Signal();
-        return ::pthread_sigmask(SIG_BLOCK, &set, &m_before) == 0;
-    }
-
-    sigset_t m_before = {};
-    bool m_wasPending = false;
-    const bool m_active;
-};
+    return done;
+}
 
 } // namespace
 
@@ -165,16 +131,10 @@ AppendFileC::~AppendFileC()
 std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept
 {
     const NoCancellation undisturbed;
-    const NoSizeSignal silent(m_limited);
-    const int saved = errno;
+    const int fd = Descriptor(m_handle);
+    if (!m_limited) return WriteAll(fd, data, count);
     std::size_t done = 0;
-    while (done < count) {
-        const ssize_t written = ::write(Descriptor(m_handle), data + done, count - done);
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) break;
-        done += static_cast<std::size_t>(written);
-    }
-    errno = saved; // a log line leaves no trace in errno
+    WithoutWriteSignals([&] { done = WriteAll(fd, data, count); });
     return done;
 }
 

@@ -5,7 +5,9 @@
 // of the caller's. 65001 is UTF-8; 0 is the system's default, which is UTF-8 on Linux and the active code
 // page on Windows. UTF-8 is read and written by our own code, so the result is the same everywhere: what is
 // not a valid character (a stray byte, a lone surrogate, a value above U+10FFFF) becomes U+FFFD, one for each
-// byte or unit. Allocates nothing, throws nothing. Safe from any thread.
+// byte or unit. Other code pages are Windows's, and so is what becomes of a character that they have not: the
+// page's default character, usually "?", and no failure. Allocates nothing, throws nothing. Safe from any
+// thread.
 #pragma once
 
 #include <cstdint>

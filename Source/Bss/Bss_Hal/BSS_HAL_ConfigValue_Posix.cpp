@@ -9,6 +9,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Hal/BSS_HAL_StaticLock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Stream.h"
+#include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 
 #include <algorithm>
 #include <boost/filesystem/operations.hpp>
@@ -47,12 +48,12 @@ std::string_view Trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-LinesT SplitLines(const std::string& text)
+LinesT SplitLines(std::string_view text)
 {
     LinesT lines;
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find('\n', begin), text.size());
-        lines.push_back(text.substr(begin, end - begin));
+        lines.emplace_back(text.substr(begin, end - begin));
         begin = end + 1;
     }
     return lines;
@@ -66,7 +67,7 @@ bool ReadLines(const std::wstring& path, LinesT& lines)
     if (!stream || !StreamSize(stream.get(), size) || size > MAX_FILE_BYTES) return false;
     std::string text(size, '\0');
     if (std::fread(text.data(), 1, text.size(), stream.get()) != text.size()) return false;
-    lines = SplitLines(text);
+    lines = SplitLines(WithoutByteOrderMark(text));
     return true;
 }
 

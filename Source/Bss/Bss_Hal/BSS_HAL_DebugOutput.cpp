@@ -34,6 +34,7 @@ void DebugOutput(const wchar_t* text) noexcept
     if (t_inSink) return;
     const std::lock_guard<StaticLockC> guard(s_lock);
     const SinkScope scope;
+    if (text == nullptr) text = L"(null)";
     if (s_sink != nullptr) {
         s_sink(text, s_context);
     } else {

@@ -11,8 +11,8 @@ namespace BSS::HAL {
 /// Receives debugger output. `context` is what was given together with the function.
 using DebugOutputSink = void (*)(const wchar_t* text, void* context);
 
-/// Sends `text` to the sink if one is set, otherwise to the system. Texts from several threads do not mix. A
-/// text that the sink itself sends is dropped.
+/// Sends `text` to the sink if one is set, otherwise to the system; null is shown as "(null)". Texts from
+/// several threads do not mix. A text that the sink itself sends is dropped.
 void DebugOutput(const wchar_t* text) noexcept;
 
 /// Sets the sink that receives all further debugger output; null gives it back to the system. When this

@@ -6,6 +6,7 @@
 
 #include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
+#include "Bss/Bss_Hal/BSS_HAL_WriteSignals.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -36,7 +37,7 @@ try {
     const char* const wanted = std::getenv("SCANREADER_DEBUG_OUTPUT");
     if (wanted == nullptr || std::strcmp(wanted, "stderr") != 0) return;
     const std::string narrow = Utf8FromWide(text);
-    WriteAll(STDERR_FILENO, narrow.data(), narrow.size());
+    WithoutWriteSignals([&] { WriteAll(STDERR_FILENO, narrow.data(), narrow.size()); });
 } catch (const std::bad_alloc&) {
     // Nobody is left to tell.
 }

@@ -96,6 +96,12 @@ bool IsUtf8(std::string_view text) noexcept
     return true;
 }
 
+std::string_view WithoutByteOrderMark(std::string_view text) noexcept
+{
+    constexpr std::string_view MARK = "\xEF\xBB\xBF";
+    return text.starts_with(MARK) ? text.substr(MARK.size()) : text;
+}
+
 void AppendUtf8(std::string& text, char32_t character)
 {
     if (character > LAST_CHARACTER) character = REPLACEMENT;

@@ -25,6 +25,9 @@ std::size_t DecodeWide(const wchar_t* begin, const wchar_t* end, char32_t& chara
 /// True when all of `text` is valid UTF-8.
 bool IsUtf8(std::string_view text) noexcept;
 
+/// The text without the mark that some editors put at the beginning of a UTF-8 file.
+std::string_view WithoutByteOrderMark(std::string_view text) noexcept;
+
 /// Appends one character. A surrogate between 0xDC80 and 0xDCFF becomes the single byte it stands for; any
 /// other surrogate takes three bytes; a value above U+10FFFF becomes the replacement character.
 void AppendUtf8(std::string& text, char32_t character);

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The configuration store: 32-bit values by key and name, below the application's own root. An interface, so
-// that tests and hosts can put another store in the platform's place. Knows no particular value.
+// that code which is given a store can be given another one than the platform's. Knows no particular value.
 // Implementations are safe from any thread.
 #pragma once
 

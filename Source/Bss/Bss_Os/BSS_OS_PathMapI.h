@@ -2,7 +2,8 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Where a product keeps things: directories by what they are for, and a search in them. An interface, so that
-// a host or a test can put its own map in the platform's place. Paths are wide text, ended by no separator.
+// code which is given a map can be given another one than the platform's. Paths are wide text, as whoever
+// named the directory wrote it.
 // Implementations are safe from any thread.
 #pragma once
 

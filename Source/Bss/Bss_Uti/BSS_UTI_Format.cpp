@@ -3,7 +3,7 @@
 //
 // The engine. It walks the format once, takes each conversion apart, asks the source for what it needs, and
 // puts it out piece by piece. Nothing it puts out is ever read as format again, and the walk ends when the
-// output is full, so a hostile format costs no more than the output has room for.
+// output is full, so a hostile format costs no more than the output has room for, and a look for its end.
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
@@ -57,9 +57,10 @@ public:
 
     void Run(const CharT* at)
     {
+        const CharT* const end = at + std::char_traits<CharT>::length(at);
         for (;;) {
-            at = m_out.PutPlain(at);
-            if (*at == 0 || m_out.IsCut()) return;
+            at = m_out.PutPlain(at, end);
+            if (at == end || m_out.IsCut()) return;
             at = IsPlainConversion(at[1]) ? at + 2 : Conversion(at);
         }
     }

@@ -6,10 +6,11 @@
 // have the size of a pointer; "%s" and "%c" take text of the format's own width, "%S" and "%C" of the other
 // one, "h" narrow, "l" and "w" wide; "%p" is 16 upper-case digits; "L" before a conversion of a double is
 // a long double, shown with the precision of a double; a null text is "(null)". Narrow text is UTF-8, wide
-// text UTF-16 or UTF-32 as wchar_t is; where one becomes the other, what is not valid becomes U+FFFD. An
-// unknown conversion and one that has no fitting argument are printed as they stand; so is "%n", which takes
-// its pointer and writes nothing. A null format is the text "(null)". Knows nothing of logs or reports.
-// Throws std::bad_alloc only. Safe from any thread.
+// text UTF-16 or UTF-32 as wchar_t is; where one becomes the other, a byte that is not UTF-8 becomes the lone
+// surrogate 0xDC00 + byte, which comes back as that byte, and any other lone surrogate takes three bytes. A
+// text ends at its first zero, also that of a std::string. An unknown conversion and one that has no fitting
+// argument are printed as they stand; so is "%n", which takes its pointer and writes nothing. A null format
+// is the text "(null)". Knows nothing of logs or reports. Throws std::bad_alloc only. Safe from any thread.
 #pragma once
 
 #include "Bss/Bss_Uti/BSS_UTI_FormatOut.h"

@@ -7,7 +7,10 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace BSS::UTI {
@@ -52,16 +55,18 @@ public:
         m_at = std::fill_n(m_at, count, character);
     }
 
-    /// Puts out what comes before the first percent sign or the end, and says where that is.
-    const CharT* PutPlain(const CharT* text)
+    /// Puts out what comes before the first percent sign or `textEnd`, and says where that is.
+    const CharT* PutPlain(const CharT* text, const CharT* textEnd)
     {
         for (;;) {
+            if constexpr (sizeof(CharT) == 1 && std::endian::native == std::endian::little)
+                text = PutPlainByEights(text, textEnd);
             CharT* at = m_at; // in registers, as nobody else sees it
             CharT* const end = m_end;
-            while (at != end && *text != 0 && *text != '%')
+            while (at != end && text != textEnd && *text != '%')
                 *at++ = *text++;
             m_at = at;
-            if (*text == 0 || *text == '%' || !MakeRoom()) return text;
+            if (text == textEnd || *text == '%' || !MakeRoom()) return text;
         }
     }
 
@@ -102,6 +107,26 @@ protected:
 
 private:
     std::size_t Room() const noexcept { return static_cast<std::size_t>(m_end - m_at); }
+
+    // The same while there are eight more on both sides. Writes whole eights: what comes next overwrites what
+    // was too much.
+    const char* PutPlainByEights(const char* text, const char* textEnd) noexcept
+    {
+        constexpr std::uint64_t ONES = 0x0101010101010101u;
+        constexpr std::uint64_t HIGH_BITS = 0x8080808080808080u;
+        while (textEnd - text >= 8 && m_end - m_at >= 8) {
+            std::uint64_t eight = 0;
+            std::memcpy(&eight, text, sizeof eight);
+            std::memcpy(m_at, &eight, sizeof eight);
+            const std::uint64_t differing = eight ^ (ONES * '%');
+            const std::uint64_t percents = (differing - ONES) & ~differing & HIGH_BITS;
+            const std::ptrdiff_t plain = std::countr_zero(percents) / 8; // 8 when there is none
+            text += plain;
+            m_at += plain;
+            if (percents != 0) break;
+        }
+        return text;
+    }
 
     bool MakeRoom()
     {

@@ -3,7 +3,7 @@
 //
 // The framework's string: wide text in a shared, counted block, so that a copy costs one increment. A string
 // that is changed while others share its block gets a block of its own first. Comparing, searching and
-// changing case follow the code points and no locale.
+// changing case follow the code units and no locale; case is known of characters that are one unit.
 //
 // Positions count characters from 0 and are signed, as lengths are. A position that is not allowed is
 // reported by a panic, a null text by the assertion "0 != lpsz"; the operation then does nothing, and answers

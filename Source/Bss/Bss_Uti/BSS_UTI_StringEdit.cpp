@@ -200,7 +200,8 @@ StringC operator+(const StringC& left, const wchar_t* right)
 
 StringC operator+(const wchar_t* left, const StringC& right)
 {
-    StringC sum(left);
+    StringC sum;
+    sum += left;
     sum += right;
     return sum;
 }

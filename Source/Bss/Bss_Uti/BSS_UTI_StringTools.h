@@ -29,11 +29,10 @@ public:
     /// Takes EscapeHex back. What is no such escape stays as it is.
     static StringC UnescapeHex(const StringC& text);
 
-    /// Copies as many whole characters as fit and terminates them. The string is converted to UTF-8, in which
-    /// what is not valid becomes U+FFFD; narrow text is copied as it is, and a byte in it that is not UTF-8
-    /// counts as a character. RC_OK;
-    /// RC_BUFFER_TOO_SMALL when the text was cut; RC_INVALID_ARGUMENT for a null buffer or a size of 0, and
-    /// for a null text, which empties the buffer.
+    /// Copies as many whole characters as fit and terminates them. The string is converted to UTF-8 as
+    /// BSS_UTI_Format.h says, a lone surrogate included; narrow text is copied as it is, and a byte in it
+    /// that is not UTF-8 counts as a character. RC_OK; RC_BUFFER_TOO_SMALL when the text was cut;
+    /// RC_INVALID_ARGUMENT for a null buffer or a size of 0, and for a null text, which empties the buffer.
     static ResultCodeT CopyToBuffer(const char* lpsz, char* buffer, std::size_t size);
     static ResultCodeT CopyToBuffer(const StringC& text, char* buffer, std::size_t size);
 
