@@ -104,8 +104,10 @@ void Compare(const OptionsT& options, unsigned uiLines, bool bFlushed)
 
 } // namespace
 
-std::unique_ptr<LoggerI> MakeOwnLogger(const std::string&)
+// What a run that was broken off has left would be appended to.
+std::unique_ptr<LoggerI> MakeOwnLogger(const std::string& strDirectory)
 {
+    std::remove((strDirectory + "/bench_own.log").c_str());
     return std::make_unique<OwnLoggerC>();
 }
 
