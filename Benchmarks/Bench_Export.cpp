@@ -14,6 +14,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -100,12 +101,15 @@ void PrintSplit(const std::vector<CandidateT>& candidates, std::size_t nFirst)
     }
 }
 
-/// Export against cat in, cat out, and what decoding takes beyond reading.
-RatioT AgainstCats(const std::vector<CandidateT>& candidates, std::size_t nCatOut)
+/// Export against the cats and what decoding takes beyond reading.
+RatioT AgainstCats(const std::vector<CandidateT>& candidates, std::initializer_list<std::size_t> cats)
 {
     const auto ratio = [&](std::vector<double> CandidateT::*pSeconds) {
         const auto median = [&](std::size_t n) { return MedianOf(candidates[n].*pSeconds); };
-        return median(5) / (median(0) + median(nCatOut) + (median(3) - median(4)));
+        double dSeconds = median(3) - median(4);
+        for (const std::size_t nCat : cats)
+            dSeconds += median(nCat);
+        return median(5) / dSeconds;
     };
     return {ratio(&CandidateT::vecClockSeconds), ratio(&CandidateT::vecThreadSeconds)};
 }
@@ -165,8 +169,10 @@ void RunExport(const OptionsT& options)
                 AllLayouts()[0].pszName);
     PrintTimes(candidates);
     PrintSplit(candidates, 7);
-    ExpectAtMost("export against cat in, cat out and decoding", AgainstCats(candidates, 1), 1.5);
-    ExpectAtMost("export against cat in, cat out, sync and decoding", AgainstCats(candidates, 2), 1.5);
+    ExpectAtMost("export against cat in, cat out and decoding", AgainstCats(candidates, {0, 1}), 1.5);
+    // The cat of the PLY reads as many bytes as it writes, and those are more than the scan's.
+    ExpectAtMost("export against the cat of the PLY alone and decoding", AgainstCats(candidates, {1}), 1.5);
+    ExpectAtMost("export against cat in, cat out, sync and decoding", AgainstCats(candidates, {0, 2}), 1.5);
     std::remove(strPly.c_str());
 }
 

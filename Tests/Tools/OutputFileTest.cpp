@@ -6,6 +6,7 @@
 #include "Support/TemporaryDirectory.h"
 #include "Tools/Qsb/Tool_Error.h"
 #include "Tools/Qsb/Tool_OutputFile.h"
+#include "Tools/Qsb/Tool_OutputStream.h"
 
 #include <gtest/gtest.h>
 
@@ -45,6 +46,23 @@ TEST_F(OutputFile, ACommittedFileHasTheTargetsNameAndNothingElseRemains)
     output.Commit();
     EXPECT_EQ(Support::ReadAll(m_strTarget), "new");
     EXPECT_EQ(CountFiles(), 1);
+}
+
+TEST_F(OutputFile, WhatIsStreamedInPartsOfAnySizeIsWhole)
+{
+    for (const std::size_t part : {std::size_t{1000}, std::size_t{1} << 20, std::size_t{3000001}}) {
+        const OutputFileC output(m_strTarget, false);
+        std::string all;
+        Tool::OutputStreamC stream(output);
+        for (char letter = 'a'; all.size() < 5000000;
+             letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1)) {
+            stream.Buffer().append(part, letter);
+            stream.Written();
+            all.append(part, letter);
+        }
+        stream.Close();
+        EXPECT_TRUE(Support::ReadAll(output.GetTemporaryPath()) == all) << part;
+    }
 }
 
 TEST_F(OutputFile, WithoutCommitTheOldFileStaysAndNothingElseRemains)

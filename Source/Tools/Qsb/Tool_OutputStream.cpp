@@ -31,16 +31,19 @@ OutputStreamC::OutputStreamC(const OutputFileC& file)
     std::setbuf(m_pStream.get(), nullptr);
 }
 
+// A piece ends at a multiple of its size in the file: the system keeps a file in large aligned pieces itself,
+// and cannot when a write ends a few bytes behind the beginning of one.
 void OutputStreamC::Written()
 {
-    if (m_strBuffer.size() >= s_nLargeBuffer) Flush();
+    if (m_strBuffer.size() < s_nLargeBuffer) return;
+    const std::uint64_t ullBehind = (m_ullWritten + m_strBuffer.size()) % s_nLargeBuffer;
+    Write(m_strBuffer.size() - static_cast<std::size_t>(ullBehind));
 }
 
-void OutputStreamC::Flush()
+void OutputStreamC::Write(std::size_t nBytes)
 {
-    const std::size_t nBytes = m_strBuffer.size();
     if (std::fwrite(m_strBuffer.data(), 1, nBytes, m_pStream.get()) != nBytes) Fail();
-    m_strBuffer.clear();
+    m_strBuffer.erase(0, nBytes);
     m_ullWritten += nBytes;
     if (m_ullWritten - m_ullStarted < s_ullWriteback) return;
     BSS::HAL::StartWriteback(m_pStream.get(), m_ullStarted, m_ullWritten - m_ullStarted);
@@ -49,7 +52,7 @@ void OutputStreamC::Flush()
 
 void OutputStreamC::Close()
 {
-    Flush();
+    Write(m_strBuffer.size());
     if (std::fclose(m_pStream.release()) != 0) Fail();
 }
 

@@ -31,7 +31,7 @@ public:
     void Close();
 
 private:
-    void Flush();
+    void Write(std::size_t nBytes);
     [[noreturn]] void Fail() const;
 
     std::string m_strTarget;
