@@ -5,6 +5,7 @@
 // receiving and sending are in BSS_NET_TcpIpClientTransfer.
 #include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_SocketError.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Net/BSS_NET_TaskOptions.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClientLines.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <boost/thread/thread.hpp>
+#include <chrono>
 #include <utility>
 
 namespace BSS::NET {
@@ -25,7 +27,7 @@ namespace {
 // Nothing wakes the thread but its requests.
 constexpr std::uint32_t LONG_WAIT_MS = 60000;
 
-// Without descriptors to spare there is nothing to wake it by: it looks for itself.
+// Without descriptors to spare, or where the system lets it wait for nothing, it looks for itself.
 constexpr std::uint64_t UNWAKEABLE_WAIT_MS = 100;
 
 bool StartUp(SocketApiI& api, const LogC& log)
@@ -210,8 +212,14 @@ void NetTcpIpClientC::waitForRequest(std::uint32_t maxWaitMs)
     if (m_timer.isRunning()) waitMs = std::min(waitMs, m_timer.leftMs());
     std::array<HAL::PollItemT, 1> items = {{{m_waker.getSocket(), true}}};
     std::size_t nReady = 0;
-    m_api.poll(items.data(), items.size(), wakeableWaitMs(std::min<std::uint64_t>(waitMs, LONG_WAIT_MS)),
-               nReady);
+    const int error = m_api.poll(items.data(), items.size(),
+                                 wakeableWaitMs(std::min<std::uint64_t>(waitMs, LONG_WAIT_MS)), nReady);
+    if (error != 0) {
+        // The next wait would fail as quickly, and the thread would have a processor to itself.
+        if (!m_bWaitFails) m_log(WAIT_FAILED, HAL::SocketErrorText(error));
+        m_requests.await(std::chrono::milliseconds(std::min(waitMs, UNWAKEABLE_WAIT_MS)));
+    }
+    m_bWaitFails = error != 0;
     if (items[0].canRead) m_waker.drain();
 }
 
