@@ -37,7 +37,7 @@ TEST_F(TcpIpClientStartTest, StartThatIsTakenRightAfterAStopConnects)
 {
     ListenerC listener;
     Start(listener.port());
-    for (int n = 0; n < 500; ++n) {
+    for (int n = 0; n < 2000; ++n) {
         const HeldSocketC peer = listener.accept();
         ASSERT_TRUE(Reaches(ONLINE)) << n;
         Client().stop();
