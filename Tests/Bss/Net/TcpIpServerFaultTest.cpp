@@ -24,6 +24,7 @@ class TcpIpServerFaultTest : public TcpIpServerFixtureC
 {
 protected:
     TcpIpServerFaultTest() { settings.pSockets = &sockets; }
+    ~TcpIpServerFaultTest() override { End(); }
 
     std::size_t CountOf(const std::string& begin) const
     {

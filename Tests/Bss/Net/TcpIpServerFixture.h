@@ -56,6 +56,9 @@ protected:
         return *m_server;
     }
 
+    /// For what the server uses and goes before this object.
+    void End() { m_server.reset(); }
+
     HeldSocketC Join()
     {
         const std::size_t before = Server().getClientCount();
