@@ -5,6 +5,7 @@
 // receiving and sending are in BSS_NET_TcpIpClientTransfer.
 #include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
 
+#include "Bss/Bss_Err/BSS_ERR_SysServiceError.h"
 #include "Bss/Bss_Hal/BSS_HAL_SocketError.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Net/BSS_NET_TaskOptions.h"
@@ -118,15 +119,14 @@ std::uint32_t NetTcpIpClientC::maxReceiveTimeoutMs() const
 
 void NetTcpIpClientC::start()
 {
-    const bool bEnded = !m_task->isRunning();
-    if (bEnded) m_requests.reset();
-    if (bEnded || m_requests.isStopping()) {
-        m_task->start(); // which throws while the thread runs
-        if (!bEnded) {   // it has ended just now, and its stop was still there for the new one
-            m_task->waitForStop(-1);
-            m_requests.reset();
-            m_task->start();
-        }
+    // The stop that a thread has ended by is there to be seen until it is started again. Asked in this order,
+    // so that one that ends meanwhile is started anew and not taken for one that goes on.
+    const bool bStopping = m_requests.isStopping();
+    const bool bRunning = m_task->isRunning();
+    if (bStopping && bRunning) throw SysServiceErrorC("the client is about to end", RC_SERVICE_FAILED);
+    if (!bRunning) {
+        m_requests.reset();
+        m_task->start();
     }
     post(ClientRequest::Connect);
 }

@@ -105,24 +105,30 @@ ResultCodeT NetTcpIpServerC::start()
         m_log(START_FAILED, "no sockets to wake it by");
         return RC_FAILED;
     }
-    m_task->waitForStop(-1); // one that has ended by itself may still be about to go
-    if (m_listener.listen(m_address) != RC_OK) {
-        m_log(LISTEN_FAILED, HAL::AddressText(m_address), HAL::PortOf(m_address),
-              HAL::SocketErrorText(m_listener.getLastError()));
-        return RC_FAILED;
-    }
-    m_port = m_listener.getPort();
-    m_bStop = false;
-    m_bServing = true;
     try {
-        m_task->start();
+        m_task->waitForStop(-1); // one that has ended by itself may still be about to go
+        return startServing();
     } catch (const std::exception& error) {
         m_log(START_FAILED, error.what());
         m_bServing = false;
         endConnections();
         return RC_FAILED;
     }
-    m_log(LISTENING, HAL::AddressText(m_address), m_listener.getPort());
+}
+
+ResultCodeT NetTcpIpServerC::startServing()
+{
+    if (m_listener.listen(m_address) != RC_OK) {
+        m_log(LISTEN_FAILED, HAL::AddressText(m_address), HAL::PortOf(m_address),
+              HAL::SocketErrorText(m_listener.getLastError()));
+        return RC_FAILED;
+    }
+    const std::uint16_t port = m_listener.getPort();
+    m_port = port;
+    m_bStop = false;
+    m_bServing = true;
+    m_task->start();
+    m_log(LISTENING, HAL::AddressText(m_address), port);
     return RC_OK;
 }
 

@@ -81,6 +81,7 @@ private:
     class ServerTaskC;
     struct ClientT;
 
+    ResultCodeT startServing();
     void serve();
     bool waitForWork();
     void pauseAfter(int error);

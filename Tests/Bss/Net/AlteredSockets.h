@@ -72,7 +72,7 @@ public:
     {
         ++nPolls;
         if (timeoutMs > 0) ++nLimitedPolls;
-        if (onPoll) onPoll();
+        if (onPoll) onPoll(timeoutMs);
         nReady = 0;
         return pollError != 0 ? pollError.load() : m_system.poll(items, count, timeoutMs, nReady);
     }
@@ -80,7 +80,7 @@ public:
     std::atomic<int> optionError{0};
     std::atomic<int> nextAcceptError{0}; ///< takes the place of the next client that is there
     std::atomic<int> pollError{0};
-    std::function<void()> onPoll; ///< to be set before the sockets are used
+    std::function<void(int timeoutMs)> onPoll; ///< to be set before the sockets are used
     std::atomic<int> nPolls{0};
     std::atomic<int> nLimitedPolls{0}; ///< those that wait, but not for ever
 

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <future>
 #include <memory>
 #include <new>
@@ -71,46 +72,81 @@ TEST_F(TcpIpServerFaultTest, ClientThatHasGoneBeforeItIsTakenIsLoggedAndTheNextO
     Server().stop();
 }
 
-/// Stops a thread where it logs that its task is ended by an exception: it is about to go, but has not gone.
-class HoldingRecorderC final : public Support::LogRecorder
+/// Calls a function on a thread whose task has ended by an exception: it is about to go, but has not gone.
+class EndRecorderC final : public Support::LogRecorder
 {
 public:
     void logFormatted(int level, const char* format, UTI::FormatSourceI& arguments) override
     {
         LogRecorder::logFormatted(level, format, arguments);
-        if (std::string(format).starts_with("TaskC::c_main() exception")) hold.Hold();
+        if (std::string(format).starts_with("TaskC::c_main() exception")) onEnd();
     }
-    HoldT hold;
+    std::function<void()> onEnd;
 };
 
-TEST_F(TcpIpServerFaultTest, StartWhileAThreadThatHasEndedByItselfIsAboutToGoBringsTheServerBack)
+/// A server whose thread ends for want of memory.
+class TcpIpServerEndTest : public TcpIpServerFaultTest
 {
-    const auto holding = std::make_shared<HoldingRecorderC>();
+protected:
+    TcpIpServerEndTest()
+    {
+        sockets.onPoll = [this](int timeoutMs) { // of the thread's own wait, not of a socket's
+            if (timeoutMs < 0 && bNoMemory.exchange(false)) throw std::bad_alloc();
+        };
+    }
+    ~TcpIpServerEndTest() override { End(); }
+
+    /// Somebody has to come for the thread to look; whether the server lasts until then is of no interest.
+    void EndTheThread()
+    {
+        const std::uint16_t port = Server().getPort();
+        bNoMemory = true;
+        HAL::ConnectSocket(m_waker, Address("127.0.0.1", port));
+    }
+
+    const std::shared_ptr<EndRecorderC> recorder = std::make_shared<EndRecorderC>();
     std::atomic<bool> bNoMemory{false};
-    sockets.onPoll = [&] {
-        if (bNoMemory.exchange(false)) throw std::bad_alloc();
-    };
-    settings.logger = holding;
-    NetTcpIpServerC server(settings);
-    ASSERT_EQ(server.configure("127.0.0.1", 0), RC_OK);
-    ASSERT_EQ(server.start(), RC_OK);
-    bNoMemory = true;
-    const HeldSocketC waker = Open(); // somebody has to come for the thread to look
-    HAL::ConnectSocket(waker, Address("127.0.0.1", server.getPort()));
-    ASSERT_TRUE(Eventually([&] { return holding->hold.bHeld.load(); }));
-    ASSERT_EQ(server.getPort(), 0);
-    std::future<ResultCodeT> answer = std::async(std::launch::async, [&] { return server.start(); });
+
+private:
+    const HeldSocketC m_waker = Open();
+};
+
+TEST_F(TcpIpServerEndTest, StartThatMeetsAThreadThatIsAboutToGoBringsTheServerBack)
+{
+    HoldT hold;
+    recorder->onEnd = [&] { hold.Hold(); };
+    log = recorder;
+    EndTheThread();
+    ASSERT_TRUE(Eventually([&] { return hold.bHeld.load(); }));
+    ASSERT_EQ(Server().getPort(), 0);
+    std::future<ResultCodeT> answer = std::async(std::launch::async, [&] { return Server().start(); });
     // It waits for the thread, or has not seen that there is none to count on.
     ASSERT_TRUE(Eventually([&] {
         return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready ||
-               !holding->Beginning("4  371 TaskC::waitForStop() join").empty();
+               !log->Beginning("4  371 TaskC::waitForStop() join").empty();
     }));
-    holding->hold.Let();
+    hold.Let();
     EXPECT_EQ(answer.get(), RC_OK);
-    EXPECT_NE(server.getPort(), 0);
-    const HeldSocketC client = Open();
-    EXPECT_EQ(HAL::ConnectSocket(client, Address("127.0.0.1", server.getPort())), 0);
-    EXPECT_TRUE(Eventually([&] { return server.getClientCount() == 1; }));
+    EXPECT_NE(Server().getPort(), 0);
+    const HeldSocketC client = Join();
+    Server().send("back", 4);
+    EXPECT_EQ(Receive(client, 4), "back");
+}
+
+TEST_F(TcpIpServerEndTest, StartOnTheThreadThatIsAboutToGoIsRefused)
+{
+    std::atomic<ResultCodeT> answer{RC_OK};
+    std::atomic<bool> bAsked{false};
+    recorder->onEnd = [&] {
+        answer = Server().start();
+        bAsked = true;
+    };
+    log = recorder;
+    EndTheThread();
+    ASSERT_TRUE(Eventually([&] { return bAsked.load(); }));
+    EXPECT_EQ(answer, RC_FAILED);
+    EXPECT_EQ(Server().start(), RC_OK);
+    EXPECT_NE(Server().getPort(), 0);
 }
 
 constexpr char WAIT_FAILED[] = "6 NetTcpIpServerC - waiting failed (err ";

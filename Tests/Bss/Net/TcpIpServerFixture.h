@@ -83,7 +83,7 @@ protected:
 
     const SocketsStartedC started;
     const Support::LogCapture systemLog;
-    const std::shared_ptr<Support::LogRecorder> log = std::make_shared<Support::LogRecorder>();
+    std::shared_ptr<Support::LogRecorder> log = std::make_shared<Support::LogRecorder>();
     BSS::NET::NetTcpIpServerSettingsT settings;
 
 private:
