@@ -6,6 +6,8 @@
 #pragma once
 
 #include <array>
+#include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <mutex>
 #include <optional>
@@ -25,11 +27,21 @@ class ClientRequestsC
 public:
     void post(ClientRequest request)
     {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        if (m_count > 0 && m_requests[0] == ClientRequest::Stop) return;
-        if (request != ClientRequest::Connect) m_count = 0;
-        if (m_count > 0 && m_requests[m_count - 1] == request) return;
-        m_requests[m_count++] = request;
+        {
+            const std::lock_guard<std::mutex> guard(m_lock);
+            if (m_count > 0 && m_requests[0] == ClientRequest::Stop) return;
+            if (request != ClientRequest::Connect) m_count = 0;
+            if (m_count > 0 && m_requests[m_count - 1] == request) return;
+            m_requests[m_count++] = request;
+        }
+        m_posted.notify_one();
+    }
+
+    /// Waits that long at most for there to be one, by this queue alone. Not an interruption point.
+    void await(std::chrono::milliseconds limit)
+    {
+        std::unique_lock<std::mutex> guard(m_lock);
+        m_posted.wait_for(guard, limit, [this] { return m_count > 0; });
     }
 
     std::optional<ClientRequest> take()
@@ -70,6 +82,7 @@ public:
 
 private:
     mutable std::mutex m_lock;
+    std::condition_variable m_posted;
     std::array<ClientRequest, 2> m_requests = {};
     std::size_t m_count = 0;
 };

@@ -10,7 +10,7 @@
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
-#include "Bss/Bss_Hal/BSS_HAL_Socket.h"
+#include "Bss/Bss_Net/BSS_NET_SocketApi.h"
 
 #include <atomic>
 #include <cstddef>
@@ -20,10 +20,13 @@ namespace BSS::NET {
 class SocketC
 {
 public:
-    SocketC() noexcept = default;
+    /// The calls are not owned; what is moved here brings its own.
+    explicit SocketC(SocketApiI& api = SystemSockets()) noexcept : m_pApi(&api) {}
 
     /// Takes a socket over.
-    explicit SocketC(HAL::SocketT descriptor) noexcept : m_descriptor(descriptor) {}
+    explicit SocketC(HAL::SocketT descriptor, SocketApiI& api = SystemSockets()) noexcept
+        : m_pApi(&api), m_descriptor(descriptor)
+    {}
     virtual ~SocketC();
     SocketC(SocketC&& other) noexcept;
     SocketC& operator=(SocketC&& other) noexcept;
@@ -52,10 +55,12 @@ public:
 
 protected:
     ResultCodeT Answer(int error) noexcept;
+    SocketApiI& Api() const noexcept { return *m_pApi; }
 
 private:
     ResultCodeT Wait(bool bReading, int timeoutMs) noexcept;
 
+    SocketApiI* m_pApi;
     HAL::SocketT m_descriptor = HAL::NO_SOCKET;
     std::atomic<int> m_lastError{0};
 };

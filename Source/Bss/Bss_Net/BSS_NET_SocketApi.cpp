@@ -21,10 +21,20 @@ public:
     {
         return HAL::SetKeepAlive(socket, idleSeconds, intervalSeconds, nProbes);
     }
+    int setSendLimit(HAL::SocketT socket, int seconds) override { return HAL::SetSendLimit(socket, seconds); }
     bool isUnanswered(HAL::SocketT socket) override { return HAL::IsUnanswered(socket); }
     int connect(HAL::SocketT socket, const HAL::SocketAddressT& address) override
     {
         return HAL::ConnectSocket(socket, address);
+    }
+    int bind(HAL::SocketT socket, const HAL::SocketAddressT& address) override
+    {
+        return HAL::BindSocket(socket, address);
+    }
+    int listen(HAL::SocketT socket, int backlog) override { return HAL::ListenSocket(socket, backlog); }
+    HAL::SocketT accept(HAL::SocketT socket, HAL::SocketAddressT& peer, int& error) override
+    {
+        return HAL::AcceptSocket(socket, peer, error);
     }
     int takePendingError(HAL::SocketT socket, int& pending) override
     {
@@ -38,9 +48,9 @@ public:
     {
         return HAL::ReceiveBytes(socket, bytes, capacity);
     }
-    int shutdown(HAL::SocketT socket) override
+    int shutdown(HAL::SocketT socket, HAL::ShutdownKind kind) override
     {
-        return HAL::ShutdownSocket(socket, HAL::ShutdownKind::Both);
+        return HAL::ShutdownSocket(socket, kind);
     }
     int poll(HAL::PollItemT* items, std::size_t count, int timeoutMs, std::size_t& nReady) override
     {

@@ -12,12 +12,12 @@ ResultCodeT SocketClientC::connect(const HAL::SocketAddressT& address, int timeo
 {
     ResultCodeT rc = open(HAL::KindOf(address));
     if (rc != RC_OK) return rc;
-    const int error = HAL::ConnectSocket(getDescriptor(), address);
+    const int error = Api().connect(getDescriptor(), address);
     if (error == 0) return RC_OK;
     rc = HAL::IsConnectPending(error) ? waitWritable(timeoutMs) : Answer(error);
     if (rc == RC_OK) {
         int pending = 0;
-        const int asked = HAL::TakePendingError(getDescriptor(), pending);
+        const int asked = Api().takePendingError(getDescriptor(), pending);
         rc = Answer(asked != 0 ? asked : pending);
     }
     if (rc != RC_OK) close();

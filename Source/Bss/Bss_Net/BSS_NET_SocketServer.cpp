@@ -11,8 +11,8 @@ namespace BSS::NET {
 ResultCodeT SocketServerC::listen(const HAL::SocketAddressT& address, int backlog) noexcept
 {
     ResultCodeT rc = open(HAL::KindOf(address));
-    if (rc == RC_OK) rc = Answer(HAL::BindSocket(getDescriptor(), address));
-    if (rc == RC_OK) rc = Answer(HAL::ListenSocket(getDescriptor(), backlog));
+    if (rc == RC_OK) rc = Answer(Api().bind(getDescriptor(), address));
+    if (rc == RC_OK) rc = Answer(Api().listen(getDescriptor(), backlog));
     if (rc != RC_OK) close();
     return rc;
 }
@@ -30,8 +30,8 @@ ResultCodeT SocketServerC::accept(SocketClientC& client, int timeoutMs) noexcept
     if (rc != RC_OK) return rc;
     HAL::SocketAddressT peer;
     int error = 0;
-    SocketClientC accepted(HAL::AcceptSocket(getDescriptor(), peer, error));
-    if (error == 0) error = HAL::SetNonBlocking(accepted.getDescriptor(), true);
+    SocketClientC accepted(Api().accept(getDescriptor(), peer, error), Api());
+    if (error == 0) error = Api().setNonBlocking(accepted.getDescriptor());
     if (error == 0) client = std::move(accepted);
     return Answer(error);
 }

@@ -13,6 +13,8 @@ namespace BSS::NET {
 class SocketServerC final : public SocketC
 {
 public:
+    using SocketC::SocketC;
+
     /// Takes the address, port 0 for any that is free, and lets clients come.
     [[nodiscard]] ResultCodeT listen(const HAL::SocketAddressT& address, int backlog = 64) noexcept;
 

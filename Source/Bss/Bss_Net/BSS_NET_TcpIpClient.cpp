@@ -5,6 +5,8 @@
 // receiving and sending are in BSS_NET_TcpIpClientTransfer.
 #include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
 
+#include "Bss/Bss_Err/BSS_ERR_SysServiceError.h"
+#include "Bss/Bss_Hal/BSS_HAL_SocketError.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Net/BSS_NET_TaskOptions.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClientLines.h"
@@ -14,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <boost/thread/thread.hpp>
+#include <chrono>
 #include <utility>
 
 namespace BSS::NET {
@@ -25,7 +28,7 @@ namespace {
 // Nothing wakes the thread but its requests.
 constexpr std::uint32_t LONG_WAIT_MS = 60000;
 
-// Without descriptors to spare there is nothing to wake it by: it looks for itself.
+// Without descriptors to spare, or where the system lets it wait for nothing, it looks for itself.
 constexpr std::uint64_t UNWAKEABLE_WAIT_MS = 100;
 
 bool StartUp(SocketApiI& api, const LogC& log)
@@ -116,15 +119,14 @@ std::uint32_t NetTcpIpClientC::maxReceiveTimeoutMs() const
 
 void NetTcpIpClientC::start()
 {
-    const bool bEnded = !m_task->isRunning();
-    if (bEnded) m_requests.reset();
-    if (bEnded || m_requests.isStopping()) {
-        m_task->start(); // which throws while the thread runs
-        if (!bEnded) {   // it has ended just now, and its stop was still there for the new one
-            m_task->waitForStop(-1);
-            m_requests.reset();
-            m_task->start();
-        }
+    // The stop that a thread has ended by is there to be seen until it is started again. Asked in this order,
+    // so that one that ends meanwhile is started anew and not taken for one that goes on.
+    const bool bStopping = m_requests.isStopping();
+    const bool bRunning = m_task->isRunning();
+    if (bStopping && bRunning) throw SysServiceErrorC("the client is about to end", RC_SERVICE_FAILED);
+    if (!bRunning) {
+        m_requests.reset();
+        m_task->start();
     }
     post(ClientRequest::Connect);
 }
@@ -210,8 +212,14 @@ void NetTcpIpClientC::waitForRequest(std::uint32_t maxWaitMs)
     if (m_timer.isRunning()) waitMs = std::min(waitMs, m_timer.leftMs());
     std::array<HAL::PollItemT, 1> items = {{{m_waker.getSocket(), true}}};
     std::size_t nReady = 0;
-    m_api.poll(items.data(), items.size(), wakeableWaitMs(std::min<std::uint64_t>(waitMs, LONG_WAIT_MS)),
-               nReady);
+    const int error = m_api.poll(items.data(), items.size(),
+                                 wakeableWaitMs(std::min<std::uint64_t>(waitMs, LONG_WAIT_MS)), nReady);
+    if (error != 0) {
+        // The next wait would fail as quickly, and the thread would have a processor to itself.
+        if (!m_bWaitFails) m_log(WAIT_FAILED, HAL::SocketErrorText(error));
+        m_requests.await(std::chrono::milliseconds(std::min(waitMs, UNWAKEABLE_WAIT_MS)));
+    }
+    m_bWaitFails = error != 0;
     if (items[0].canRead) m_waker.drain();
 }
 

@@ -158,6 +158,7 @@ private:
     std::uint64_t m_ulTotalReceiveWaitMs = 0; // since the last data
     std::optional<std::uint64_t> m_unansweredSince;
     std::vector<std::uint8_t> m_buffer;
+    bool m_bWaitFails = false;
 
     std::unique_ptr<TSK::TaskC> m_task;
 };

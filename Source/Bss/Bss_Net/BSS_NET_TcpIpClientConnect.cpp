@@ -176,7 +176,7 @@ void NetTcpIpClientC::shutdownConnection()
 HAL::SocketT NetTcpIpClientC::shutdownSocket(int& error)
 {
     return m_Socket.with([&](HAL::SocketT socket) {
-        error = m_api.shutdown(socket);
+        error = m_api.shutdown(socket, HAL::ShutdownKind::Both);
         return socket;
     });
 }

@@ -66,6 +66,8 @@ inline constexpr LogLineT SET_PORT_CONFIG{LEVEL_FINE, "[NetTcpIpClientC]- setPor
 inline constexpr LogLineT DISCARD_RD{LEVEL_FINE, "[NetTcpIpClientC] -NetTcpIpClientC::discardRd\n"};
 inline constexpr LogLineT DISCARD_WR{LEVEL_FINE, "[NetTcpIpClientC] -NetTcpIpClientC::discardWr\n"};
 
+inline constexpr LogLineT WAIT_FAILED{LEVEL_ERROR, "NetTcpIpClientC::waitForRequest - waiting failed (err %s)\n"};
+
 inline constexpr LogLineT GET_ADDRESS{LEVEL_FINE, "NetTcpIpClientC::getServerAddress\n"};
 inline constexpr LogLineT ADDRESS_AS_IS{LEVEL_FINE, "NetTcpIpClientC::getServerAddress - DomainAddress: %s\n"};
 inline constexpr LogLineT RESOLVING{LEVEL_FINE, "NetTcpIpClientC::getServerAddress - calling gethostbyname\n"};

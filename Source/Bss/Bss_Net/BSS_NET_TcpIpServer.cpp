@@ -10,7 +10,8 @@
 #include "Bss/Bss_Tsk/BSS_TSK_Task.h"
 
 #include <algorithm>
-#include <boost/thread/exceptions.hpp>
+#include <boost/thread/thread.hpp>
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -28,9 +29,11 @@ constexpr LogLineT CLIENT_GONE{DBG::LEVEL_INFO, "NetTcpIpServerC - client %u gon
 constexpr LogLineT CLIENT_DROPPED{DBG::LEVEL_WARN, "NetTcpIpServerC - client %u dropped, %u bytes behind\n"};
 constexpr LogLineT CLIENT_REFUSED{DBG::LEVEL_WARN, "NetTcpIpServerC - client refused, there are %u\n"};
 constexpr LogLineT ACCEPT_FAILED{DBG::LEVEL_WARN, "NetTcpIpServerC - accept failed (err %s)\n"};
+constexpr LogLineT WAIT_FAILED{DBG::LEVEL_ERROR, "NetTcpIpServerC - waiting failed (err %s)\n"};
 constexpr LogLineT DATA_THREW{DBG::LEVEL_ERROR, "NetTcpIpServerC - exception in the reader: %s\n"};
 
 constexpr int ACCEPT_LATER_MS = 100;
+constexpr std::chrono::milliseconds WAIT_AGAIN{100};
 constexpr std::size_t RECEIVE_BYTES = 16384;
 
 // One client takes no more of the thread's time than this before the others have their turn.
@@ -47,6 +50,8 @@ constexpr int SEND_LIMIT_S = KEEP_ALIVE_IDLE_S + KEEP_ALIVE_INTERVAL_S * KEEP_AL
 
 struct NetTcpIpServerC::ClientT
 {
+    explicit ClientT(SocketApiI& api) : socket(api) {}
+
     std::uint32_t number = 0;
     SocketClientC socket;
     std::uint64_t position = 0; // in the stream
@@ -70,14 +75,15 @@ private:
 };
 
 NetTcpIpServerC::NetTcpIpServerC(NetTcpIpServerSettingsT settings)
-    : m_settings(std::move(settings)), m_log(m_settings.logger), m_socketsError(HAL::StartSockets()),
-      m_received(RECEIVE_BYTES), m_task(std::make_unique<ServerTaskC>(*this))
+    : m_settings(std::move(settings)), m_log(m_settings.logger), m_api(*m_settings.pSockets),
+      m_socketsError(m_api.startUp()), m_listener(m_api), m_received(RECEIVE_BYTES),
+      m_task(std::make_unique<ServerTaskC>(*this))
 {}
 
 NetTcpIpServerC::~NetTcpIpServerC()
 {
     stop();
-    if (m_socketsError == 0) HAL::StopSockets();
+    if (m_socketsError == 0) m_api.cleanUp();
 }
 
 ResultCodeT NetTcpIpServerC::configure(const std::string& address, std::uint16_t port)
@@ -91,35 +97,49 @@ ResultCodeT NetTcpIpServerC::configure(const std::string& address, std::uint16_t
 
 ResultCodeT NetTcpIpServerC::start()
 {
+    const boost::this_thread::disable_interruption undisturbed;
     const std::lock_guard<std::mutex> guard(m_lifeLock);
-    if (m_task->isRunning()) return RC_OK;
+    if (m_bServing) return RC_OK;
     if (m_address.length == 0) return RC_OBJECT_MISSING;
     if (m_waker.getSocket() == HAL::NO_SOCKET) { // its thread would not hear of anything
         m_log(START_FAILED, "no sockets to wake it by");
         return RC_FAILED;
     }
+    try {
+        m_task->waitForStop(-1); // one that has ended by itself may still be about to go
+        return startServing();
+    } catch (const std::exception& error) {
+        m_log(START_FAILED, error.what());
+        m_bServing = false;
+        endConnections();
+        return RC_FAILED;
+    }
+}
+
+ResultCodeT NetTcpIpServerC::startServing()
+{
     if (m_listener.listen(m_address) != RC_OK) {
         m_log(LISTEN_FAILED, HAL::AddressText(m_address), HAL::PortOf(m_address),
               HAL::SocketErrorText(m_listener.getLastError()));
         return RC_FAILED;
     }
-    m_port = m_listener.getPort();
+    const std::uint16_t port = m_listener.getPort();
+    m_port = port;
     m_bStop = false;
-    try {
-        m_task->start();
-    } catch (const std::exception& error) {
-        m_log(START_FAILED, error.what());
-        endConnections();
-        return RC_FAILED;
-    }
-    m_log(LISTENING, HAL::AddressText(m_address), m_listener.getPort());
+    m_bServing = true;
+    m_task->start();
+    m_log(LISTENING, HAL::AddressText(m_address), port);
     return RC_OK;
 }
 
 void NetTcpIpServerC::stop()
 {
     const std::lock_guard<std::mutex> guard(m_lifeLock);
-    m_bStop = true;
+    {
+        const std::lock_guard<std::mutex> lists(m_lock);
+        m_bStop = true;
+    }
+    m_stopped.notify_all();
     m_waker.wake();
     m_task->waitForStop(-1);
     endConnections();
@@ -189,7 +209,11 @@ void NetTcpIpServerC::serve()
     struct EndC
     {
         NetTcpIpServerC& server;
-        ~EndC() { server.endConnections(); }
+        ~EndC()
+        {
+            server.endConnections();
+            server.m_bServing = false;
+        }
     } const end{*this};
     while (waitForWork()) {
         for (std::size_t n = 0; n < m_clients.size(); ++n)
@@ -217,16 +241,26 @@ bool NetTcpIpServerC::waitForWork()
     std::size_t nReady = 0;
     const int waitMs = bMore ? 0 : m_bAcceptLater ? ACCEPT_LATER_MS : HAL::POLL_WITHOUT_LIMIT;
     m_bAcceptLater = false;
-    HAL::PollSockets(m_items.data(), m_items.size(), waitMs, nReady);
+    const int error = m_api.poll(m_items.data(), m_items.size(), waitMs, nReady);
+    if (error != 0) pauseAfter(error);
+    m_bWaitFails = error != 0;
     if (m_items[1].canRead) m_waker.drain();
     m_bWoken.exchange(false);
     return !m_bStop;
 }
 
+// The next wait would fail as quickly, and the thread would have a processor to itself.
+void NetTcpIpServerC::pauseAfter(int error)
+{
+    if (!m_bWaitFails) m_log(WAIT_FAILED, HAL::SocketErrorText(error));
+    std::unique_lock<std::mutex> guard(m_lock);
+    m_stopped.wait_for(guard, WAIT_AGAIN, [this] { return m_bStop.load(); });
+}
+
 void NetTcpIpServerC::acceptClients()
 {
     for (;;) {
-        auto client = std::make_unique<ClientT>();
+        auto client = std::make_unique<ClientT>(m_api);
         const ResultCodeT rc = m_listener.accept(client->socket, 0);
         if (rc == RC_TIMED_OUT) return;
         if (rc != RC_OK) {

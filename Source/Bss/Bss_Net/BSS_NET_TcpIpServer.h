@@ -6,17 +6,20 @@
 // line. What clients send is given to a function, or thrown away.
 //
 // A thread of its own serves all clients. What the function throws is logged; only boost::thread_interrupted
-// and a lack of memory end the thread, and with it all connections: start() begins again. All operations are
-// safe from any thread; stopping and the end of the object are not for the function.
+// and a lack of memory end the thread, and with it all connections: start() begins again. Where the system
+// lets it wait for nothing, it says so once and looks ten times a second. All operations are safe from any
+// thread; configuring, starting, stopping and the end of the object are not for the function.
 #pragma once
 
 #include "Bss/Bss_Err/BSS_ERR_ResultCode.h"
 #include "Bss/Bss_Hal/BSS_HAL_SocketPoll.h"
 #include "Bss/Bss_Net/BSS_NET_LogLine.h"
+#include "Bss/Bss_Net/BSS_NET_SocketApi.h"
 #include "Bss/Bss_Net/BSS_NET_SocketServer.h"
 #include "Bss/Bss_Net/BSS_NET_StreamBuffer.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -35,6 +38,7 @@ struct NetTcpIpServerSettingsT
 {
     std::string name = "NetTcpIpServer"; ///< of the thread
     std::shared_ptr<DBG::DbgLogConsumerC> logger = {};
+    SocketApiI* pSockets = &SystemSockets();             ///< not owned
     std::size_t maxBufferedBytes = std::size_t{1} << 20; ///< that a client may be behind
     std::size_t nMaxClients = 1000;
 
@@ -56,7 +60,7 @@ public:
 
     /// RC_OK, also when it runs already; RC_OBJECT_MISSING when it is not configured; RC_FAILED, with a log
     /// line, when the address, the port or a thread is not to be had, or when the process had no descriptors
-    /// to spare as the object was made.
+    /// to spare as the object was made. Waits for a thread that is just about to end by itself.
     [[nodiscard]] ResultCodeT start();
 
     /// Ends all connections and returns when that is done.
@@ -77,8 +81,10 @@ private:
     class ServerTaskC;
     struct ClientT;
 
+    ResultCodeT startServing();
     void serve();
     bool waitForWork();
+    void pauseAfter(int error);
     void acceptClients();
     void prepare(ClientT& client);
     void serveClient(ClientT& client, const HAL::PollItemT& answer);
@@ -90,12 +96,15 @@ private:
 
     const NetTcpIpServerSettingsT m_settings;
     const LogC m_log;
+    SocketApiI& m_api;
     HAL::SocketAddressT m_address;
     const int m_socketsError;
     HAL::SocketWakerC m_waker;
     SocketServerC m_listener;
     std::atomic<std::uint16_t> m_port{0};
     std::atomic<bool> m_bStop{false};
+    std::condition_variable m_stopped; // with the lock
+    std::atomic<bool> m_bServing{false};
     std::atomic<bool> m_bWoken{false};
     std::atomic<std::uint64_t> m_nDropped{0};
 
@@ -108,6 +117,7 @@ private:
     std::vector<std::uint8_t> m_received;
     std::uint32_t m_nAccepted = 0;
     bool m_bAcceptLater = false;
+    bool m_bWaitFails = false;
 
     std::mutex m_lifeLock; // start and stop
     std::unique_ptr<TSK::TaskC> m_task;

@@ -12,8 +12,8 @@
 namespace BSS::NET {
 
 /// Whether a service takes connections: RC_OK; RC_TIMED_OUT when nobody answers; RC_CLOSED or RC_FAILED when
-/// it is refused or no way leads there; RC_NOT_FOUND when the name cannot be resolved. No single address of a name gets more than
-/// that many milliseconds; resolving takes as long as the system takes.
+/// it is refused or no way leads there; RC_NOT_FOUND when the name cannot be resolved. No single address of a
+/// name gets more than that many milliseconds; resolving takes as long as the system takes.
 [[nodiscard]] ResultCodeT CheckService(const std::string& name, std::uint16_t port, int timeoutMs);
 
 /// Whether this machine has the address on an interface that is up, which need not be named in an address

@@ -4,6 +4,8 @@
 // What other threads want of a client's thread.
 #include "Bss/Bss_Net/BSS_NET_ClientRequests.h"
 
+#include <chrono>
+#include <future>
 #include <gtest/gtest.h>
 
 using BSS::NET::ClientRequestsC;
@@ -67,6 +69,25 @@ TEST(ClientRequestsTest, AttemptIsEndedByAllButConnect)
     EXPECT_FALSE(requests.endsAttempt());
     requests.post(RequestT::Close);
     EXPECT_TRUE(requests.endsAttempt());
+}
+
+TEST(ClientRequestsTest, RequestEndsAWaitForOne)
+{
+    ClientRequestsC requests;
+    const auto begin = std::chrono::steady_clock::now();
+    const std::future<void> waiting =
+        std::async(std::launch::async, [&] { requests.await(std::chrono::seconds(30)); });
+    requests.post(RequestT::Connect);
+    waiting.wait();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+}
+
+TEST(ClientRequestsTest, WaitForARequestHasAnEnd)
+{
+    ClientRequestsC requests;
+    const auto begin = std::chrono::steady_clock::now();
+    requests.await(std::chrono::milliseconds(20));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(20));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Sockets that a test makes answer as it likes, and a clock that stands still but for waits. One socket at a
-// time, with the number 17. For one thread.
+// time, with the number 17, of a client: no server is made of them. For one thread.
 #pragma once
 
 #include "Bss/Bss_Hal/BSS_HAL_SocketError.h"
@@ -76,8 +76,16 @@ public:
         keepAliveProbes = probes;
         return keepAliveError;
     }
+    int setSendLimit(BSS::HAL::SocketT, int) override { return 0; }
     bool isUnanswered(BSS::HAL::SocketT) override { return bUnanswered; }
     int connect(BSS::HAL::SocketT, const BSS::HAL::SocketAddressT&) override { return connectError; }
+    int bind(BSS::HAL::SocketT, const BSS::HAL::SocketAddressT&) override { return SOME_ERROR; }
+    int listen(BSS::HAL::SocketT, int) override { return SOME_ERROR; }
+    BSS::HAL::SocketT accept(BSS::HAL::SocketT, BSS::HAL::SocketAddressT&, int& error) override
+    {
+        error = SOME_ERROR;
+        return BSS::HAL::NO_SOCKET;
+    }
     int takePendingError(BSS::HAL::SocketT, int& pending) override
     {
         pending = pendingError;
@@ -99,7 +107,7 @@ public:
         arrived.pop_front();
         return {count, 0};
     }
-    int shutdown(BSS::HAL::SocketT socket) override
+    int shutdown(BSS::HAL::SocketT socket, BSS::HAL::ShutdownKind) override
     {
         return socket == BSS::HAL::NO_SOCKET ? SOME_ERROR : shutdownError;
     }

@@ -8,8 +8,8 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogTcpIpServer.h"
 
 #include "Loopback.h"
-#include "OwnNetwork_Posix.h"
 #include "Support/Eventually.h"
+#include "Support/OwnNetwork_Posix.h"
 
 #include <array>
 #include <memory>
@@ -51,7 +51,7 @@ int StreamLines()
 
 TEST(LogTcpIpPortDeathTest, ConsumerOfTheLogManagerStreamsItsLinesAtItsPort)
 {
-    ExpectInOwnNetwork(&StreamLines);
+    Support::ExpectInOwnNetwork(&StreamLines);
 }
 
 } // namespace

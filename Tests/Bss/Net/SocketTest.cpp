@@ -4,10 +4,13 @@
 // The owned sockets and their result codes.
 #include "Bss/Bss_Net/BSS_NET_SocketServer.h"
 
+#include "AlteredSockets.h"
+#include "FakeSockets.h"
 #include "Loopback.h"
 
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace BSS;
@@ -132,6 +135,20 @@ TEST_F(SocketTest, SocketsAreClosedWithTheirObjects)
         EXPECT_EQ(HAL::OpenSocketCount(), before + 1);
     }
     EXPECT_EQ(HAL::OpenSocketCount(), before);
+}
+
+TEST_F(SocketTest, SocketTakesItsCallsAlongWhenItIsMoved)
+{
+    AlteredSocketsC sockets;
+    sockets.optionError = SOME_ERROR;
+    SocketClientC first(sockets);
+    ASSERT_EQ(first.open(HAL::AddressKind::IPv4), RC_OK);
+    SocketClientC second(std::move(first));
+    EXPECT_EQ(second.setNoDelay(), RC_FAILED);
+    SocketClientC third;
+    third = std::move(second);
+    EXPECT_EQ(third.setNoDelay(), RC_FAILED);
+    EXPECT_EQ(third.getLastError(), SOME_ERROR);
 }
 
 } // namespace

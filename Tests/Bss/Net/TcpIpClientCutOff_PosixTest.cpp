@@ -5,8 +5,8 @@
 #include "Bss/Bss_Net/BSS_NET_TcpIpClient.h"
 
 #include "Loopback.h"
-#include "OwnNetwork_Posix.h"
 #include "Support/Eventually.h"
+#include "Support/OwnNetwork_Posix.h"
 
 #include <atomic>
 #include <chrono>
@@ -93,47 +93,47 @@ int LoseTheInterfaceAndGetItBack()
         }
     });
     const bool bTalked = Support::Eventually([&] { return events.nBytes > 1000; }) && events.nTimedOut == 0;
-    const bool bDown = SwitchInterface(false);
+    const bool bDown = Support::SwitchInterface(false);
     const bool bNoticed = Support::Eventually([&] { return events.nTimedOut >= 1; });
     bTalk = false;
     talking.join();
     if (!bTalked || !bDown) return 4;
     if (!bNoticed) return 5;
-    if (!SwitchInterface(true)) return 6;
+    if (!Support::SwitchInterface(true)) return 6;
     return Support::Eventually([&] { return events.nOnline >= 2; }) ? 0 : 7;
 }
 
 TEST(TcpIpClientCutOffDeathTest, InterfaceThatGoesDownWithoutAWordIsNoticedAndItsReturnToo)
 {
-    ExpectInOwnNetwork(&LoseTheInterfaceAndGetItBack);
+    Support::ExpectInOwnNetwork(&LoseTheInterfaceAndGetItBack);
 }
 
 int LoseTheInterfaceWhileSilent()
 {
     ConnectedC connected(0, 1);
     if (!connected.bOnline) return 3;
-    if (!SwitchInterface(false)) return 4;
+    if (!Support::SwitchInterface(false)) return 4;
     if (!Support::Eventually([&] { return connected.events.nOffline >= 1; })) return 5;
     return connected.events.nTimedOut == 0 ? 0 : 6;
 }
 
 TEST(TcpIpClientCutOffDeathTest, KeepAliveAloneNoticesTheLossOfASilentConnection)
 {
-    ExpectInOwnNetwork(&LoseTheInterfaceWhileSilent);
+    Support::ExpectInOwnNetwork(&LoseTheInterfaceWhileSilent);
 }
 
 int LoseTheInterfaceWhileWriting()
 {
     ConnectedC connected(0, 1);
     if (!connected.bOnline || !connected.Writes()) return 3;
-    if (!SwitchInterface(false)) return 4;
+    if (!Support::SwitchInterface(false)) return 4;
     connected.Writes(); // stays on its way, and no keep-alive is sent meanwhile
     return Support::Eventually([&] { return connected.events.nOffline >= 1; }) ? 0 : 5;
 }
 
 TEST(TcpIpClientCutOffDeathTest, LossIsNoticedAlsoWhileBytesAreOnTheirWay)
 {
-    ExpectInOwnNetwork(&LoseTheInterfaceWhileWriting);
+    Support::ExpectInOwnNetwork(&LoseTheInterfaceWhileWriting);
 }
 
 // The system asks a full server again and again whether there is room.

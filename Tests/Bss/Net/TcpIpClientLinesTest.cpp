@@ -57,6 +57,7 @@ const KnownLineT KNOWN_LINES[] = {
     {ClientLines::SET_PORT_CONFIG, 3, "[NetTcpIpClientC]- setPortConfig %s:%d\n"},
     {ClientLines::DISCARD_RD, 3, "[NetTcpIpClientC] -NetTcpIpClientC::discardRd\n"},
     {ClientLines::DISCARD_WR, 3, "[NetTcpIpClientC] -NetTcpIpClientC::discardWr\n"},
+    {ClientLines::WAIT_FAILED, 6, "NetTcpIpClientC::waitForRequest - waiting failed (err %s)\n"},
     {ClientLines::GET_ADDRESS, 3, "NetTcpIpClientC::getServerAddress\n"},
     {ClientLines::ADDRESS_AS_IS, 3, "NetTcpIpClientC::getServerAddress - DomainAddress: %s\n"},
     {ClientLines::RESOLVING, 3, "NetTcpIpClientC::getServerAddress - calling gethostbyname\n"},

@@ -1,257 +1,28 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The state machine of the TCP/IP client, without a network: every event in every state, and its texts.
-#include "Bss/Bss_Net/BSS_NET_TcpIpClientStateMachine.h"
+// The state machine of the TCP/IP client, without a network: what it does, tells and logs.
+#include "TcpIpClientStateMachineFixture.h"
 
 #include "Bss/Bss_Uti/BSS_UTI_Observer.h"
 
 #include "Support/Eventually.h"
-#include "Support/LogCapture.h"
-#include "Support/LogRecorder.h"
-#include "Support/ReportCapture.h"
 
-#include <gtest/gtest.h>
-#include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <tuple>
 #include <vector>
 
 using namespace BSS;
 using namespace BSS::NET;
+using namespace NetTests;
 
 namespace {
-
-class FakeClientC final : public TcpIpClientI
-{
-public:
-    bool isSocketValid() const override { return bOpen; }
-    AutoConnect getAutoConnect() const override { return autoConnect; }
-    ResultCodeT setupConnection() override
-    {
-        ++nAttempts;
-        bOpen = bServerThere;
-        return bServerThere ? RC_OK : RC_FAILED;
-    }
-    ResultCodeT waitForConnection() override
-    {
-        ++nWaits;
-        return bServerThere ? RC_OK : RC_FAILED;
-    }
-    void shutdownConnection() override { ++nShutdowns; }
-    void closeSocket() override { bOpen = false; }
-    HAL::SocketT shutdownSocket(int& error) override
-    {
-        error = shutdownError;
-        return bOpen ? 17 : HAL::NO_SOCKET;
-    }
-    void forwardPortEvent(BIO::PortEvent event, BIO::PortReason reason) override
-    {
-        told.emplace_back(event, reason);
-        if (bThrow) throw std::runtime_error("no");
-    }
-
-    AutoConnect autoConnect = AutoConnect::OFF;
-    bool bServerThere = true;
-    bool bOpen = false;
-    bool bThrow = false;
-    int shutdownError = 0;
-    int nAttempts = 0;
-    int nWaits = 0;
-    int nShutdowns = 0;
-    std::vector<std::pair<BIO::PortEvent, BIO::PortReason>> told;
-};
-
-class FakeTimerC final : public ReconnectTimerI
-{
-public:
-    bool isRunning() const override { return bRunning; }
-    void start(std::uint32_t ms) override
-    {
-        bRunning = true;
-        delayMs = ms;
-    }
-    void stop() override { bRunning = false; }
-    std::uint64_t nowMs() const override { return clockMs; }
-
-    std::uint64_t clockMs = 1000000;
-    bool bRunning = false;
-    std::uint32_t delayMs = 0;
-};
 
 using ToldT = std::vector<std::pair<BIO::PortEvent, BIO::PortReason>>;
 using BIO::PortReason;
 
-class TcpIpClientStateMachineTest : public testing::Test
-{
-protected:
-    TcpIpClientStateMachineTest() { settings.jitterPercent = 0; }
-
-    TcpIpClientStateMachineC& Machine()
-    {
-        if (!m_machine)
-            m_machine = std::make_unique<TcpIpClientStateMachineC>(client, timer, LogC(log), settings);
-        return *m_machine;
-    }
-
-    /// Brings the machine into a state as a program would.
-    TcpIpClientStateMachineC& In(std::uint32_t state)
-    {
-        if (state == IDLE) return Machine();
-        client.bServerThere = state == ONLINE;
-        Machine().start();
-        client.bServerThere = true;
-        timer.stop();
-        timer.clockMs += settings.minSpacingMs;
-        EXPECT_EQ(Machine().getState(), state);
-        log->Clear();
-        client.told.clear();
-        client.nAttempts = 0;
-        return Machine();
-    }
-
-    bool Logged(const std::string& text) const { return log->Has("3 " + text + "\n"); }
-    static std::string Of(const std::string& text) { return "TcpIpClientStateMachineC::" + text; }
-
-    const Support::LogCapture systemLog;
-    Support::ReportCapture reports;
-    const std::shared_ptr<Support::LogRecorder> log = std::make_shared<Support::LogRecorder>();
-    FakeClientC client;
-    FakeTimerC timer;
-    ReconnectSettingsT settings;
-
-private:
-    std::unique_ptr<TcpIpClientStateMachineC> m_machine;
-};
-
-// The table by itself: what each event does and leads to in each state. An empty answer is "ignored".
-struct AnswerT
-{
-    std::string next;
-    ClientAction action = ClientAction::None;
-
-    bool operator==(const AnswerT&) const = default;
-};
-
-struct ExpectedT
-{
-    std::uint32_t state;
-    ClientEvent event;
-    bool bAutoConnect;
-    AnswerT answer;
-};
-
-const char* NameOf(std::uint32_t state)
-{
-    static const char* const names[] = {"IDLE", "SETTING_UP", "ONLINE"};
-    return names[state];
-}
-
-AnswerT AnswerOf(const ClientTransitionT* row)
-{
-    return row == nullptr ? AnswerT() : AnswerT{NameOf(row->next), row->action};
-}
-
-class ClientTableTest : public testing::TestWithParam<ExpectedT>
+class TcpIpClientStateMachineTest : public TcpIpClientStateMachineFixtureC
 {};
-
-TEST_P(ClientTableTest, EventDoesAndLeadsWhereItShould)
-{
-    const ExpectedT& expected = GetParam();
-    const AnswerT answer = AnswerOf(FindTransition(expected.state, expected.event, expected.bAutoConnect));
-    EXPECT_EQ(answer.next, expected.answer.next);
-    EXPECT_EQ(answer.action, expected.answer.action);
-}
-
-std::vector<ExpectedT> WholeTable()
-{
-    using E = ClientEvent;
-    using A = ClientAction;
-    std::vector<ExpectedT> all;
-    for (const bool bAuto : {false, true}) {
-        const AnswerT lost{bAuto ? "SETTING_UP" : "IDLE"};
-        for (const auto& [event, idle, settingUp, online] :
-             std::vector<std::tuple<E, AnswerT, AnswerT, AnswerT>>{
-                 {E::Connect, {"SETTING_UP"}, {"SETTING_UP", A::Attempt}, {}},
-                 {E::Disconnect, {}, {"IDLE"}, {"IDLE"}},
-                 {E::Close, {}, {"IDLE", A::RememberClose}, {"IDLE", A::RememberClose}},
-                 {E::TimerExpired, {}, {"SETTING_UP", A::Attempt}, {}},
-                 {E::Established, {}, {"ONLINE"}, {}},
-                 {E::Failed, {}, {"SETTING_UP", A::ScheduleRetry}, {}},
-                 {E::LinkLost, {}, {}, lost}}) {
-            all.push_back({IDLE, event, bAuto, idle});
-            all.push_back({SETTING_UP, event, bAuto, settingUp});
-            all.push_back({ONLINE, event, bAuto, online});
-        }
-    }
-    return all;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ClientTableTest, testing::ValuesIn(WholeTable()));
-
-TEST(ClientTableSizeTest, EveryStateAndEventIsTried)
-{
-    EXPECT_EQ(WholeTable().size(), 2 * 3 * ALL_CLIENT_EVENTS.size());
-}
-
-// The machine by its table: the pairs that others can bring about; an attempt's own two come from within.
-class ClientMachineByTableTest : public TcpIpClientStateMachineTest,
-                                 public testing::WithParamInterface<ExpectedT>
-{
-protected:
-    void Tell(ClientEvent event)
-    {
-        switch (event) {
-        case ClientEvent::Connect:
-            return Machine().connectTcpIp();
-        case ClientEvent::Disconnect:
-            return Machine().disconnectTcpIp();
-        case ClientEvent::Close:
-            return Machine().executeClose();
-        case ClientEvent::TimerExpired:
-            return Machine().onTimer();
-        case ClientEvent::LinkLost:
-            return Machine().onLinkLost(RC_FAILED);
-        case ClientEvent::Established:
-        case ClientEvent::Failed:
-            break;
-        }
-        FAIL() << "not from outside";
-    }
-};
-
-TEST_P(ClientMachineByTableTest, EventDoesAndLeadsWhereTheTableSays)
-{
-    const ExpectedT& expected = GetParam();
-    client.autoConnect = expected.bAutoConnect ? AutoConnect::WITH_TIMER : AutoConnect::OFF;
-    In(expected.state);
-    client.bServerThere = false;
-    const ResultCodeT before = Machine().getLastResult();
-    Tell(expected.event);
-    const bool bIgnored = expected.answer.next.empty();
-    EXPECT_EQ(NameOf(Machine().getState()), bIgnored ? NameOf(expected.state) : expected.answer.next);
-    const bool bEnters = expected.state == IDLE && expected.answer.next == "SETTING_UP";
-    EXPECT_EQ(client.nAttempts, bEnters || expected.answer.action == ClientAction::Attempt ? 1 : 0);
-    EXPECT_EQ(Machine().getLastResult() == 0x02000008U,
-              expected.answer.action == ClientAction::RememberClose);
-    if (!bIgnored) return;
-    EXPECT_TRUE(client.told.empty());
-    EXPECT_FALSE(timer.bRunning);
-    EXPECT_EQ(Machine().getLastResult(), before);
-}
-
-std::vector<ExpectedT> FromOutside()
-{
-    std::vector<ExpectedT> all = WholeTable();
-    std::erase_if(all, [](const ExpectedT& one) {
-        return one.event == ClientEvent::Established || one.event == ClientEvent::Failed;
-    });
-    return all;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ClientMachineByTableTest, testing::ValuesIn(FromOutside()));
 
 TEST_F(TcpIpClientStateMachineTest, BeginsIdle)
 {

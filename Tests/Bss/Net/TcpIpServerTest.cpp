@@ -2,20 +2,13 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The server of many clients, on the loopback address.
-#include "Bss/Bss_Net/BSS_NET_TcpIpServer.h"
+#include "TcpIpServerFixture.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
-#include "Loopback.h"
-#include "Support/Eventually.h"
-#include "Support/LogCapture.h"
-#include "Support/LogRecorder.h"
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <boost/thread/exceptions.hpp>
-#include <condition_variable>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -27,50 +20,8 @@ using Support::Eventually;
 
 namespace {
 
-class TcpIpServerTest : public testing::Test
-{
-protected:
-    NetTcpIpServerC& Server()
-    {
-        if (!m_server) {
-            settings.logger = log;
-            m_server = std::make_unique<NetTcpIpServerC>(settings);
-            EXPECT_EQ(m_server->configure("127.0.0.1", 0), RC_OK);
-            EXPECT_EQ(m_server->start(), RC_OK);
-        }
-        return *m_server;
-    }
-
-    HeldSocketC Join()
-    {
-        const std::size_t before = Server().getClientCount();
-        HeldSocketC client = Open();
-        EXPECT_EQ(HAL::ConnectSocket(client, Address("127.0.0.1", Server().getPort())), 0);
-        EXPECT_TRUE(Eventually([&] { return Server().getClientCount() == before + 1; }));
-        return client;
-    }
-
-    static std::string Receive(HAL::SocketT socket, std::size_t count)
-    {
-        std::string text(count, '\0');
-        std::size_t nGot = 0;
-        while (nGot < count && CanRead(socket)) {
-            const HAL::TransferT got = HAL::ReceiveBytes(socket, text.data() + nGot, count - nGot);
-            if (got.error != 0 || got.count == 0) break;
-            nGot += got.count;
-        }
-        text.resize(nGot);
-        return text;
-    }
-
-    const SocketsStartedC started;
-    const Support::LogCapture systemLog;
-    const std::shared_ptr<Support::LogRecorder> log = std::make_shared<Support::LogRecorder>();
-    NetTcpIpServerSettingsT settings;
-
-private:
-    std::unique_ptr<NetTcpIpServerC> m_server;
-};
+class TcpIpServerTest : public TcpIpServerFixtureC
+{};
 
 TEST_F(TcpIpServerTest, DoesNotStartWithoutAnAddress)
 {
@@ -158,28 +109,6 @@ TEST_F(TcpIpServerTest, WhatIsKeptForASlowClientIsBounded)
     EXPECT_TRUE(Eventually([this] { return Server().getClientCount() == 0; }));
 }
 
-/// Holds the server's thread in its function until it is let.
-struct HoldT
-{
-    std::mutex lock;
-    std::condition_variable let;
-    bool bLet = false;
-    std::atomic<bool> bHeld{false};
-
-    void Hold()
-    {
-        std::unique_lock<std::mutex> guard(lock);
-        bHeld = true;
-        let.wait(guard, [this] { return bLet; });
-    }
-    void Let()
-    {
-        const std::lock_guard<std::mutex> guard(lock);
-        bLet = true;
-        let.notify_all();
-    }
-};
-
 TEST_F(TcpIpServerTest, WhatIsKeptIsBoundedWhileTheServersThreadIsBusy)
 {
     HoldT hold;
@@ -245,7 +174,7 @@ TEST_F(TcpIpServerTest, ServerWhoseThreadEndsLeavesNoClientWaitingAndCanBeStarte
     EXPECT_EQ(Server().getClientCount(), 0U);
     const HeldSocketC late = Open();
     EXPECT_NE(HAL::ConnectSocket(late, Address("127.0.0.1", port)), 0);
-    ASSERT_TRUE(Eventually([this] { return Server().start() == RC_OK && Server().getPort() != 0; }));
+    ASSERT_EQ(Server().start(), RC_OK); // waits for the thread that has ended
     const HeldSocketC again = Join();
     Server().send("back", 4);
     EXPECT_EQ(Receive(again, 4), "back");

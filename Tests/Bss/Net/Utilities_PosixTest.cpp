@@ -5,7 +5,7 @@
 #include "Bss/Bss_Net/BSS_NET_Utilities.h"
 
 #include "Loopback.h"
-#include "OwnNetwork_Posix.h"
+#include "Support/OwnNetwork_Posix.h"
 
 #include <arpa/inet.h>
 #include <linux/capability.h>
@@ -52,12 +52,12 @@ int PingWithoutPermission()
 
 TEST(UtilitiesPosixDeathTest, PingOfTheLoopbackIsAnsweredWhereItIsPermitted)
 {
-    ExpectInOwnNetwork(&PingWithPermission);
+    Support::ExpectInOwnNetwork(&PingWithPermission);
 }
 
 TEST(UtilitiesPosixDeathTest, PingThatIsNotPermittedSaysSo)
 {
-    ExpectInOwnNetwork(&PingWithoutPermission);
+    Support::ExpectInOwnNetwork(&PingWithoutPermission);
 }
 
 bool AddToLoopback(const char* address)
@@ -84,7 +84,7 @@ int AskForAnAddressOfALink()
 
 TEST(UtilitiesPosixDeathTest, AddressOfALinkIsActiveWithAndWithoutItsInterface)
 {
-    ExpectInOwnNetwork(&AskForAnAddressOfALink);
+    Support::ExpectInOwnNetwork(&AskForAnAddressOfALink);
 }
 
 TEST(UtilitiesPosixTest, ServiceThatDoesNotAnswerTimesOut)
