@@ -5,97 +5,17 @@
 #include "Bss/Bss_Tsk/BSS_TSK_BlockPool.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
-#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Tsk/BSS_TSK_BlockSlab.h"
 
-#include <atomic>
-#include <cstddef>
+#include <bit>
 #include <cstdint>
-#include <mutex>
 #include <new>
-#include <thread>
+#include <tuple>
 #include <utility>
 
 namespace BSS::TSK {
 
 namespace {
-
-constexpr std::uint32_t CHAIN = 32;
-constexpr std::uint32_t MOST_KEPT = 2 * CHAIN;
-
-// For the few steps of giving or taking a chain. There before any code has run and after all destructors
-// have.
-class SpinLockC
-{
-public:
-    void lock() noexcept
-    {
-        for (int round = 0; m_held.test_and_set(std::memory_order_acquire); ++round) {
-            if (round < ROUNDS) {
-                HAL::SpinPause();
-            } else {
-                std::this_thread::yield(); // its owner does not run
-            }
-        }
-    }
-    void unlock() noexcept { m_held.clear(std::memory_order_release); }
-
-private:
-    static constexpr int ROUNDS = 100;
-
-    std::atomic_flag m_held;
-};
-
-struct BlockT
-{
-    BlockT* next;
-    BlockT* nextChain; ///< in the first block of a chain in the store
-};
-
-// The chains that no thread keeps. Blocks are made in slabs of one chain, so that those which are used one
-// after the other lie beside each other. The slabs are kept for good: threads that were let go may give
-// blocks back until the very end.
-template<std::size_t BYTES>
-class StoreC
-{
-public:
-    constexpr StoreC() = default;
-    StoreC(const StoreC&) = delete;
-    StoreC& operator=(const StoreC&) = delete;
-
-    void Give(BlockT* chain) noexcept
-    {
-        const std::lock_guard<SpinLockC> guard(m_lock);
-        chain->nextChain = m_first;
-        m_first = chain;
-    }
-
-    /// A chain of blocks. Throws std::bad_alloc.
-    BlockT* Take()
-    {
-        const std::lock_guard<SpinLockC> guard(m_lock);
-        if (m_first != nullptr) return std::exchange(m_first, m_first->nextChain);
-        auto* const slab = static_cast<SlabT*>(::operator new(sizeof(SlabT), ALIGNMENT));
-        slab->next = m_slabs;
-        m_slabs = slab;
-        for (std::size_t i = 0; i < CHAIN; ++i)
-            new (slab->bytes + i * BYTES) BlockT{
-                i + 1 < CHAIN ? reinterpret_cast<BlockT*>(slab->bytes + (i + 1) * BYTES) : nullptr, nullptr};
-        return reinterpret_cast<BlockT*>(slab->bytes);
-    }
-
-private:
-    static constexpr std::align_val_t ALIGNMENT{64};
-
-    struct SlabT
-    {
-        alignas(64) unsigned char bytes[CHAIN * BYTES];
-        SlabT* next;
-    };
-
-    SpinLockC m_lock;
-    BlockT* m_first = nullptr;
-    SlabT* m_slabs = nullptr;
-};
 
 enum class Life : std::uint8_t
 {
@@ -108,72 +28,68 @@ constinit thread_local Life t_life = Life::Unused;
 
 void NoteThread() noexcept;
 
-// The blocks of one size.
+// The blocks of one size. A thread allocates from the slab that it holds, in the order of the addresses.
 template<std::size_t BYTES>
 class SizeC
 {
-    static_assert(BYTES >= sizeof(BlockT));
+    using SlabT = BlockSlabT<BYTES>;
+    using SetT = typename SlabT::SetT;
 
 public:
     static void* Allocate()
     {
-        if (t_kept == nullptr) Refill();
-        --t_nKept;
-        return std::exchange(t_kept, t_kept->next);
+        if (t_free == 0) Refill();
+        void* const block = t_slab->BlockAt(static_cast<unsigned>(std::countr_zero(t_free)));
+        t_free &= t_free - 1;
+        if (t_life == Life::Over) GiveUp();
+        return block;
     }
 
     static void Free(void* block) noexcept
     {
-        auto* const freed = static_cast<BlockT*>(block);
-        if (t_life == Life::Over) {
-            freed->next = nullptr;
-            s_store.Give(freed);
-            return;
+        SlabT* const slab = SlabT::Of(block);
+        if (slab == t_slab) {
+            t_free |= SlabT::SetOf(block);
+        } else if (slab->GiveBack(SlabT::SetOf(block))) {
+            s_store.Give(slab);
         }
-        if (t_life == Life::Unused) NoteThread();
-        freed->next = t_kept;
-        t_kept = freed;
-        if (++t_nKept > static_cast<std::int32_t>(MOST_KEPT)) GiveChain();
     }
 
-    // At the thread's end.
-    static void GiveAll() noexcept
+    // Nothing stays with the thread.
+    static void GiveUp() noexcept
     {
-        if (t_kept != nullptr) s_store.Give(std::exchange(t_kept, nullptr));
-        t_nKept = 0;
+        if (t_slab == nullptr) return;
+        t_slab->GiveBack(std::exchange(t_free, 0));
+        if (!t_slab->LetGo()) s_store.Give(t_slab);
+        t_slab = nullptr;
     }
 
 private:
     static void Refill()
     {
+        if (t_slab != nullptr) {
+            if (!t_slab->LetGo()) {
+                t_free = t_slab->TakeBack();
+                return;
+            }
+            t_slab = nullptr;
+        }
         if (t_life == Life::Unused) NoteThread();
         if (HAL::TakeFault(HAL::FaultT::PoolMemory)) throw std::bad_alloc();
-        t_kept = s_store.Take();
-        t_nKept = static_cast<std::int32_t>(CHAIN); // a few more or less do no harm
+        std::tie(t_slab, t_free) = s_store.Take();
     }
 
-    static void GiveChain() noexcept
-    {
-        BlockT* const chain = t_kept;
-        BlockT* last = chain;
-        for (std::uint32_t i = 1; i < CHAIN && last->next != nullptr; ++i)
-            last = last->next;
-        t_kept = std::exchange(last->next, nullptr);
-        t_nKept -= static_cast<std::int32_t>(CHAIN);
-        s_store.Give(chain);
-    }
-
-    static constinit StoreC<BYTES> s_store;
-    static constinit thread_local BlockT* t_kept;
-    static constinit thread_local std::int32_t t_nKept; ///< about
+    static constinit SlabStoreT<BYTES> s_store;
+    static constinit thread_local SlabT* t_slab;
+    static constinit thread_local SetT t_free;
 };
 
 template<std::size_t BYTES>
-constinit StoreC<BYTES> SizeC<BYTES>::s_store;
+constinit SlabStoreT<BYTES> SizeC<BYTES>::s_store;
 template<std::size_t BYTES>
-constinit thread_local BlockT* SizeC<BYTES>::t_kept = nullptr;
+constinit thread_local BlockSlabT<BYTES>* SizeC<BYTES>::t_slab = nullptr;
 template<std::size_t BYTES>
-constinit thread_local std::int32_t SizeC<BYTES>::t_nKept = 0;
+constinit thread_local typename BlockSlabT<BYTES>::SetT SizeC<BYTES>::t_free = 0;
 
 using SmallT = SizeC<BlockPool::SMALL_BYTES>;
 using LargeT = SizeC<BlockPool::LARGE_BYTES>;
@@ -183,8 +99,8 @@ struct ThreadEndC
     ~ThreadEndC()
     {
         t_life = Life::Over;
-        SmallT::GiveAll();
-        LargeT::GiveAll();
+        SmallT::GiveUp();
+        LargeT::GiveUp();
     }
 };
 
