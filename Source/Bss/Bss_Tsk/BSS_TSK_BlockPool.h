@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Memory for what is made on one thread and freed on another all the time: messages and their nodes. Each
-// thread allocates from a slab of 63 blocks of its own, so that the store which all threads share is asked
-// once in so many times, and so that blocks which are used one after the other lie beside each other however
-// long the pool has been in use. Safe from any thread, at any time of a thread's life.
+// Memory for what is made on one thread and freed on another all the time: messages and their nodes. Threads
+// that allocate at the same moment do so from different slabs of 63 blocks, so that they seldom meet, and so
+// that blocks which are used one after the other lie beside each other however long the pool has been in use.
+// What the pool has once had from the heap it keeps. Safe from any thread, at any time of a thread's life.
 #pragma once
 
 #include <cstddef>
