@@ -4,7 +4,8 @@
 // 63 blocks of one size that lie beside each other, behind a head that says in one word which of them are
 // free; and the store of the slabs that nobody allocates from. A slab is held by the one who does, or by the
 // store, or by nobody while most of its blocks are in use. Any thread gives blocks back. Slabs are never
-// unmapped: threads that were let go may give blocks back until the very end. For BlockPool only.
+// unmapped: threads that were let go may give blocks back until the very end. Tests/Models/slab.pml goes
+// through every order of the steps on the word, and has to change with them. For BlockPool only.
 #pragma once
 
 #include "Bss/Bss_Hal/BSS_HAL_LargePages.h"
