@@ -20,7 +20,7 @@ namespace Bench {
 namespace {
 
 constexpr unsigned s_uiAlone = 20000000;
-constexpr unsigned s_uiContended = 1000000; // of all threads together
+constexpr unsigned s_uiContended = 4000000; // of all threads together
 
 template<typename MutexT>
 void Alone(MutexT& mutex)
@@ -124,6 +124,34 @@ void PingPong(SemaphoreT& there, SemaphoreT& back)
     other.join();
 }
 
+// From the post to the moment at which the other thread has it, who has been asleep.
+template<typename SemaphoreT>
+double MedianOfWaking(SemaphoreT& semaphore)
+{
+    constexpr unsigned SAMPLES = 500;
+    constexpr double PAUSE_SECONDS = 100e-6; // long enough for the other thread to fall asleep
+    std::atomic<double> dWoken{0};
+    std::thread other([&] {
+        for (unsigned i = 0; i < SAMPLES; ++i) {
+            semaphore.wait();
+            dWoken.store(ClockSeconds());
+        }
+    });
+    std::vector<double> seconds;
+    for (unsigned i = 0; i < SAMPLES; ++i) {
+        dWoken.store(0);
+        double dBegin = ClockSeconds();
+        for (const double dEnd = dBegin + PAUSE_SECONDS; dBegin < dEnd;)
+            dBegin = ClockSeconds();
+        semaphore.post();
+        while (dWoken.load() == 0) {
+        }
+        seconds.push_back(dWoken.load() - dBegin);
+    }
+    other.join();
+    return MedianOf(seconds);
+}
+
 double RatioOf(const std::vector<CandidateT>& candidates)
 {
     return MedianOf(candidates[1].vecClockSeconds) / MedianOf(candidates[0].vecClockSeconds);
@@ -175,6 +203,14 @@ void RunSemaphore(const OptionsT& options)
     RunInterleaved(pingPong, options.nRounds);
     PrintTimes(pingPong);
     PrintRatio("there and back between two threads", RatioOf(pingPong), "at most 1.0");
+    std::vector<double> waking[2];
+    for (int iRound = 0; iRound < options.nRounds; ++iRound) {
+        waking[0].push_back(MedianOfWaking(plain[0]));
+        waking[1].push_back(MedianOfWaking(ours[0]));
+    }
+    std::printf("  median waking: plain %.2f us, SemaphoreC %.2f us\n", MedianOf(waking[0]) * 1e6,
+                MedianOf(waking[1]) * 1e6);
+    PrintRatio("waking a thread that sleeps", MedianOf(waking[1]) / MedianOf(waking[0]), "nothing");
 }
 
 } // namespace Bench

@@ -15,7 +15,7 @@ enum class FaultT : std::uint32_t
     Thread,        ///< of a task or an engine
     LockEvent,     ///< what a contended lock sleeps on
     SemaphoreWait, ///< going to sleep for a semaphore
-    PoolMemory,    ///< more blocks for a thread that has used up its own
+    PoolMemory,    ///< a slab of blocks, where one has been used up
     Descriptor     ///< what wakes a thread that waits for descriptors
 };
 

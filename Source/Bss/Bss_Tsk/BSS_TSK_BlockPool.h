@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Memory for what is made on one thread and freed on another all the time: messages and their nodes. Each
-// thread keeps a few blocks; what is too many goes, and what is missing comes, in chains of 32 from a store
-// for all threads, so that its lock is taken once in 32 times. Safe from any thread, at any time of a
-// thread's life.
+// Memory for what is made on one thread and freed on another all the time: messages and their nodes. Threads
+// that allocate at the same moment do so from different slabs of 63 blocks, so that they seldom meet, and so
+// that blocks which are used one after the other lie beside each other however long the pool has been in use.
+// What the pool has once had from the heap it keeps. Safe from any thread, at any time of a thread's life.
 #pragma once
 
 #include <cstddef>

@@ -63,6 +63,27 @@ private:
     CommandRunSideT& m_own;
 };
 
+// The time in which the time-out hook runs, for the destructor of the object that it belongs to.
+class HookTurnC
+{
+public:
+    explicit HookTurnC(CommandRunSideT& own) : m_gate(own.hookGate)
+    {
+        const HAL::EndShieldC shield;
+        m_gate.lock();
+    }
+    ~HookTurnC()
+    {
+        const HAL::EndShieldC shield;
+        m_gate.unlock();
+    }
+    HookTurnC(const HookTurnC&) = delete;
+    HookTurnC& operator=(const HookTurnC&) = delete;
+
+private:
+    SemaphoreC& m_gate;
+};
+
 // Lets go of the message however its execution ends.
 class CurrentMsgC
 {
@@ -140,8 +161,11 @@ void CommandCoreC::ServeTimeout(bool& bLeave)
         if (bStopRequested.load()) bLeave = true;
     }
     Guarded("the time-out hook", [this] {
-        const GuardC guard(side.load()->hookGate);
-        if (timeoutHook && !bObjectGone.load()) timeoutHook();
+        // Before the turn: a loop that frees it only to take it again would keep the destructor out. And
+        // after it: the destructor may have had it in between.
+        if (!timeoutHook || bObjectGone.load()) return;
+        const HookTurnC turn(*side.load());
+        if (!bObjectGone.load()) timeoutHook();
     });
     std::shared_ptr<UTI::SubjectC> subject;
     {

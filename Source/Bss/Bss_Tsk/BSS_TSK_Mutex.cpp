@@ -26,8 +26,8 @@ constexpr std::uint32_t SIGNALLER = 0x00100000u;
 constexpr std::uint32_t SIGNALLERS = 0x3FF00000u;
 constexpr std::uint32_t WOKEN = 0x40000000u;
 
-constexpr int SPIN_ROUNDS =
-    64; // about as long as a short critical section; longer only burns the owner's time
+// Pauses in a row. Together about as many as a short critical section takes; more only burn the owner's time.
+constexpr int LONGEST_PAUSE = 32;
 
 } // namespace
 
@@ -63,11 +63,13 @@ bool MutexC::TryAcquire(Caller caller) noexcept
 
 bool MutexC::SpinToAcquire(Caller caller) noexcept
 {
-    for (int round = 0; round < SPIN_ROUNDS; ++round) {
+    // Looking less and less often leaves the word to its owner, who often wants it again at once.
+    for (int pauses = 1; pauses <= LONGEST_PAUSE; pauses *= 2) {
         if (TryAcquire(caller)) return true;
-        HAL::SpinPause();
+        for (int i = 0; i < pauses; ++i)
+            HAL::SpinPause();
     }
-    return false;
+    return TryAcquire(caller);
 }
 
 void MutexC::AcquireSlowly()

@@ -7,6 +7,7 @@
 
 #include "Bss/Bss_Err/BSS_ERR_ErrorBase.h"
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 
 #include <algorithm>
@@ -18,6 +19,10 @@
 namespace BSS::TSK {
 
 namespace {
+
+// About as long as going to sleep and being woken takes the processor at least. Threads that hand a turn to
+// each other then find it without either; one that waits for long has lost little.
+constexpr int SPIN_ROUNDS = 100;
 
 constexpr std::int64_t LONGEST_SLEEP_US = 3600LL * 1000000; // far from where a system's clock arithmetic ends
 
@@ -41,13 +46,22 @@ SemaphoreC::~SemaphoreC() = default;
 
 bool SemaphoreC::lock(int timeoutMs)
 {
-    if (tryLock()) return true;
+    if (tryLock() || (timeoutMs != 0 && SpinToTake())) return true;
     return WaitUntil(SemaphoreDeadlineUs(HAL::TickMicroseconds(), timeoutMs));
 }
 
 void SemaphoreC::WaitOrThrow()
 {
-    WaitUntil(SEMAPHORE_NO_DEADLINE);
+    if (!SpinToTake()) WaitUntil(SEMAPHORE_NO_DEADLINE);
+}
+
+bool SemaphoreC::SpinToTake() noexcept
+{
+    for (int round = 0; round < SPIN_ROUNDS; ++round) {
+        HAL::SpinPause();
+        if (tryLock()) return true;
+    }
+    return false;
 }
 
 void SemaphoreC::WakeOne()

@@ -2,8 +2,8 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // A counting semaphore: a count, and a mutex and a condition variable for those who find it 0. Taking and
-// giving while nobody waits is one compare-and-swap on the count. Any thread may post. Not an interruption
-// point. It must outlive every call.
+// giving while nobody waits is one compare-and-swap on the count; a thread that finds it 0 looks for a moment
+// before it sleeps. Any thread may post. Not an interruption point. It must outlive every call.
 #pragma once
 
 #include "Bss/Bss_Tsk/BSS_TSK_TimeoutableLock.h"
@@ -74,6 +74,7 @@ private:
         return false;
     }
     void WaitOrThrow();
+    bool SpinToTake() noexcept;
     void WakeOne();
     bool WaitUntil(std::int64_t deadlineUs);
 

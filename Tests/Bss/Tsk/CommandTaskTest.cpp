@@ -396,52 +396,6 @@ TEST_F(CommandTaskTest, AMessageThatEndsTheTaskByAnInterruptionIsNotTheCurrentOn
     EXPECT_FALSE(task->getCurrentMsg());
 }
 
-namespace {
-
-// Its hook does not come back before it is told to, and touches nothing of the object then.
-class BlockedHookC final : public CommandTaskC
-{
-public:
-    struct SharedT
-    {
-        EventC entered;
-        EventC leave;
-    };
-
-    BlockedHookC(TaskSettingsT settings, std::shared_ptr<SharedT> shared)
-        : CommandTaskC(std::move(settings), 10), m_shared(std::move(shared))
-    {
-        setWaitTimeout(1);
-    }
-
-protected:
-    void onTimeout() override
-    {
-        const std::shared_ptr<SharedT> shared = m_shared;
-        shared->entered.set();
-        static_cast<void>(shared->leave.wait(-1));
-    }
-
-private:
-    const std::shared_ptr<SharedT> m_shared;
-};
-
-} // namespace
-
-TEST_F(CommandTaskTest, OneWhoseHookDoesNotComeBackCanBeDestroyed)
-{
-    const auto shared = std::make_shared<BlockedHookC::SharedT>();
-    {
-        BlockedHookC blocked(Settings("blocked"), shared);
-        blocked.start();
-        EXPECT_EQ(shared->entered.wait(20000), BSS::RC_OK);
-    }
-    ASSERT_EQ(reports.Reports().size(), 1u);
-    EXPECT_EQ(reports.Reports()[0].line, 92);
-    shared->leave.set();
-    EXPECT_TRUE(Support::Eventually([&] { return !log->Beginning("4 TaskC::c_main() end:").empty(); }));
-}
-
 TEST_F(CommandTaskTest, KillOfAnIdleTaskIsFriendly)
 {
     Make(10);

@@ -4,13 +4,12 @@
 // The forced end of tasks that do not listen, each in a child process, which must come to a clean end
 // afterwards.
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
-#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Event.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
+#include "ForcedEnd.h"
 #include "Support/ChildExpect.h"
 #include "Support/Eventually.h"
-#include "TaskFixture.h"
 
 #include <atomic>
 #include <csignal>
@@ -19,8 +18,7 @@
 #include <thread>
 
 using namespace BSS::TSK;
-using TaskTests::TaskTest;
-using TaskTests::WorkTaskC;
+using namespace TaskTests;
 
 namespace {
 
@@ -28,31 +26,14 @@ using TaskForceTest = TaskTest;
 
 void KillASpinningTask(const std::shared_ptr<Support::LogRecorder>& log, TaskSettingsT settings)
 {
-    std::atomic<std::uint64_t> rounds{0};
-    std::atomic<bool> quit{false};
-    WorkTaskC task(std::move(settings), [&] {
-        while (!quit.load())
-            ++rounds;
-    });
-    task.start();
-    CHILD_EXPECT(Support::Eventually([&] { return rounds.load() > 1000; }));
-    const std::uint64_t before = BSS::HAL::TickCount64();
-    task.kill();
-    const std::uint64_t took = BSS::HAL::TickCount64() - before;
-    CHILD_EXPECT(took >= 42);
-    CHILD_EXPECT(!task.isRunning());
-    CHILD_EXPECT(task.getState() == ComponentState::Stopped);
-    CHILD_EXPECT(
-        !log->Beginning("6 TaskC::friendly kill failed! No interruption point found in task name='deaf', id=")
-             .empty());
-    const std::uint64_t after = rounds.load();
+    DeafTaskC deaf(std::move(settings));
+    deaf.StartCounting();
+    deaf.KillByForce(*log);
+    const std::uint64_t after = deaf.rounds.load();
     for (int i = 0; i < 1000; ++i)
         ::sched_yield();
-    CHILD_EXPECT(rounds.load() == after);
-    // The process goes on, with the same object even.
-    quit = true;
-    task.start();
-    CHILD_EXPECT(task.waitForStop(20000));
+    CHILD_EXPECT(deaf.rounds.load() == after);
+    deaf.RunAgain();
     std::exit(0);
 }
 
@@ -89,41 +70,23 @@ TEST_F(TaskForceTest, AThreadThatIsEndedWhileItWaitsTakesNoSignalWithIt)
     EXPECT_EXIT(KillAWaitingTask(Settings("waiting")), testing::ExitedWithCode(0), "");
 }
 
-// The thread is ended inside a command, with more messages taken off the queue behind it, and inside an event
-// handler, whose turn it holds.
+// The thread is ended inside a command, and inside an event handler, whose turn it holds.
 void KillACommandTask(TaskSettingsT settings)
 {
     CommandTaskC task(std::move(settings), 10);
-    const auto spin = [](std::atomic<bool>& entered) {
-        entered = true;
-        for (;;) {
-        }
-    };
-    std::atomic<bool> inCommand{false};
-    task.postCommand(MakeCommand("spin", [&] { spin(inCommand); }));
-    task.postCommand(MakeCommand("lost", [] {}));
-    task.start();
-    CHILD_EXPECT(Support::Eventually([&] { return inCommand.load(); }));
-    task.kill();
-    CHILD_EXPECT(!task.isRunning());
-    CHILD_EXPECT(task.getMsgCount() == 0);
+    KillInsideACommand(task);
 
     std::atomic<bool> inHandler{false};
     EventC event;
     task.start();
-    CHILD_EXPECT(task.attachEvent(event.getHandle(), [&](BSS::HAL::WaitHandleT) { spin(inHandler); }) ==
-                 BSS::RC_OK);
+    CHILD_EXPECT(task.attachEvent(event.getHandle(),
+                                  [&](BSS::HAL::WaitHandleT) { SpinForEver(inHandler); }) == BSS::RC_OK);
     event.set();
-    CHILD_EXPECT(Support::Eventually([&] { return inHandler.load(); }));
+    AwaitEntry(inHandler);
     task.kill();
     CHILD_EXPECT(task.detachEvent(event.getHandle()) == BSS::RC_OK);
 
-    std::atomic<bool> ran{false};
-    task.start();
-    CHILD_EXPECT(task.postCommand(MakeCommand("next", [&] { ran = true; })) == BSS::RC_OK);
-    CHILD_EXPECT(Support::Eventually([&] { return ran.load(); }));
-    task.stop();
-    CHILD_EXPECT(task.waitForStop(20000));
+    ExpectToServeAgain(task);
     std::exit(0);
 }
 
@@ -167,27 +130,6 @@ void KillATaskThatCannotBeEnded(const std::shared_ptr<Support::LogRecorder>& log
 TEST_F(TaskForceTest, AKillThatTheSystemDoesNotCarryOutIsLoggedAndTheTaskGoesOn)
 {
     EXPECT_EXIT(KillATaskThatCannotBeEnded(log, Settings("unreachable")), testing::ExitedWithCode(0), "");
-}
-
-// Others wait for the task without limit while it is ended.
-void KillATaskThatIsWaitedFor(TaskSettingsT settings)
-{
-    std::atomic<bool> entered{false};
-    WorkTaskC task(std::move(settings), [&] {
-        entered = true;
-        for (;;) {
-        }
-    });
-    task.start();
-    CHILD_EXPECT(Support::Eventually([&] { return entered.load(); }));
-    std::atomic<int> over{0};
-    std::thread first([&] { over += task.waitForStop(-1) ? 1 : 0; });
-    std::thread second([&] { over += task.waitForStop(20000) ? 1 : 0; });
-    task.kill();
-    first.join();
-    second.join();
-    CHILD_EXPECT(over.load() == 2);
-    std::exit(0);
 }
 
 TEST_F(TaskForceTest, WhoeverWaitsForATaskThatIsEndedByForceIsLetGo)
@@ -248,13 +190,9 @@ void KillInsideAHandlerThatIsBeingDetached(TaskSettingsT settings)
     EventC event;
     std::atomic<bool> entered{false};
     task.start();
-    task.attachEvent(event.getHandle(), [&](BSS::HAL::WaitHandleT) {
-        entered = true;
-        for (;;) {
-        }
-    });
+    task.attachEvent(event.getHandle(), [&](BSS::HAL::WaitHandleT) { SpinForEver(entered); });
     event.set();
-    CHILD_EXPECT(Support::Eventually([&] { return entered.load(); }));
+    AwaitEntry(entered);
     std::thread detaching([&] { CHILD_EXPECT(task.detachEvent(event.getHandle()) == BSS::RC_OK); });
     task.kill();
     detaching.join();
