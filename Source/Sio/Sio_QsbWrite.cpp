@@ -29,6 +29,17 @@ namespace {
 /// second cache holds together with the points.
 constexpr std::size_t s_nEncodeBytes = std::size_t{1} << 19;
 
+/// How many records to write at `ullOffset` in one piece. A piece that does not end the batch ends right
+/// before a multiple of its size in the file: the system keeps a file in large aligned pieces itself, and
+/// cannot when a write has left a few bytes where the next of them begins.
+std::uint32_t PieceAt(std::uint64_t ullOffset, std::uint64_t ullRecordBytes, std::uint32_t uiLeft)
+{
+    const std::uint64_t ullToMultiple = s_nEncodeBytes - ullOffset % s_nEncodeBytes;
+    const std::uint64_t ullRecords = ullToMultiple / ullRecordBytes;
+    const std::uint64_t ullMost = ullRecords != 0 ? ullRecords : s_nEncodeBytes / ullRecordBytes;
+    return static_cast<std::uint32_t>(std::clamp<std::uint64_t>(ullMost, 1, uiLeft));
+}
+
 /// Whether two definitions lay out a stored point in the same way.
 bool HaveSameLayout(const PointDefinitionContainerI& a, const PointDefinitionContainerI& b)
 {
@@ -285,10 +296,12 @@ bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& d
     const bool bOfBlock = &definition == &data.m_oPointDefinition;
     const QsbEncodePlanC planOfCaller = bOfBlock ? QsbEncodePlanC() : QsbEncodePlanC(definition);
     const QsbEncodePlanC& plan = bOfBlock ? data.m_oEncodePlan : planOfCaller;
-    const std::size_t nChunk = std::clamp<std::size_t>(s_nEncodeBytes / ullRecordBytes, 1, uiPoints);
-    char* const pBuffer = EncodeBuffer(nChunk * ullRecordBytes);
+    const std::uint64_t ullMostRecords =
+        std::clamp<std::uint64_t>(s_nEncodeBytes / ullRecordBytes, 1, uiPoints);
+    char* const pBuffer = EncodeBuffer(static_cast<std::size_t>(ullMostRecords * ullRecordBytes));
     for (std::uint32_t uiDone = 0; uiDone < uiPoints;) {
-        const auto uiPart = static_cast<std::uint32_t>(std::min<std::size_t>(nChunk, uiPoints - uiDone));
+        const std::uint32_t uiPart =
+            PieceAt(block->GetDataOffset() + data.m_ullPosition, ullRecordBytes, uiPoints - uiDone);
         EncodePart(plan, definition, source, uiPart, pBuffer);
         const std::uint64_t ullBytes = uiPart * ullRecordBytes;
         if (!WriteBytesIntoBlock(data.m_llBlockIndex, data.m_ullPosition, ullBytes, pBuffer)) return false;

@@ -204,6 +204,23 @@ TEST_F(QsbWrite, WhatWasJustWrittenCanBeSoughtAndRead)
     EXPECT_EQ(Support::Slice(scan.buffer, 0, 28), Support::SmallPoints(2, 1));
 }
 
+TEST_F(QsbWrite, ABatchOfManyPiecesIsWrittenWholeWhereverItBegins)
+{
+    constexpr std::uint32_t points = 65000;
+    for (const std::size_t before : {0u, 1u, 13u, 523800u, 524288u}) {
+        QsbBytes file = QsbBytes().Block(9).Data(BytesT(before));
+        Reopen(file);
+        scan.strategy.ResetData();
+        scan.strategy.SetPointDefinition(&small);
+        EXPECT_TRUE(Write(points));
+        EXPECT_TRUE(scan.container.Close());
+        file.Block(1);
+        SioTest::AddNeutralEntries(file);
+        file.Entry(40, 100, 12).Entry(5, 101, 2).Data(Support::SmallPoints(points));
+        EXPECT_TRUE(File() == file.Get()) << before;
+    }
+}
+
 TEST_F(QsbWrite, WritingOverPointsThatAreThereKeepsTheirNumber)
 {
     Reopen(SioTest::WrittenSmallScan(5));

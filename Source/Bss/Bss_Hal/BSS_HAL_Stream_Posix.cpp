@@ -61,7 +61,9 @@ bool PrepareDescriptor(int fd, bool truncate) noexcept
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) return false;
     const int flags = ::fcntl(fd, F_GETFL);
     if (flags < 0 || ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) != 0) return false;
-    return !truncate || ::ftruncate(fd, 0) == 0;
+    // A file that is empty anyway is left alone: once it was truncated, some file systems write all of it to
+    // the device when it is closed.
+    return !truncate || info.st_size == 0 || ::ftruncate(fd, 0) == 0;
 }
 
 std::FILE* StreamOf(int fd, const OpenMode& mode) noexcept
