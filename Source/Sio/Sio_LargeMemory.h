@@ -17,10 +17,7 @@ inline constexpr std::size_t s_nLargeMemoryBytes = BSS::HAL::s_nLargePageBytes;
 
 struct LargeMemoryDeleterT
 {
-    void operator()(void* pMemory) const noexcept
-    {
-        ::operator delete (pMemory, std::align_val_t{s_nLargeMemoryBytes});
-    }
+    void operator()(void* pMemory) const noexcept { BSS::HAL::GiveLargePageBack(pMemory); }
 };
 
 using LargeMemoryT = std::unique_ptr<void, LargeMemoryDeleterT>;
@@ -28,8 +25,8 @@ using LargeMemoryT = std::unique_ptr<void, LargeMemoryDeleterT>;
 /// s_nLargeMemoryBytes of memory. Throws std::bad_alloc.
 inline LargeMemoryT MakeLargeMemory()
 {
-    LargeMemoryT pMemory(::operator new (s_nLargeMemoryBytes, std::align_val_t{s_nLargeMemoryBytes}));
-    BSS::HAL::AdviseLargePages(pMemory.get(), s_nLargeMemoryBytes);
+    LargeMemoryT pMemory(BSS::HAL::TakeLargePage());
+    if (pMemory == nullptr) throw std::bad_alloc();
     return pMemory;
 }
 

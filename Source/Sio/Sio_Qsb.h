@@ -9,7 +9,7 @@
 
 #include "Sio/Sio_CacheLine.h"
 #include "Sio/Sio_PointCloudFormat.h"
-#include "Sio/Sio_QsbBlock.h"
+#include "Sio/Sio_QsbBlockList.h"
 #include "Sio/Sio_StreamWindow.h"
 
 #include <boost/filesystem/path.hpp>

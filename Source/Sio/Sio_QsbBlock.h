@@ -1,21 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The blocks of an open file as they stand in memory: header entries, block records and the list of them.
-// Runs of identical empty blocks share one record, so a file of nothing but such blocks takes no memory to
-// speak of, and the list as a whole never passes a fixed limit: what a file claims cannot exhaust the host.
-// Files of millions of small blocks are opened as fast as memory is had, so records are small and the entries
-// that were read share their memory. Without locks.
+// The blocks of an open file as they stand in memory: header entries and block records. A record stands for
+// one block or for several empty ones, and is small, because files of millions of small blocks are opened as
+// fast as memory is had. Without locks.
 #pragma once
 
 #include "Sio/Sio_QsbFileFormat.h"
-#include "Sio/Sio_StableList.h"
 
 #include <array>
 #include <cstdint>
-#include <cstring>
-#include <memory>
-#include <utility>
 #include <vector>
 
 namespace SIO {
@@ -52,6 +46,9 @@ private:
 
 static_assert(sizeof(QsbHeaderEntryC) == QsbFormat::s_nEntryBytes, "read from the file as an array");
 
+template<typename T>
+class StableListT;
+
 using QsbHeaderEntriesT = std::vector<QsbHeaderEntryC>;
 
 /// Entries that lie one behind the other, after this.
@@ -63,7 +60,8 @@ struct alignas(8) QsbEntryArrayT
     QsbHeaderEntryC* First() noexcept { return reinterpret_cast<QsbHeaderEntryC*>(this + 1); }
 };
 
-/// One block, or a run of identical empty ones.
+/// One block, or several empty ones that follow one another: a run of identical ones, or a stretch of which
+/// the list knows the identifiers.
 class QsbBlockC
 {
 public:
@@ -74,15 +72,18 @@ public:
     QsbBlockC& operator=(const QsbBlockC&) = delete;
     ~QsbBlockC() { FreeEntries(); }
 
-    /// Offset of the block's head in the file; of the first one, in a run.
-    std::uint64_t GetOffset() const noexcept { return m_ullOffset; }
+    // Of several blocks, the first one's.
+    std::uint64_t GetOffset() const noexcept { return m_ullOffset; } ///< of the head in the file
     std::uint32_t GetId() const noexcept { return m_uiId; }
     std::uint32_t GetHeaderBytes() const noexcept;
     std::uint32_t GetDataBytes() const noexcept { return m_uiDataBytes; }
     void SetDataBytes(std::uint32_t uiDataBytes) noexcept { m_uiDataBytes = uiDataBytes; }
 
     /// How many blocks the record stands for.
-    std::uint64_t GetRunLength() const noexcept { return HasFlag(s_ullRun) ? m_ullRest >> s_nFlags : 1; }
+    std::uint64_t GetRunLength() const noexcept { return HasFlag(s_ullRun) ? m_ullRest >> s_nRunShift : 1; }
+
+    /// Whether the blocks that it stands for have identifiers of their own.
+    bool IsStretch() const noexcept { return HasFlag(s_ullRun) && HasFlag(s_ullStretch); }
 
     /// Offset of the data area.
     std::uint64_t GetDataOffset() const noexcept
@@ -90,7 +91,7 @@ public:
         return m_ullOffset + QsbFormat::s_nBlockHeadBytes + GetHeaderBytes();
     }
 
-    /// Offset of the block that follows.
+    /// Offset of the block that follows the last one.
     std::uint64_t GetEndOffset() const noexcept;
 
     std::size_t GetEntryCount() const noexcept { return HasEntries() ? GetEntries()->uiCount : 0; }
@@ -120,13 +121,16 @@ private:
 
     friend class StableListT<QsbBlockC>;
 
-    // Flags lie below what the word is for otherwise: the address of entries, or the length of a run, which
-    // has none. Bit fields would do the same, but a record is then made in steps that wait for one another.
+    // Flags lie below what the word is for otherwise: the address of entries, or how many blocks there are
+    // when they are several, which have none. Bit fields would do the same, but a record is then made in
+    // steps that wait for one another.
     static constexpr int s_nFlags = 3;
     static constexpr std::uint64_t s_ullRun = 1;
     static constexpr std::uint64_t s_ullSealed = 2;
     static constexpr std::uint64_t s_ullHeaderDirty = 4;
     static constexpr std::uint64_t s_ullFlags = (1 << s_nFlags) - 1;
+    static constexpr std::uint64_t s_ullStretch = 8; ///< means something beside s_ullRun alone
+    static constexpr int s_nRunShift = 4;
 
     QsbBlockC(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
               QsbEntryArrayT* pEntries, std::uint64_t ullFlags) noexcept
@@ -148,7 +152,11 @@ private:
     {
         return reinterpret_cast<QsbEntryArrayT*>(static_cast<std::uintptr_t>(m_ullRest & ~s_ullFlags));
     }
+    bool IsEmpty() const noexcept { return m_uiDataBytes == 0 && !HasEntries(); }
     void SetRunLength(std::uint64_t ullRunLength) noexcept;
+    void MakeStretch(std::uint64_t ullRunLength) noexcept;
+    /// Of one block, which then may get entries and data.
+    void MakeSingle() noexcept { m_ullRest &= s_ullSealed | s_ullHeaderDirty; }
     void FreeEntries() noexcept;
 
     std::uint64_t m_ullOffset;
@@ -158,188 +166,5 @@ private:
 };
 
 static_assert(sizeof(QsbBlockC) == 24, "a file of a million small blocks has a million of these");
-
-/// Memory for the entries of many blocks, freed all at once.
-class QsbEntryMemoryC
-{
-public:
-    /// Entries that take more bytes have memory of their own.
-    static constexpr std::size_t s_nLargestInCompany = 4096;
-
-    /// An array of `nEntries` entries, which must be some, whose bytes are still to be filled in. Throws
-    /// std::bad_alloc.
-    QsbEntryArrayT& Take(std::size_t nEntries);
-
-    void Clear() noexcept;
-
-private:
-    char* TakeBytes(std::size_t nBytes);
-    char* TakeAlone(std::size_t nBytes);
-
-    std::vector<LargeMemoryT> m_vecLarge;
-    std::vector<std::unique_ptr<char[]>> m_vecSmall; ///< the first ones, and those that have many entries
-    char* m_pFree = nullptr;
-    std::size_t m_nFree = 0;
-};
-
-/// The blocks in file order. Blocks are addressed by their index in the file, records stay where they are.
-class QsbBlockListC
-{
-public:
-    /// What the records and entries that are read from one file may take in memory. The pieces of memory
-    /// that were begun last are not full, which comes on top: a few MiB at the most.
-    static constexpr std::uint64_t s_ullMemoryLimit = std::uint64_t{512} << 20;
-
-    using RecordsT = StableListT<QsbBlockC>;
-
-    QsbBlockListC() = default;
-
-    /// Leaves the other list empty.
-    QsbBlockListC(QsbBlockListC&& other) noexcept { Swap(other); }
-    QsbBlockListC& operator=(QsbBlockListC&& other) noexcept
-    {
-        QsbBlockListC(std::move(other)).Swap(*this);
-        return *this;
-    }
-
-    bool IsEmpty() const noexcept { return m_oRecords.empty(); }
-
-    /// Number of blocks in the file.
-    std::uint64_t GetCount() const noexcept { return m_ullCount; }
-
-    /// The record of block `ullIndex`, null beyond the last one. A record of a run stands for several
-    /// indices.
-    const QsbBlockC* Get(std::uint64_t ullIndex) const noexcept;
-    QsbBlockC* Get(std::uint64_t ullIndex) noexcept;
-
-    QsbBlockC& Last() noexcept { return m_oRecords.back(); }
-    const QsbBlockC& Last() const noexcept { return m_oRecords.back(); }
-
-    /// Index of the first block with `uiId`, -1 when there is none.
-    std::int64_t Find(std::uint32_t uiId) const noexcept;
-
-    /// The records: as many as there are distinct blocks.
-    const RecordsT& GetRecords() const noexcept { return m_oRecords; }
-    RecordsT& GetRecords() noexcept { return m_oRecords; }
-
-    /// Whether `nEntries` more entries and one more record stay within the limit.
-    bool HasRoomFor(std::uint64_t nEntries) const noexcept
-    {
-        return HasRoomForBytes(s_ullRecordMemory + MemoryOf(nEntries)); // 2^28 at most, so no wrap
-    }
-
-    /// Appends a block that was read from a file: sealed, not dirty. False at the memory limit.
-    [[nodiscard]] bool AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
-                                  const QsbHeaderEntriesT& entries);
-
-    /// The same, with the `nEntries` entries as the bytes of the file at `pEntries`.
-    [[nodiscard]] bool AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
-                                  const void* pEntries, std::size_t nEntries)
-    {
-        if (nEntries == 0 && uiDataBytes == 0) return AppendReadEmpty(ullOffset, uiId, 1);
-        if (!HasRoomFor(nEntries)) return false;
-        QsbEntryArrayT* pKept = nullptr;
-        if (nEntries != 0) {
-            pKept = &TakeEntries(nEntries);
-            std::memcpy(static_cast<void*>(pKept->First()), pEntries, nEntries * sizeof(QsbHeaderEntryC));
-        }
-        Append(ullOffset, uiId, uiDataBytes, pKept, QsbBlockC::s_ullSealed);
-        return true;
-    }
-
-    /// Memory for the entries of the block that is appended next, so that they need not lie in memory twice:
-    /// the bytes are to be filled in. `nEntries` are some, and HasRoomFor them. What is taken counts against
-    /// the limit and is kept until Clear, whether a block is made of it or not. Throws std::bad_alloc.
-    QsbEntryArrayT& TakeEntries(std::size_t nEntries)
-    {
-        QsbEntryArrayT& entries = m_oEntryMemory.Take(nEntries);
-        m_ullMemory += MemoryOf(nEntries);
-        return entries;
-    }
-
-    /// Appends a block that was read from a file, with entries that TakeEntries gave. False at the memory
-    /// limit.
-    [[nodiscard]] bool AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
-                                  QsbEntryArrayT& entries)
-    {
-        if (!HasRoomForBytes(s_ullRecordMemory)) return false;
-        Append(ullOffset, uiId, uiDataBytes, &entries, QsbBlockC::s_ullSealed);
-        return true;
-    }
-
-    /// Appends `ullRunLength` blocks with neither header nor data that were read from a file.
-    [[nodiscard]] bool AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
-                                       std::uint64_t ullRunLength);
-
-    /// Appends a block just created for writing: neither sealed nor dirty.
-    QsbBlockC& AppendNew(std::uint64_t ullOffset, std::uint32_t uiId);
-
-    /// Gives the last block a record of its own when it is part of a run, so that it can change alone.
-    QsbBlockC& IsolateLast();
-
-    /// Removes the last block. Entries of it that were read go on counting against the limit: they share
-    /// their memory with those of other blocks, and it is freed by Clear alone.
-    void RemoveLast();
-
-    void Clear() noexcept;
-
-    void Swap(QsbBlockListC& other) noexcept;
-
-private:
-    /// A record that stands for several blocks, and the index of the first of them.
-    struct RunT
-    {
-        std::size_t nRecord;
-        std::uint64_t ullFirstIndex;
-    };
-
-    QsbBlockC& Append(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
-                      QsbEntryArrayT* pEntries, std::uint64_t ullFlags)
-    {
-        QsbBlockC& record = m_oRecords.emplace_back(ullOffset, uiId, uiDataBytes, pEntries, ullFlags);
-        if (uiId < s_nWatchedIds && m_allFirst[uiId] < 0)
-            m_allFirst[uiId] = static_cast<std::int64_t>(m_ullCount);
-        ++m_ullCount;
-        m_ullMemory += s_ullRecordMemory;
-        return record;
-    }
-
-    static constexpr std::uint64_t s_ullRecordMemory = sizeof(QsbBlockC);
-    static constexpr std::uint64_t s_ullRunMemory = sizeof(RunT);
-
-    /// What an array of so many entries takes. One in memory of its own takes what the heap and the list of
-    /// such memory need for it as well.
-    static constexpr std::uint64_t MemoryOf(std::uint64_t nEntries)
-    {
-        constexpr std::uint64_t ullAlone = 64;
-        if (nEntries == 0) return 0;
-        const std::uint64_t ullBytes = sizeof(QsbEntryArrayT) + nEntries * sizeof(QsbHeaderEntryC);
-        return ullBytes > QsbEntryMemoryC::s_nLargestInCompany ? ullBytes + ullAlone : ullBytes;
-    }
-
-    bool HasRoomForBytes(std::uint64_t ullBytes) const noexcept
-    {
-        return m_ullMemory + ullBytes <= s_ullMemoryLimit;
-    }
-
-    /// Whether the last record is, or once was, one of several blocks.
-    bool LastIsRun() const noexcept
-    {
-        return !m_oRuns.empty() && m_oRuns.back().nRecord + 1 == m_oRecords.size();
-    }
-    void LengthenLast(std::uint64_t ullBlocks);
-    void ForgetFirstsFrom(std::uint64_t ullIndex) noexcept;
-
-    static constexpr std::uint32_t s_nWatchedIds = 4;
-
-    QsbEntryMemoryC m_oEntryMemory; ///< before the records, which look at their entries when they go
-    RecordsT m_oRecords;
-    StableListT<RunT> m_oRuns; ///< in the order of the file
-    std::uint64_t m_ullCount = 0;
-    std::uint64_t m_ullMemory = 0; ///< what all records and runs and the entries read from a file take
-    /// The first blocks with the small identifiers, which point clouds have: with a million blocks it takes
-    /// long to look for one.
-    std::array<std::int64_t, s_nWatchedIds> m_allFirst = {-1, -1, -1, -1};
-};
 
 } // namespace SIO

@@ -6,10 +6,11 @@
 
 #include "Bss/Bss_Hal/BSS_HAL_Stream.h"
 #include "Sio/Sio_LittleEndian.h"
-#include "Sio/Sio_QsbBlock.h"
+#include "Sio/Sio_QsbBlockList.h"
 #include "Sio/Sio_StreamWindow.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace SIO {
@@ -42,15 +43,12 @@ public:
             if (nRead != QsbFormat::s_nBlockHeadBytes) return false;
             if (m_rBlocks.IsEmpty() && head.uiId != QsbFormat::s_uiFileHeaderId) return false;
             if (head.IsEmpty()) {
-                const std::uint64_t ullSame = CountSameHeads(ullOffset);
-                if (!m_rBlocks.AppendReadEmpty(ullOffset, head.uiId, ullSame)) return false;
-                ullOffset += ullSame * QsbFormat::s_nBlockHeadBytes;
+                if (!AppendEmptyBlocks(ullOffset, head)) return false;
             } else {
                 if (!AppendBlock(ullOffset, head)) return false;
                 ullOffset +=
                     QsbFormat::s_nBlockHeadBytes + head.uiHeaderBytes + std::uint64_t{head.uiDataBytes};
             }
-            if (head.IsZero() && !PassUnstoredZeros(ullOffset)) return false;
         }
     }
 
@@ -64,6 +62,38 @@ private:
         head.uiHeaderBytes = LoadLittleEndian<std::uint32_t>(pBytes + 4);
         head.uiDataBytes = LoadLittleEndian<std::uint32_t>(pBytes + 8);
         return nRead;
+    }
+
+    bool AppendEmptyBlocks(std::uint64_t& ullOffset, const BlockHeadT& head)
+    {
+        const std::uint64_t ullSame = CountSameHeads(ullOffset);
+        if (!m_rBlocks.AppendReadEmpty(ullOffset, head.uiId, ullSame)) return false;
+        ullOffset += ullSame * QsbFormat::s_nBlockHeadBytes;
+        if (head.IsZero()) return PassUnstoredZeros(ullOffset);
+        return !m_rBlocks.CanTakeStretch() || AppendUnlikeHeads(ullOffset, head.uiId, ullSame);
+    }
+
+    /// Appends the empty blocks that follow as far as they are shown, many at a time; not those that are
+    /// better a run, of which the last ones had the same identifier.
+    bool AppendUnlikeHeads(std::uint64_t& ullOffset, std::uint32_t uiLastId, std::uint64_t ullSame)
+    {
+        std::array<std::uint32_t, 512> auiIds;
+        std::size_t nIds = 0;
+        do {
+            const char* pHead = m_pShown + (ullOffset - m_ullShownBegin);
+            const std::size_t nShown = static_cast<std::size_t>(m_pShown + m_nShown - pHead);
+            const std::size_t nMost = std::min(nShown / QsbFormat::s_nBlockHeadBytes, auiIds.size());
+            for (nIds = 0; nIds < nMost; ++nIds, pHead += QsbFormat::s_nBlockHeadBytes) {
+                const auto uiId = LoadLittleEndian<std::uint32_t>(pHead);
+                if (LoadLittleEndian<std::uint64_t>(pHead + 4) != 0 || m_rBlocks.NeedsRecord(uiId)) break;
+                ullSame = uiId == uiLastId ? ullSame + 1 : 1;
+                if (ullSame == QsbBlockListC::s_nLongRun) break;
+                auiIds[nIds] = uiLastId = uiId;
+            }
+            if (nIds != 0 && !m_rBlocks.AppendReadStretch(auiIds.data(), nIds)) return false;
+            ullOffset += nIds * QsbFormat::s_nBlockHeadBytes;
+        } while (nIds == auiIds.size());
+        return true;
     }
 
     /// How many heads equal to the one at the offset follow one another there, itself included, as far as is

@@ -157,7 +157,10 @@ bool QsbC::RewriteBlockHeader(std::int64_t llBlockIndex)
     if (m_pStream == nullptr || llBlockIndex < 0) return false;
     QsbBlockC* block = m_oBlocks.Get(static_cast<std::uint64_t>(llBlockIndex));
     if (block == nullptr) return false;
-    if (!WriteHead(*block, block->GetHeaderBytes(), block->GetDataBytes())) return false;
+    // The record may stand for blocks before this one as well.
+    const auto ullIndex = static_cast<std::uint64_t>(llBlockIndex);
+    const QsbBlockC head(m_oBlocks.GetOffset(ullIndex), m_oBlocks.GetId(ullIndex), 0);
+    if (!WriteHead(head, block->GetHeaderBytes(), block->GetDataBytes())) return false;
     const std::size_t nBytes = block->GetHeaderBytes();
     if (nBytes != 0 && std::fwrite(block->begin(), 1, nBytes, m_pStream) != nBytes) return false;
     block->SetHeaderDirty(false);

@@ -8,9 +8,12 @@
 
 #include "Sio/Sio_LargeMemory.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 #include <memory>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -19,9 +22,9 @@ namespace SIO {
 template<typename T>
 class StableListT
 {
-    static constexpr std::size_t s_nFirstItems = 64;
+    static constexpr std::size_t s_nFirstItems = 16384 / sizeof(T);
     static constexpr std::size_t s_nPieceItems = s_nLargeMemoryBytes / sizeof(T);
-    static_assert(s_nPieceItems > 0 && alignof(T) <= s_nLargeMemoryBytes, "an item lies in one piece");
+    static_assert(s_nFirstItems > 0 && alignof(T) <= 64, "an item lies in one piece");
 
     /// By index, so that it stays valid as long as its item does.
     template<typename ListT, typename ItemT>
@@ -107,6 +110,23 @@ public:
         ++m_nItems;
         m_pLast = pItem;
         return *pItem;
+    }
+
+    /// Appends `nItems` items that are copied as bytes. Throws std::bad_alloc, and then some of them may have
+    /// been appended.
+    void append(const T* pItems, std::size_t nItems)
+    {
+        static_assert(std::is_trivially_copyable_v<T>);
+        while (nItems != 0) {
+            if (m_pNext == m_pEnd) Grow();
+            const std::size_t nPart = std::min(nItems, static_cast<std::size_t>(m_pEnd - m_pNext));
+            std::memcpy(m_pNext, pItems, nPart * sizeof(T));
+            m_pNext += nPart;
+            m_pLast = m_pNext - 1;
+            m_nItems += nPart;
+            pItems += nPart;
+            nItems -= nPart;
+        }
     }
 
     void pop_back() noexcept

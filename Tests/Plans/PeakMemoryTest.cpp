@@ -5,7 +5,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Hal/BSS_HAL_Stream.h"
 #include "Sio/Sio_LittleEndian.h"
-#include "Sio/Sio_QsbBlock.h"
+#include "Sio/Sio_QsbBlockList.h"
 #include "Sio/Sio_QsbBlockWalk.h"
 #include "Sio/Sio_StreamWindow.h"
 #include "Support/AllocationCount.h"

@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The block list at sizes where its records and entries lie in shared memory.
-#include "Sio/Sio_QsbBlock.h"
+#include "Sio/Sio_QsbBlockList.h"
 
 #include <gtest/gtest.h>
 

@@ -4,6 +4,7 @@
 // The list whose items never move.
 #include "Sio/Sio_StableList.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <vector>
@@ -67,8 +68,27 @@ TEST(StableList, ShrinksAndGrowsAgainAtEverySize)
     for (int i = 0; i < 1100000; ++i)
         ASSERT_EQ(list.emplace_back(-i), -i);
     EXPECT_EQ(list[600000], -600000);
-    EXPECT_EQ(list[63], -63);
-    EXPECT_EQ(list[64], -64);
+    EXPECT_EQ(list[4095], -4095);
+    EXPECT_EQ(list[4096], -4096);
+}
+
+TEST(StableList, AppendsManyAtOnceAcrossItsPieces)
+{
+    StableListT<int> list;
+    std::vector<int> numbers(1100000);
+    std::iota(numbers.begin(), numbers.end(), 0);
+    list.append(numbers.data(), 0);
+    EXPECT_TRUE(list.empty());
+    for (std::size_t nDone = 0, nPart = 1; nDone < numbers.size(); nDone += nPart, nPart = 3 * nPart) {
+        nPart = std::min(nPart, numbers.size() - nDone);
+        list.append(numbers.data() + nDone, nPart);
+        ASSERT_EQ(list.size(), nDone + nPart);
+        ASSERT_EQ(list.back(), numbers[nDone + nPart - 1]);
+    }
+    EXPECT_TRUE(std::equal(list.begin(), list.end(), numbers.begin()));
+    EXPECT_EQ(list.emplace_back(-1), -1);
+    list.pop_back();
+    EXPECT_EQ(list.back(), 1099999);
 }
 
 TEST(StableList, DestroysEachItemOnce)
@@ -76,11 +96,11 @@ TEST(StableList, DestroysEachItemOnce)
     int iAlive = 0;
     {
         StableListT<CountedT> list;
-        for (int i = 0; i < 200; ++i)
+        for (int i = 0; i < 3000; ++i)
             list.emplace_back(iAlive, i);
-        EXPECT_EQ(iAlive, 200);
+        EXPECT_EQ(iAlive, 3000);
         list.pop_back();
-        EXPECT_EQ(iAlive, 199);
+        EXPECT_EQ(iAlive, 2999);
         list.clear();
         EXPECT_EQ(iAlive, 0);
         list.emplace_back(iAlive, 1);

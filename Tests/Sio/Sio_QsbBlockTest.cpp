@@ -2,11 +2,12 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Header entries, block records and the list of blocks, in memory.
-#include "Sio/Sio_QsbBlock.h"
+#include "Sio/Sio_QsbBlockList.h"
 
 #include "Support/QsbBytes.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace {
 
@@ -125,8 +126,13 @@ TEST(QsbBlockList, BlocksWithHeaderOrDataOrAnotherIdentifierJoinNoRun)
     ASSERT_TRUE(blocks.AppendRead(55, 5, 0, {QsbHeaderEntryC()}));
     ASSERT_TRUE(blocks.AppendRead(83, 5, 0, {}));
     ASSERT_TRUE(blocks.AppendRead(95, 4, 0, {}));
-    EXPECT_EQ(blocks.GetRecords().size(), 6u);
-    EXPECT_EQ(blocks.GetCount(), 7u);
+    ASSERT_TRUE(blocks.AppendRead(107, 5, 0, {}));
+    std::vector<std::uint64_t> lengths;
+    blocks.ForEach([&](const QsbBlockC& block, std::uint64_t) {
+        lengths.push_back(block.GetRunLength());
+        return true;
+    });
+    EXPECT_EQ(lengths, (std::vector<std::uint64_t>{2, 1, 1, 1, 1, 1, 1}));
 }
 
 TEST(QsbBlockList, TheLastBlockOfARunCanGetARecordOfItsOwn)
@@ -180,7 +186,7 @@ TEST(QsbBlockList, RunsCountAgainstTheLimitAsWell)
     QsbBlockListC blocks;
     const std::uint64_t runs = QsbBlockListC::s_ullMemoryLimit / (sizeof(QsbBlockC) + 16);
     std::uint64_t count = 0;
-    while (blocks.AppendReadEmpty(24 * count, static_cast<std::uint32_t>(10 + count), 2))
+    while (blocks.AppendReadEmpty(240 * count, static_cast<std::uint32_t>(10 + count), 20))
         ++count;
     EXPECT_EQ(count, runs);
 }

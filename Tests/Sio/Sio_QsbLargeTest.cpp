@@ -199,8 +199,10 @@ TEST_F(QsbLarge, AMillionEmptyBlocksOfAlternatingIdentifiersAreWalkedAndRead)
     const BytesT points = Support::SmallScan(3).Get();
     bytes.insert(bytes.end(), points.begin() + 28, points.end());
     ASSERT_TRUE(scan.Open(folder.Write("scan.qsb", bytes)));
-    EXPECT_EQ(scan.container.GetBlocks().GetRecords().size(), 1000002u);
-    EXPECT_EQ(scan.container.GetBlocks().Get(777777)->GetOffset(), 28u + 777776 * 12);
+    EXPECT_EQ(scan.container.GetBlocks().GetCount(), 1000002u);
+    EXPECT_EQ(scan.container.GetBlocks().GetRecords().size(), 3u);
+    EXPECT_EQ(scan.container.GetBlocks().GetOffset(777777), 28u + 777776 * 12);
+    EXPECT_EQ(scan.container.GetBlocks().GetId(777777), 8u);
     EXPECT_EQ(scan.Read(10), 3u);
     EXPECT_EQ(Support::Slice(scan.buffer, 0, 42), Support::SmallPoints(3));
 }

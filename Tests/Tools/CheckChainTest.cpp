@@ -51,6 +51,17 @@ TEST(CheckChain, EveryLengthOfATornHeadIsAnErrorAtItsOffset)
     }
 }
 
+TEST(CheckChain, UnlikeEmptyBlocksAreFoundEachWhereItStands)
+{
+    QsbBytes file = CleanScan();
+    const std::size_t first = file.Get().size();
+    const auto check = Check(file.Block(50).Block(51).Block(51).Block(0).Block(0).Block(3));
+    const Tool::FindingC* zeros = Find(check, "QSB-008");
+    ASSERT_NE(zeros, nullptr) << Found(check);
+    EXPECT_EQ(zeros->oOffset, first + 36);
+    EXPECT_EQ(zeros->oBlock, 5u);
+}
+
 TEST(CheckChain, ZerosInATornHeadAreNamed)
 {
     EXPECT_EQ(Find(Check(CleanScan().Raw(BytesT(5, 0))), "QSB-003")->strFound, "5 zero bytes");

@@ -119,6 +119,22 @@ TEST_F(InfoCommand, RunsOfEmptyBlocksTakeOneLine)
               std::string::npos);
 }
 
+TEST_F(InfoCommand, UnlikeEmptyBlocksTakeALineEach)
+{
+    QsbBytes file = CleanScan();
+    file.Block(0x50).Block(0x51).Block(0x51).Block(0x52);
+    const std::string path = m_oFolder.Write("empty.qsb", file);
+    const std::string text = RunQsb({"info", path}).out;
+    EXPECT_NE(text.find("      2     589  0x00000050"), std::string::npos) << text;
+    EXPECT_NE(text.find("      3     601  0x00000051"), std::string::npos) << text;
+    EXPECT_NE(text.find("2 of these"), std::string::npos) << text;
+    EXPECT_NE(text.find("      5     625  0x00000052"), std::string::npos) << text;
+    EXPECT_NE(RunQsb({"info", "--blocks", "3", path}).out.find("\n  3 more; --blocks N lists N\n"),
+              std::string::npos);
+    EXPECT_EQ(Json(path)["blocks"][3]["count"], 2);
+    EXPECT_EQ(Json(path)["blocks"][4]["identifier"], 0x52);
+}
+
 TEST_F(InfoCommand, ManyBlocksAreListedUpToANumber)
 {
     QsbBytes file = CleanScan();

@@ -7,7 +7,7 @@
 // not what is in the blocks.
 #pragma once
 
-#include "Sio/Sio_QsbBlock.h"
+#include "Sio/Sio_QsbBlockList.h"
 
 #include <cstdint>
 #include <functional>

@@ -25,9 +25,8 @@ bool HasAnyTag(const ScanHeaderC& header, std::uint32_t uiFirst, std::uint32_t u
 JsonT BlocksJson(const ScanCheckC& check, std::uint64_t ullMaxBlocks)
 {
     JsonT blocks = JsonT::array();
-    std::uint64_t ullIndex = 0;
-    for (const SIO::QsbBlockC& block : check.oChain.oBlocks.GetRecords()) {
-        if (blocks.size() == ullMaxBlocks) break;
+    check.oChain.oBlocks.ForEach([&](const SIO::QsbBlockC& block, std::uint64_t ullIndex) {
+        if (blocks.size() == ullMaxBlocks) return false;
         JsonT json;
         json["index"] = ullIndex;
         json["count"] = block.GetRunLength();
@@ -37,8 +36,8 @@ JsonT BlocksJson(const ScanCheckC& check, std::uint64_t ullMaxBlocks)
         json["header_bytes"] = block.GetHeaderBytes();
         json["data_bytes"] = block.GetDataBytes();
         blocks.push_back(std::move(json));
-        ullIndex += block.GetRunLength();
-    }
+        return true;
+    });
     return blocks;
 }
 

@@ -27,10 +27,10 @@ std::string BlocksText(const ScanCheckC& check, std::uint64_t ullMaxBlocks)
 {
     TextTableC table("rrllrrl");
     table.AddRow({"block", "offset", "identifier", "", "header", "data"});
-    std::uint64_t ullIndex = 0;
+    std::uint64_t ullListed = 0;
     std::uint64_t ullRows = 0;
-    for (const SIO::QsbBlockC& block : check.oChain.oBlocks.GetRecords()) {
-        if (++ullRows > ullMaxBlocks) break;
+    check.oChain.oBlocks.ForEach([&](const SIO::QsbBlockC& block, std::uint64_t ullIndex) {
+        if (++ullRows > ullMaxBlocks) return false;
         std::string remark;
         if (ullIndex == check.oReadBlock) remark = "<- the scan";
         if (block.GetRunLength() > 1) remark = fmt::format("{} of these", block.GetRunLength());
@@ -39,11 +39,12 @@ std::string BlocksText(const ScanCheckC& check, std::uint64_t ullMaxBlocks)
                       fmt::format("{:#010x}", block.GetId()), NameOfBlock(block.GetId()),
                       fmt::format("{}", block.GetHeaderBytes()), fmt::format("{}", block.GetDataBytes()),
                       remark});
-        ullIndex += block.GetRunLength();
-    }
+        ullListed = ullIndex + block.GetRunLength();
+        return true;
+    });
     std::string text = fmt::format("\nBlocks: {}\n", check.oChain.oBlocks.GetCount());
-    if (ullIndex != 0 || ullMaxBlocks == 0) text += table.ToText("  ");
-    const std::uint64_t ullMore = check.oChain.oBlocks.GetCount() - ullIndex;
+    if (ullListed != 0 || ullMaxBlocks == 0) text += table.ToText("  ");
+    const std::uint64_t ullMore = check.oChain.oBlocks.GetCount() - ullListed;
     if (ullMore != 0) text += fmt::format("  {} more; --blocks N lists N\n", ullMore);
     return text;
 }

@@ -49,11 +49,10 @@ public:
         ChooseBlock();
         // The block that is read comes first: of each rule only the first findings are kept.
         if (m_rCheck.oReadBlock) CheckRead(PlaceOf(*blocks.Get(*m_rCheck.oReadBlock), *m_rCheck.oReadBlock));
-        std::uint64_t ullIndex = 0;
-        for (const SIO::QsbBlockC& block : blocks.GetRecords()) {
+        blocks.ForEach([&](const SIO::QsbBlockC& block, std::uint64_t ullIndex) {
             if (ullIndex != 0 && ullIndex != m_rCheck.oReadBlock) CheckOther(PlaceOf(block, ullIndex));
-            ullIndex += block.GetRunLength();
-        }
+            return true;
+        });
     }
 
     void CheckStoredPoints(const PassedT& passed)

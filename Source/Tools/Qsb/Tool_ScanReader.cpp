@@ -63,7 +63,7 @@ ScanReaderC::ScanReaderC(const std::string& path) : m_strPath(path)
         throw ToolErrorC(s_iDamaged, fmt::format("{}: no usable point-cloud block", path));
     }
     const auto ullIndex = static_cast<std::uint64_t>(m_oStrategy.GetData()->m_llBlockIndex);
-    m_oFormat = FormatOf(*m_oStrategy.GetPointDefinition(), m_oContainer.GetBlocks().Get(ullIndex)->GetId());
+    m_oFormat = FormatOf(*m_oStrategy.GetPointDefinition(), m_oContainer.GetBlocks().GetId(ullIndex));
 }
 
 std::uint32_t ScanReaderC::GetContentFlags() const
@@ -87,11 +87,12 @@ std::size_t ScanReaderC::GetNumberOfHiddenElements() const
 std::uint64_t ScanReaderC::GetNumberOfPointClouds() const
 {
     std::uint64_t ullCount = 0;
-    for (const SIO::QsbBlockC& block : m_oContainer.GetBlocks().GetRecords()) {
+    m_oContainer.GetBlocks().ForEach([&](const SIO::QsbBlockC& block, std::uint64_t) {
         const bool bPointCloud = block.GetId() == SIO::QsbFormat::s_uiPointCloudId ||
                                  block.GetId() == SIO::QsbFormat::s_uiCountedPointCloudId;
         if (bPointCloud) ullCount += block.GetRunLength();
-    }
+        return true;
+    });
     return ullCount;
 }
 
