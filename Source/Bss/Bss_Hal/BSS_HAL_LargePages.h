@@ -12,8 +12,9 @@
 namespace BSS::HAL {
 
 inline constexpr std::size_t s_nLargePageBytes = std::size_t{2} << 20;
+inline constexpr std::size_t s_nLargePageAlignment = std::size_t{64} << 10;
 
-/// s_nLargePageBytes of memory, all zero, at the beginning of a page. Null when there is no more. To be given
+/// s_nLargePageBytes of memory, all zero, at a multiple of s_nLargePageAlignment. Null when there is no more. To be given
 /// back with GiveLargePageBack.
 void* TakeLargePage() noexcept;
 

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "Bss/Bss_Hal/BSS_HAL_LargePages.h"
-#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
+#include "Bss/Bss_Hal/BSS_HAL_StaticLock.h"
 #include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 
 #include <algorithm>
@@ -19,7 +19,6 @@
 #include <cstdint>
 #include <mutex>
 #include <new>
-#include <thread>
 #include <utility>
 
 namespace BSS::TSK {
@@ -96,29 +95,6 @@ private:
     std::atomic<SetT> m_word{HELD};
 };
 
-/// For the few steps of giving or taking a slab. There before any code has run and after all destructors
-/// have.
-class SlabLockC
-{
-public:
-    void lock() noexcept
-    {
-        for (int round = 0; m_held.test_and_set(std::memory_order_acquire); ++round) {
-            if (round < ROUNDS) {
-                HAL::SpinPause();
-            } else {
-                std::this_thread::yield(); // its owner does not run
-            }
-        }
-    }
-    void unlock() noexcept { m_held.clear(std::memory_order_release); }
-
-private:
-    static constexpr int ROUNDS = 100;
-
-    std::atomic_flag m_held;
-};
-
 template<std::size_t BYTES>
 class SlabStoreT
 {
@@ -133,7 +109,7 @@ public:
     void Give(SlabT* slab) noexcept
     {
         const HAL::EndShieldC shield; // all others depend on the lock
-        const std::lock_guard<SlabLockC> guard(m_lock);
+        const std::lock_guard<HAL::StaticLockC> guard(m_lock);
         slab->next = m_first;
         m_first = slab;
     }
@@ -142,7 +118,7 @@ public:
     std::pair<SlabT*, SetT> Take()
     {
         const HAL::EndShieldC shield;
-        std::unique_lock<SlabLockC> guard(m_lock);
+        std::unique_lock<HAL::StaticLockC> guard(m_lock);
         if (m_first != nullptr) {
             SlabT* const slab = std::exchange(m_first, m_first->next);
             guard.unlock();
@@ -159,19 +135,20 @@ public:
 private:
     static constexpr std::size_t FEWEST = 16;
     static constexpr std::size_t MOST = HAL::s_nLargePageBytes / SlabT::SLAB_BYTES;
+    static_assert(HAL::s_nLargePageAlignment % SlabT::SLAB_BYTES == 0);
 
     void MakeRoom()
     {
         const std::size_t nBytes = m_nNext * SlabT::SLAB_BYTES;
-        const bool bLarge = m_nNext == MOST;
-        m_room = static_cast<unsigned char*>(
-            ::operator new (nBytes, std::align_val_t{bLarge ? nBytes : SlabT::SLAB_BYTES}));
-        if (bLarge) HAL::AdviseLargePages(m_room, nBytes);
+        void* const room = m_nNext == MOST ? HAL::TakeLargePage()
+                                           : ::operator new (nBytes, std::align_val_t{SlabT::SLAB_BYTES});
+        if (room == nullptr) throw std::bad_alloc();
+        m_room = static_cast<unsigned char*>(room);
         m_nLeft = m_nNext;
         m_nNext = std::min(2 * m_nNext, MOST);
     }
 
-    SlabLockC m_lock;
+    HAL::StaticLockC m_lock; ///< sleeps: a real-time thread that only yields never lets the owner run
     SlabT* m_first = nullptr;
     unsigned char* m_room = nullptr; ///< for slabs that nobody has had
     std::size_t m_nLeft = 0;         ///< of those

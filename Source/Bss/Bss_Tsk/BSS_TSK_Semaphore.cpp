@@ -46,8 +46,10 @@ SemaphoreC::~SemaphoreC() = default;
 
 bool SemaphoreC::lock(int timeoutMs)
 {
-    if (tryLock() || (timeoutMs != 0 && SpinToTake())) return true;
-    return WaitUntil(SemaphoreDeadlineUs(HAL::TickMicroseconds(), timeoutMs));
+    if (tryLock()) return true;
+    const std::int64_t deadlineUs =
+        SemaphoreDeadlineUs(HAL::TickMicroseconds(), timeoutMs); // looking counts too
+    return (timeoutMs != 0 && SpinToTake()) || WaitUntil(deadlineUs);
 }
 
 void SemaphoreC::WaitOrThrow()

@@ -81,7 +81,7 @@ TEST(Exhaustion, APostWithoutMemoryGivesItsPlaceInTheQueueBack)
     EXPECT_EQ(pushed, 0);
 }
 
-// Nothing is left of what the calling thread has kept of either size.
+// Nothing is left of either size in the place that the calling thread begins at.
 std::vector<void*> UseUpTheBlocks(std::size_t bytes)
 {
     std::vector<void*> blocks;
