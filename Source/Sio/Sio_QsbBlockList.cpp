@@ -126,7 +126,7 @@ bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
         auiIds.fill(uiId);
         return AppendReadStretch(auiIds.data(), static_cast<std::size_t>(ullRunLength));
     }
-    if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory)) return false;
+    if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory - nBefore * s_ullIdMemory)) return false;
     CutStretch(nBefore);
     AppendRun(ullOffset - nBefore * QsbFormat::s_nBlockHeadBytes, uiId, ullRunLength + nBefore);
     return true;
@@ -158,7 +158,8 @@ bool QsbBlockListC::AppendReadStretch(const std::uint32_t* pIds, std::size_t nId
 {
     QsbBlockC& last = Last();
     const std::size_t nOld = last.IsStretch() ? 0 : static_cast<std::size_t>(last.GetRunLength());
-    if (!HasRoomForBytes(s_ullRunMemory + (nOld + nIds) * s_ullIdMemory)) return false;
+    const std::uint64_t ullRun = LastIsRun() ? 0 : s_ullRunMemory;
+    if (!HasRoomForBytes(ullRun + (nOld + nIds) * s_ullIdMemory)) return false;
     if (nOld != 0) {
         NoteRun();
         for (std::size_t i = 0; i < nOld; ++i)
