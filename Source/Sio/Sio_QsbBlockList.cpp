@@ -9,27 +9,17 @@
 
 namespace SIO {
 
-QsbEntryArrayT& QsbEntryMemoryC::Take(std::size_t nEntries)
+/// There is too little left.
+char* QsbEntryMemoryC::TakeMore(std::size_t nBytes)
 {
-    const std::size_t nBytes = nEntries * sizeof(QsbHeaderEntryC);
-    auto* const pArray = reinterpret_cast<QsbEntryArrayT*>(TakeBytes(sizeof(QsbEntryArrayT) + nBytes));
-    pArray->uiCount = static_cast<std::uint32_t>(nEntries);
-    pArray->uiCapacity = 0;
-    return *pArray;
-}
-
-char* QsbEntryMemoryC::TakeBytes(std::size_t nBytes)
-{
-    if (nBytes > m_nFree) {
-        if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
-        if (m_pFree == nullptr) {
-            m_pFree = TakeAlone(s_nLargestInCompany);
-            m_nFree = s_nLargestInCompany;
-        } else {
-            m_vecLarge.push_back(MakeLargeMemory());
-            m_pFree = static_cast<char*>(m_vecLarge.back().get());
-            m_nFree = s_nLargeMemoryBytes;
-        }
+    if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
+    if (m_pFree == nullptr) {
+        m_pFree = TakeAlone(s_nLargestInCompany);
+        m_nFree = s_nLargestInCompany;
+    } else {
+        m_vecLarge.push_back(MakeLargeMemory());
+        m_pFree = static_cast<char*>(m_vecLarge.back().get());
+        m_nFree = s_nLargeMemoryBytes;
     }
     m_nFree -= nBytes;
     return std::exchange(m_pFree, m_pFree + nBytes);
