@@ -64,7 +64,7 @@ SIO_AVX2 void EncodeStretch(const QsbEncodeStretchT& stretch)
 
 } // namespace
 
-void EncodeAvx2(const QsbEncodeStretchT& stretch)
+std::size_t EncodeAvx2(const QsbEncodeStretchT& stretch)
 {
     const QsbRecordMovesT& layout = *stretch.pLayout;
     // Points whose stores would pass the end of the stretch: those that begin less than the reach before it.
@@ -77,6 +77,7 @@ void EncodeAvx2(const QsbEncodeStretchT& stretch)
     rest.nPoints -= front.nPoints;
     rest.pDestination += front.nPoints * layout.tRecordBytes;
     EncodeBaseline(rest);
+    return front.nPoints;
 }
 
 } // namespace SIO

@@ -22,8 +22,9 @@ struct QsbEncodeStretchT
 void EncodeBaseline(const QsbEncodeStretchT& stretch);
 
 #if defined(__x86_64__)
-/// Only where the machine has AVX2.
-void EncodeAvx2(const QsbEncodeStretchT& stretch);
+/// Only where the machine has AVX2. Returns how many points were encoded by the shuffle, the others behind
+/// them by EncodeBaseline.
+std::size_t EncodeAvx2(const QsbEncodeStretchT& stretch);
 #endif
 
 } // namespace SIO

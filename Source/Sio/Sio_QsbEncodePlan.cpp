@@ -19,13 +19,15 @@ namespace {
 
 constexpr std::size_t s_nTilePoints = 256;
 
-void EncodeStretchWith(QsbInstructionSetT eSet, const QsbEncodeStretchT& stretch)
+/// Returns how many points at the front were encoded by the shuffle.
+std::size_t EncodeStretchWith(QsbInstructionSetT eSet, const QsbEncodeStretchT& stretch)
 {
 #if defined(__x86_64__)
     if (eSet == QsbInstructionSetT::eAvx2) return EncodeAvx2(stretch);
 #endif
     (void)eSet;
     EncodeBaseline(stretch);
+    return 0;
 }
 
 template<typename StoreT>
@@ -78,9 +80,11 @@ void QsbEncodePlanC::Encode(const QsbPointC* pPoints, std::size_t nPoints, char*
     for (std::size_t nDone = 0; nDone < nPoints; nDone += nTile) {
         const std::size_t nPart = std::min(nTile, nPoints - nDone);
         char* pTile = pDestination + nDone * m_oLayout.tRecordBytes;
-        EncodeStretchWith(eSet, {&m_oLayout, pPoints + nDone, nPart, pTile});
+        const std::size_t nShuffled = EncodeStretchWith(eSet, {&m_oLayout, pPoints + nDone, nPart, pTile});
         for (const QsbLoopElementT& loop : m_oLayout.vecLoops) {
-            LoopOverElement(loop, pTile, m_oLayout.tRecordBytes, nPart, pPoints + nDone);
+            const std::size_t nStored = loop.bShuffled ? nShuffled : 0;
+            LoopOverElement(loop, pTile + nStored * m_oLayout.tRecordBytes, m_oLayout.tRecordBytes,
+                            nPart - nStored, pPoints + nDone + nStored);
         }
     }
 }

@@ -78,8 +78,14 @@ QsbMovedElementT& MovedElement(QsbRecordLayoutT& layout, std::uint32_t uiKind)
     }
 }
 
-/// Moves `nBytes` from `nSource` to a field of `nField` bytes at `nTarget`, the rest of which becomes zero;
-/// when encoding, back.
+// Where the fields lie in a record's tail.
+constexpr std::size_t s_nColor = 0;
+constexpr std::size_t s_nIntensity = offsetof(QsbPointC, intensity) - s_nTailOffset;
+constexpr std::size_t s_nNoise = offsetof(QsbPointC, levelOfNoise) - s_nTailOffset;
+constexpr std::size_t s_nGrid0 = offsetof(QsbPointC, gridIndex0) - s_nTailOffset;
+constexpr std::size_t s_nGrid1 = offsetof(QsbPointC, gridIndex1) - s_nTailOffset;
+
+/// Moves `nBytes` from `nSource` to a field of `nField` bytes at `nTarget`, the rest of which becomes zero.
 void Move(QsbRecordLayoutT& layout, std::size_t nSource, std::size_t nBytes, std::size_t nTarget,
           std::size_t nField)
 {
@@ -87,30 +93,43 @@ void Move(QsbRecordLayoutT& layout, std::size_t nSource, std::size_t nBytes, std
         layout.aucShuffle[nTarget + i] = i < nBytes ? static_cast<std::uint8_t>(nSource + i) : s_ucZero;
         layout.aucWritten[nTarget + i] = s_ucWritten;
     }
+}
+
+/// When encoding, moves `nBytes` of the field at `nField` to `nStored`.
+void MoveBack(QsbRecordLayoutT& layout, std::size_t nField, std::size_t nBytes, std::size_t nStored)
+{
     for (std::size_t i = 0; i < nBytes; ++i)
-        layout.aucEncodeShuffle[nSource + i] = static_cast<std::uint8_t>(nTarget + i);
+        layout.aucEncodeShuffle[nStored + i] = static_cast<std::uint8_t>(nField + i);
+}
+
+/// An integer element of `nBytes` at `nStored` behind the position. It takes its bytes of the record however
+/// many others of its kind there are.
+void EncodeByShuffle(QsbRecordLayoutT& layout, std::uint32_t uiKind, std::size_t nBytes, std::size_t nStored)
+{
+    switch (uiKind) {
+    case PD_INTENSITY:
+        return MoveBack(layout, s_nIntensity, nBytes, nStored);
+    case PD_LEVEL_OF_NOISE:
+        return MoveBack(layout, s_nNoise, nBytes, nStored);
+    case PD_GRID:
+        MoveBack(layout, s_nGrid0, nBytes / 2, nStored);
+        return MoveBack(layout, s_nGrid1, nBytes / 2, nStored + nBytes / 2);
+    default:
+        MoveBack(layout, s_nColor, 3, nStored);
+        layout.aucEncodeConstant[nStored + 3] = s_ucFourthChannel;
+    }
 }
 
 void MakeShuffle(QsbRecordLayoutT& layout)
 {
-    constexpr std::size_t nColor = 0;
-    constexpr std::size_t nIntensity = offsetof(QsbPointC, intensity) - s_nTailOffset;
-    constexpr std::size_t nNoise = offsetof(QsbPointC, levelOfNoise) - s_nTailOffset;
-    constexpr std::size_t nGrid0 = offsetof(QsbPointC, gridIndex0) - s_nTailOffset;
-    constexpr std::size_t nGrid1 = offsetof(QsbPointC, gridIndex1) - s_nTailOffset;
-
     std::fill(std::begin(layout.aucShuffle), std::end(layout.aucShuffle), s_ucZero);
-    std::fill(std::begin(layout.aucEncodeShuffle), std::end(layout.aucEncodeShuffle), s_ucZero);
-    if (layout.oIntensity.ucBytes != 0) Move(layout, layout.oIntensity.ucOffset, 2, nIntensity, 2);
-    if (layout.oNoise.ucBytes != 0) Move(layout, layout.oNoise.ucOffset, layout.oNoise.ucBytes, nNoise, 2);
-    if (layout.oColor.ucBytes != 0) {
-        Move(layout, layout.oColor.ucOffset, 3, nColor, 3);
-        layout.aucEncodeConstant[layout.oColor.ucOffset + 3] = s_ucFourthChannel;
-    }
+    if (layout.oIntensity.ucBytes != 0) Move(layout, layout.oIntensity.ucOffset, 2, s_nIntensity, 2);
+    if (layout.oNoise.ucBytes != 0) Move(layout, layout.oNoise.ucOffset, layout.oNoise.ucBytes, s_nNoise, 2);
+    if (layout.oColor.ucBytes != 0) Move(layout, layout.oColor.ucOffset, 3, s_nColor, 3);
     if (layout.oGrid.ucBytes != 0) {
         const std::size_t nIndex = layout.oGrid.ucBytes / 2u;
-        Move(layout, layout.oGrid.ucOffset, nIndex, nGrid0, 4);
-        Move(layout, layout.oGrid.ucOffset + nIndex, nIndex, nGrid1, 4);
+        Move(layout, layout.oGrid.ucOffset, nIndex, s_nGrid0, 4);
+        Move(layout, layout.oGrid.ucOffset + nIndex, nIndex, s_nGrid1, 4);
     }
 }
 
@@ -125,6 +144,7 @@ QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition)
     if (position == nullptr || CountKind(definition, PD_POSITION) != 1 || !TakePosition(*position, layout)) {
         return layout;
     }
+    std::fill(std::begin(layout.aucEncodeShuffle), std::end(layout.aucEncodeShuffle), s_ucZero);
     std::size_t tOffset = layout.tPositionBytes;
     for (std::size_t i = 1; i < definition.GetCount(); ++i) {
         const PointDefinitionI& element = *definition.GetElement(i);
@@ -133,13 +153,13 @@ QsbRecordLayoutT MakeRecordLayout(const PointDefinitionContainerI& definition)
         const std::size_t tBytes = element.GetSizeInBytes();
         const std::size_t tBehind = tOffset - layout.tPositionBytes;
         // The shuffle sees sixteen bytes.
-        const bool bMoves =
-            !IsFloat(element) && tBehind + tBytes <= s_nTailBytes && CountKind(definition, uiKind) == 1;
-        if (bMoves) {
+        const bool bShuffled = !IsFloat(element) && tBehind + tBytes <= s_nTailBytes;
+        if (bShuffled) EncodeByShuffle(layout, uiKind, tBytes, tBehind);
+        if (bShuffled && CountKind(definition, uiKind) == 1) {
             MovedElement(layout, uiKind) = {static_cast<std::uint8_t>(tBytes),
                                             static_cast<std::uint8_t>(tBehind)};
         } else {
-            layout.vecLoops.push_back({uiKind, element.GetTypeCode(), tOffset});
+            layout.vecLoops.push_back({uiKind, element.GetTypeCode(), tOffset, bShuffled});
         }
         tOffset += tBytes;
     }

@@ -4,7 +4,8 @@
 // Where the elements of a stored point lie and which of them are mere bytes: what the batch kernels need to
 // know of a point definition. An integer element decodes to its own bytes, widened with zeros, and encodes by
 // dropping the upper ones; positions are computed; float elements, and all of a kind that occurs more than
-// once, are left to loops of their own. Plain data, compiled once and never changed.
+// once, are left to loops of their own, but for what a shuffle encodes as well. Plain data, compiled once and
+// never changed.
 #pragma once
 
 #include "Sio/Sio_QsbPoint.h"
@@ -38,6 +39,7 @@ struct QsbLoopElementT
     std::uint32_t uiKind;
     std::uint32_t uiTypeCode;
     std::size_t tOffset; ///< in the stored point
+    bool bShuffled;      ///< the shuffle of encoding stores it already
 };
 
 /// What the kernels need.
@@ -59,8 +61,9 @@ struct QsbRecordMovesT
     std::uint8_t aucShuffle[s_nTailBytes] = {};
     std::uint8_t aucWritten[s_nTailBytes] = {};
 
-    /// The moves of encoding: for each of the 16 bytes behind a stored position the index in a record's tail,
-    /// or 0x80 for zero; and what is the same in every point (0xFF in a colour's fourth channel, else zero).
+    /// The moves of encoding, of a kind that occurs more than once as well: for each of the 16 bytes behind a
+    /// stored position the index in a record's tail, or 0x80 for zero; and what is the same in every point
+    /// (0xFF in a colour's fourth channel, else zero).
     std::uint8_t aucEncodeShuffle[s_nTailBytes] = {};
     std::uint8_t aucEncodeConstant[s_nTailBytes] = {};
 };

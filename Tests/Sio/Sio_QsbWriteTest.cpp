@@ -148,14 +148,6 @@ TEST_F(QsbWrite, ConsecutiveWritesAppend)
     EXPECT_EQ(File(), SioTest::WrittenSmallScan(7).Get());
 }
 
-TEST_F(QsbWrite, ABatchLargerThanThePieceThatIsEncodedAtOnceIsWrittenWhole)
-{
-    Create();
-    EXPECT_TRUE(Write(20000));
-    EXPECT_TRUE(scan.container.Close());
-    EXPECT_EQ(File(), SioTest::WrittenSmallScan(20000).Get());
-}
-
 TEST_F(QsbWrite, WritingNoPointsSucceedsWritesNothingButMakesTheBlockOnTheFirstCall)
 {
     Create();
