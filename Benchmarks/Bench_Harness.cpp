@@ -144,7 +144,7 @@ void PrintSummary(int nRounds)
         std::printf("  %s %.2f: %s\n", each.bAtLeast ? ">=" : "<=", each.dWanted, bMet ? "met" : "MISSED");
     }
     if (nRounds < s_nFewestRounds)
-        std::printf("  ONLY %d ROUNDS: these are medians of fewer than %d, which show nothing\n", nRounds,
+        std::printf("  TOO FEW ROUNDS: %d, fewer than %d, so these medians show nothing\n", nRounds,
                     s_nFewestRounds);
 }
 
