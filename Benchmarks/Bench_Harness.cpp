@@ -133,7 +133,7 @@ void ExpectAtMost(const std::string& strWhat, const RatioT& ratio, double dWante
     s_vecExpectations.push_back({strWhat, ratio, dWanted, false});
 }
 
-void PrintSummary()
+void PrintSummary(int nRounds)
 {
     std::printf("== summary\n  %-58s %8s %8s  %s\n", "", "clock", "thread", "wanted");
     for (const ExpectationT& each : s_vecExpectations) {
@@ -143,6 +143,9 @@ void PrintSummary()
         each.ratio.dThread != 0 ? std::printf("%8.2f", each.ratio.dThread) : std::printf("%8s", "");
         std::printf("  %s %.2f: %s\n", each.bAtLeast ? ">=" : "<=", each.dWanted, bMet ? "met" : "MISSED");
     }
+    if (nRounds < s_nFewestRounds)
+        std::printf("  TOO FEW ROUNDS: %d, fewer than %d, so these medians show nothing\n", nRounds,
+                    s_nFewestRounds);
 }
 
 void Use(double dValue)

@@ -55,8 +55,11 @@ RatioT SpeedOf(const CandidateT& candidate, const CandidateT& reference);
 void ExpectAtLeast(const std::string& strWhat, const RatioT& ratio, double dWanted);
 void ExpectAtMost(const std::string& strWhat, const RatioT& ratio, double dWanted);
 
-/// Prints all that was noted.
-void PrintSummary();
+/// Fewer rounds make medians that one disturbance can move.
+inline constexpr int s_nFewestRounds = 5;
+
+/// Prints all that was noted, and a warning when there were fewer rounds.
+void PrintSummary(int nRounds);
 
 /// Keeps a result from being optimised away.
 void Use(double dValue);

@@ -85,6 +85,6 @@ int main(int argc, char** argv)
         each->run(options);
         std::printf("\n");
     }
-    Bench::PrintSummary();
+    Bench::PrintSummary(options.nRounds);
     return 0;
 }

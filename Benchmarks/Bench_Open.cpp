@@ -30,13 +30,25 @@ void Put(std::string& strBytes, std::initializer_list<std::uint32_t> numbers)
     }
 }
 
+struct ShapeT
+{
+    const char* pszName;
+    std::uint32_t uiEntries;
+    std::uint32_t uiDataBytes;
+    bool bSameIds = false;
+    bool bEverySecondEmpty = false;
+};
+
 /// A chain of blocks, each with so many entries and bytes of data, and a point block of one point at its end.
-void WriteChain(const std::string& strPath, std::uint32_t uiEntries, std::uint32_t uiDataBytes, bool bSameIds)
+void WriteChain(const std::string& strPath, const ShapeT& shape)
 {
     std::string strBytes;
     Put(strBytes, {F::s_uiFileHeaderId, 16, 0, F::s_uiTypeUInt32, F::s_uiTagVersion, F::s_uiVersion2, 0});
     for (std::uint32_t i = 0; i < s_uiBlocks; ++i) {
-        Put(strBytes, {bSameIds ? 100 : 100 + i, 16 * uiEntries, uiDataBytes});
+        const bool bEmpty = shape.bEverySecondEmpty && i % 2 == 0;
+        const std::uint32_t uiEntries = bEmpty ? 0 : shape.uiEntries;
+        const std::uint32_t uiDataBytes = bEmpty ? 0 : shape.uiDataBytes;
+        Put(strBytes, {shape.bSameIds ? 100 : 100 + i, 16 * uiEntries, uiDataBytes});
         for (std::uint32_t j = 0; j < uiEntries; ++j)
             Put(strBytes, {F::s_uiTypeUInt32, 30, i, 0});
         strBytes.append(uiDataBytes, 'd');
@@ -65,21 +77,19 @@ void ReadBytes(const std::string& strPath)
 
 void RunOpen(const OptionsT& options)
 {
-    struct ShapeT
-    {
-        const char* pszName;
-        std::uint32_t uiEntries;
-        std::uint32_t uiDataBytes;
-        bool bSameIds = false;
-    };
     const std::string strPath = options.strDirectory + "/open.qsb";
-    for (const ShapeT& shape : {ShapeT{"1000000 blocks of 12 bytes: heads alone, each another", 0, 0},
-                                {"1000000 blocks of 12 bytes: the same head again and again", 0, 0, true},
-                                {"1000000 blocks of 32 bytes: 20 of data", 0, 20},
-                                {"1000000 blocks of 112 bytes: 100 of data", 0, 100},
-                                {"1000000 blocks of 144 bytes: two entries, 100 of data", 2, 100},
-                                {"1000000 blocks of 1012 bytes: 1000 of data", 0, 1000}}) {
-        WriteChain(strPath, shape.uiEntries, shape.uiDataBytes, shape.bSameIds);
+    for (const ShapeT& shape :
+         {ShapeT{"1000000 blocks of 12 bytes: heads alone, each another", 0, 0},
+          {"1000000 blocks of 12 bytes: the same head again and again", 0, 0, true},
+          {"1000000 blocks of 13 bytes: 1 of data", 0, 1},
+          {"1000000 blocks of 12 and 13 bytes in turn: none and 1 of data", 0, 1, false, true},
+          {"1000000 blocks of 28 bytes: one entry", 1, 0},
+          {"1000000 blocks of 44 bytes: two entries", 2, 0},
+          {"1000000 blocks of 32 bytes: 20 of data", 0, 20},
+          {"1000000 blocks of 112 bytes: 100 of data", 0, 100},
+          {"1000000 blocks of 144 bytes: two entries, 100 of data", 2, 100},
+          {"1000000 blocks of 1012 bytes: 1000 of data", 0, 1000}}) {
+        WriteChain(strPath, shape);
         auto reader = std::make_unique<Kry::ScanReader::QsbReader>();
         const auto open = [&] {
             if (reader->Open(strPath.c_str()) != 0) std::abort();

@@ -107,7 +107,7 @@ std::vector<QsbPointC> MakePoints(std::size_t nPoints)
 }
 
 ScanFileC::ScanFileC(const std::string& strPath, const LayoutT& layout, std::uint32_t uiPoints,
-                     std::uint32_t uiBlocksBefore)
+                     const BlocksBeforeT& before)
     : m_strPath(strPath), m_uiPoints(uiPoints)
 {
     PointDefinitionC definition;
@@ -124,8 +124,12 @@ ScanFileC::ScanFileC(const std::string& strPath, const LayoutT& layout, std::uin
     matrix.At(1, 3) = 20.0;
     matrix.At(2, 3) = 30.0;
     Require(container.Open(BSS::HAL::WidePath(strPath), false, true), "cannot write a scan");
-    for (std::uint32_t i = 0; i < uiBlocksBefore; ++i)
-        Require(container.AppendBlock(1000 + i) >= 0, "cannot write a block");
+    for (std::uint32_t i = 0; i < before.uiBlocks; ++i) {
+        const std::int64_t llBlock = container.AppendBlock(1000 + i);
+        Require(llBlock >= 0, "cannot write a block");
+        if (before.bEmptyPairs && i % 3 != 2) continue;
+        Require(container.WriteBytesIntoBlock(llBlock, 0, 1, "d"), "cannot write a block");
+    }
     const std::vector<QsbPointC> points = MakePoints(100000);
     for (std::uint32_t uiDone = 0; uiDone < uiPoints;) {
         const std::uint32_t uiPart = std::min<std::uint32_t>(100000, uiPoints - uiDone);

@@ -35,12 +35,20 @@ const std::vector<LayoutT>& AllLayouts();
 /// Points in a plane grid with every element set.
 std::vector<SIO::QsbPointC> MakePoints(std::size_t nPoints);
 
+/// What stands before the points of a scan.
+struct BlocksBeforeT
+{
+    std::uint32_t uiBlocks = 0;
+    /// Two of three are empty. Without it all have a byte of data, so that each has a record of its own.
+    bool bEmptyPairs = false;
+};
+
 /// A scan with a rigid matrix in a file that goes when this goes.
 class ScanFileC
 {
 public:
     ScanFileC(const std::string& strPath, const LayoutT& layout, std::uint32_t uiPoints,
-              std::uint32_t uiBlocksBefore = 0);
+              const BlocksBeforeT& before = {});
     ~ScanFileC();
     ScanFileC(const ScanFileC&) = delete;
     ScanFileC& operator=(const ScanFileC&) = delete;

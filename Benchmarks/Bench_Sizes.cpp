@@ -19,14 +19,14 @@ namespace {
 struct CaseT
 {
     std::uint32_t uiPoints;
-    std::uint32_t uiBlocksBefore;
+    BlocksBeforeT before;
 };
 
 /// A scan and a reader that has it open all the time.
 struct OpenScanT
 {
     OpenScanT(const std::string& strPath, const LayoutT& layout, const CaseT& c)
-        : oScan(strPath, layout, c.uiPoints, c.uiBlocksBefore)
+        : oScan(strPath, layout, c.uiPoints, c.before)
     {
         if (oReader.Open(strPath.c_str()) != 0) std::abort();
     }
@@ -62,18 +62,20 @@ void RunSizes(const OptionsT& options)
     const LayoutT& layout = AllLayouts()[0];
     std::vector<std::unique_ptr<OpenScanT>> scans;
     std::vector<CandidateT> reading, opening;
-    for (const CaseT& c : {CaseT{5000000, 0},
-                           {1000000, 0},
-                           {20000000, 0},
-                           {5000000, 10},
-                           {5000000, 1000},
-                           {5000000, 10000},
-                           {5000000, 1000000}}) {
+    for (const CaseT& c : {CaseT{5000000, {}},
+                           {1000000, {}},
+                           {20000000, {}},
+                           {5000000, {10}},
+                           {5000000, {1000}},
+                           {5000000, {10000}},
+                           {5000000, {1000000}},
+                           {5000000, {1000000, true}}}) {
         scans.push_back(std::make_unique<OpenScanT>(
             options.strDirectory + "/sizes" + std::to_string(scans.size()), layout, c));
         OpenScanT& scan = *scans.back();
         const std::string strName = std::to_string(c.uiPoints / 1000000) + "e6 points, " +
-                                    std::to_string(c.uiBlocksBefore) + " blocks";
+                                    std::to_string(c.before.uiBlocks) +
+                                    (c.before.bEmptyPairs ? " blocks, mixed" : " blocks");
         reading.push_back({strName, [&scan] { scan.Read(); }});
         opening.push_back({strName, [&scan] { scan.Open(); }});
     }

@@ -9,27 +9,17 @@
 
 namespace SIO {
 
-QsbEntryArrayT& QsbEntryMemoryC::Take(std::size_t nEntries)
+/// There is too little left.
+char* QsbEntryMemoryC::TakeMore(std::size_t nBytes)
 {
-    const std::size_t nBytes = nEntries * sizeof(QsbHeaderEntryC);
-    auto* const pArray = reinterpret_cast<QsbEntryArrayT*>(TakeBytes(sizeof(QsbEntryArrayT) + nBytes));
-    pArray->uiCount = static_cast<std::uint32_t>(nEntries);
-    pArray->uiCapacity = 0;
-    return *pArray;
-}
-
-char* QsbEntryMemoryC::TakeBytes(std::size_t nBytes)
-{
-    if (nBytes > m_nFree) {
-        if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
-        if (m_pFree == nullptr) {
-            m_pFree = TakeAlone(s_nLargestInCompany);
-            m_nFree = s_nLargestInCompany;
-        } else {
-            m_vecLarge.push_back(MakeLargeMemory());
-            m_pFree = static_cast<char*>(m_vecLarge.back().get());
-            m_nFree = s_nLargeMemoryBytes;
-        }
+    if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
+    if (m_pFree == nullptr) {
+        m_pFree = TakeAlone(s_nLargestInCompany);
+        m_nFree = s_nLargestInCompany;
+    } else {
+        m_vecLarge.push_back(MakeLargeMemory());
+        m_pFree = static_cast<char*>(m_vecLarge.back().get());
+        m_nFree = s_nLargeMemoryBytes;
     }
     m_nFree -= nBytes;
     return std::exchange(m_pFree, m_pFree + nBytes);
@@ -126,7 +116,7 @@ bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
         auiIds.fill(uiId);
         return AppendReadStretch(auiIds.data(), static_cast<std::size_t>(ullRunLength));
     }
-    if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory)) return false;
+    if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory - nBefore * s_ullIdMemory)) return false;
     CutStretch(nBefore);
     AppendRun(ullOffset - nBefore * QsbFormat::s_nBlockHeadBytes, uiId, ullRunLength + nBefore);
     return true;
@@ -158,7 +148,8 @@ bool QsbBlockListC::AppendReadStretch(const std::uint32_t* pIds, std::size_t nId
 {
     QsbBlockC& last = Last();
     const std::size_t nOld = last.IsStretch() ? 0 : static_cast<std::size_t>(last.GetRunLength());
-    if (!HasRoomForBytes(s_ullRunMemory + (nOld + nIds) * s_ullIdMemory)) return false;
+    const std::uint64_t ullRun = LastIsRun() ? 0 : s_ullRunMemory;
+    if (!HasRoomForBytes(ullRun + (nOld + nIds) * s_ullIdMemory)) return false;
     if (nOld != 0) {
         NoteRun();
         for (std::size_t i = 0; i < nOld; ++i)

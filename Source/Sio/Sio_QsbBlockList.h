@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -29,12 +30,22 @@ public:
 
     /// An array of `nEntries` entries, which must be some, whose bytes are still to be filled in. Throws
     /// std::bad_alloc.
-    QsbEntryArrayT& Take(std::size_t nEntries);
+    QsbEntryArrayT& Take(std::size_t nEntries)
+    {
+        const std::size_t nBytes = sizeof(QsbEntryArrayT) + nEntries * sizeof(QsbHeaderEntryC);
+        if (nBytes > m_nFree) return *MakeArray(TakeMore(nBytes), nEntries);
+        m_nFree -= nBytes;
+        return *MakeArray(std::exchange(m_pFree, m_pFree + nBytes), nEntries);
+    }
 
     void Clear() noexcept;
 
 private:
-    char* TakeBytes(std::size_t nBytes);
+    static QsbEntryArrayT* MakeArray(char* pBytes, std::size_t nEntries) noexcept
+    {
+        return ::new (static_cast<void*>(pBytes)) QsbEntryArrayT{static_cast<std::uint32_t>(nEntries), 0};
+    }
+    char* TakeMore(std::size_t nBytes);
     char* TakeAlone(std::size_t nBytes);
 
     std::vector<LargeMemoryT> m_vecLarge;
@@ -113,7 +124,7 @@ public:
         QsbEntryArrayT* pKept = nullptr;
         if (nEntries != 0) {
             pKept = &TakeEntries(nEntries);
-            std::memcpy(static_cast<void*>(pKept->First()), pEntries, nEntries * sizeof(QsbHeaderEntryC));
+            CopyEntries(pKept->First(), pEntries, nEntries);
         }
         Append(ullOffset, uiId, uiDataBytes, pKept, QsbBlockC::s_ullSealed);
         return true;
@@ -142,6 +153,14 @@ public:
     /// Appends `ullRunLength` blocks with neither header nor data that were read from a file.
     [[nodiscard]] bool AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId,
                                        std::uint64_t ullRunLength);
+
+    /// The same for one that follows a block with content and is followed by one: in fewer steps.
+    [[nodiscard]] bool AppendReadLone(std::uint64_t ullOffset, std::uint32_t uiId)
+    {
+        if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory)) return false;
+        Append(ullOffset, uiId, 0, nullptr, QsbBlockC::s_ullSealed);
+        return true;
+    }
 
     /// Whether AppendReadStretch can go on where the list ends.
     bool CanTakeStretch() const noexcept
@@ -210,6 +229,22 @@ private:
         return record;
     }
 
+    /// Most blocks have one or two, for which a call would cost more than the copy.
+    static void CopyEntries(void* pTarget, const void* pEntries, std::size_t nEntries) noexcept
+    {
+        constexpr std::size_t nEntryBytes = sizeof(QsbHeaderEntryC);
+        switch (nEntries) {
+        case 1:
+            std::memcpy(pTarget, pEntries, nEntryBytes);
+            break;
+        case 2:
+            std::memcpy(pTarget, pEntries, 2 * nEntryBytes);
+            break;
+        default:
+            std::memcpy(pTarget, pEntries, nEntries * nEntryBytes);
+        }
+    }
+
     static constexpr std::uint64_t s_ullRecordMemory = sizeof(QsbBlockC);
     static constexpr std::uint64_t s_ullRunMemory = sizeof(RunT);
     static constexpr std::uint64_t s_ullIdMemory = sizeof(std::uint32_t);
@@ -250,10 +285,13 @@ private:
     StableListT<RunT> m_oRuns;         ///< in the order of the file
     StableListT<std::uint32_t> m_oIds; ///< of the blocks of all stretches, in the order of the file
     std::uint64_t m_ullCount = 0;
-    std::uint64_t m_ullMemory = 0; ///< what records, runs, identifiers and the entries that were read take
     /// The first blocks with the small identifiers, which point clouds have: with a million blocks it takes
     /// long to look for one.
     std::array<std::int64_t, s_nWatchedIds> m_allFirst = {-1, -1, -1, -1};
+    /// What records, runs, identifiers and the entries that were read take. Not beside the count: compilers
+    /// then change both as one number of 16 bytes, which for a block with entries waits for the 8 bytes that
+    /// were written just before.
+    std::uint64_t m_ullMemory = 0;
 };
 
 template<typename VisitT>

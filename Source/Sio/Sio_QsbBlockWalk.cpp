@@ -23,6 +23,17 @@ struct BlockHeadT
     std::uint32_t uiHeaderBytes;
     std::uint32_t uiDataBytes;
 
+    explicit BlockHeadT(const char* pBytes) noexcept
+        : uiId(LoadLittleEndian<std::uint32_t>(pBytes)),
+          uiHeaderBytes(LoadLittleEndian<std::uint32_t>(pBytes + 4)),
+          uiDataBytes(LoadLittleEndian<std::uint32_t>(pBytes + 8))
+    {}
+    BlockHeadT() noexcept = default;
+
+    std::uint64_t BlockBytes() const noexcept
+    {
+        return QsbFormat::s_nBlockHeadBytes + std::uint64_t{uiHeaderBytes} + uiDataBytes;
+    }
     bool IsEmpty() const noexcept { return uiHeaderBytes == 0 && uiDataBytes == 0; }
     bool IsZero() const noexcept { return uiId == 0 && uiHeaderBytes == 0 && uiDataBytes == 0; }
 };
@@ -46,8 +57,8 @@ public:
                 if (!AppendEmptyBlocks(ullOffset, head)) return false;
             } else {
                 if (!AppendBlock(ullOffset, head)) return false;
-                ullOffset +=
-                    QsbFormat::s_nBlockHeadBytes + head.uiHeaderBytes + std::uint64_t{head.uiDataBytes};
+                ullOffset += head.BlockBytes();
+                if (!AppendShownBlocks(ullOffset)) return false;
             }
         }
     }
@@ -57,10 +68,7 @@ private:
     {
         std::size_t nRead = 0;
         const char* pBytes = View(ullOffset, QsbFormat::s_nBlockHeadBytes, nRead);
-        if (nRead != QsbFormat::s_nBlockHeadBytes) return nRead;
-        head.uiId = LoadLittleEndian<std::uint32_t>(pBytes);
-        head.uiHeaderBytes = LoadLittleEndian<std::uint32_t>(pBytes + 4);
-        head.uiDataBytes = LoadLittleEndian<std::uint32_t>(pBytes + 8);
+        if (nRead == QsbFormat::s_nBlockHeadBytes) head = BlockHeadT(pBytes);
         return nRead;
     }
 
@@ -125,6 +133,37 @@ private:
         const char* pBytes = View(ullHeader, head.uiHeaderBytes, nRead);
         return nRead == head.uiHeaderBytes &&
                m_rBlocks.AppendRead(ullOffset, head.uiId, head.uiDataBytes, pBytes, nEntries);
+    }
+
+    /// Behind a block with content: appends those with content that follow, and single empty ones between
+    /// them, as far as they are shown but for their data. What is to be treated in another way, or refused,
+    /// is left.
+    bool AppendShownBlocks(std::uint64_t& ullOffset)
+    {
+        const char* const pShown = m_pShown;
+        const std::uint64_t ullShownBegin = m_ullShownBegin;
+        const std::uint64_t ullShown = m_nShown;
+        for (;;) {
+            const std::uint64_t ullBefore = ullOffset - ullShownBegin;
+            if (ullBefore + QsbFormat::s_nBlockHeadBytes > ullShown) return true;
+            const char* const pHead = pShown + ullBefore;
+            const BlockHeadT head(pHead);
+            if (head.IsEmpty()) {
+                if (ullBefore + 2 * QsbFormat::s_nBlockHeadBytes > ullShown) return true;
+                if (BlockHeadT(pHead + QsbFormat::s_nBlockHeadBytes).IsEmpty()) return true;
+                if (!m_rBlocks.AppendReadLone(ullOffset, head.uiId)) return false;
+                ullOffset += QsbFormat::s_nBlockHeadBytes;
+                continue;
+            }
+            if (head.uiHeaderBytes % QsbFormat::s_nEntryBytes != 0) return true;
+            if (ullBefore + QsbFormat::s_nBlockHeadBytes + head.uiHeaderBytes > ullShown) return true;
+            if (!m_rBlocks.AppendRead(ullOffset, head.uiId, head.uiDataBytes,
+                                      pHead + QsbFormat::s_nBlockHeadBytes,
+                                      head.uiHeaderBytes / QsbFormat::s_nEntryBytes)) {
+                return false;
+            }
+            ullOffset += head.BlockBytes();
+        }
     }
 
     bool AppendLongBlock(std::uint64_t ullOffset, const BlockHeadT& head)

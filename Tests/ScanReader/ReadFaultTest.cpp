@@ -68,10 +68,10 @@ class ReadFault : public Fixture, public testing::WithParamInterface<Call>
 protected:
     ReadFault()
     {
-        // The block of zeros makes the walk ask for holes; the others are so many that the list of blocks and
+        // The blocks of zeros make the walk ask for holes; the others are so many that the list of blocks and
         // the memory of their entries grow twice.
         Support::QsbBytes file;
-        file.Block(0);
+        file.Block(0).Block(0);
         for (std::uint32_t id = 100; id < 180; ++id)
             file.Block(id).Entry(7, 30, id).Entry(7, 31, id).Entry(7, 32, id);
         file.Block(1).Entry(40, 100).Entry(5, 101).Data(Support::SmallPoints(s_nPoints));

@@ -226,11 +226,12 @@ TEST(QsbBlockStretch, ItsIdentifiersCountAgainstTheLimit)
     std::uint64_t count = 2;
     for (; blocks.AppendReadStretch(many.data(), many.size()); count += many.size()) {
     }
-    for (; blocks.AppendReadStretch(ids.data(), ids.size()); count += ids.size()) {
+    // One by one it is filled to the last byte, as it would be by many at once.
+    for (; blocks.AppendReadEmpty(12 * count, ids[count % ids.size()], 1); ++count) {
     }
     EXPECT_EQ(blocks.GetCount(), count);
-    EXPECT_GT(4 * count, QsbBlockListC::s_ullMemoryLimit - 128);
-    EXPECT_LT(4 * count, QsbBlockListC::s_ullMemoryLimit);
+    EXPECT_EQ(sizeof(QsbBlockC) + 16 + 4 * count, QsbBlockListC::s_ullMemoryLimit);
+    EXPECT_FALSE(blocks.AppendReadStretch(ids.data(), 1));
     EXPECT_FALSE(blocks.AppendReadEmpty(12 * count, 18, 8));
     EXPECT_EQ(blocks.GetCount(), count);
 }

@@ -86,6 +86,21 @@ TEST_F(QsbStretchFile, AMixedChainIsWalkedAsItsBytesSay)
     }
 }
 
+TEST_F(QsbStretchFile, SingleEmptyBlocksBetweenOthersAreWalkedAsTheBytesSay)
+{
+    QsbBytes file;
+    for (std::uint32_t i = 0; i < 50000; ++i) {
+        file.Block(i % 7);
+        if (i % 12 == 0) file.Entry(7, 30, i);
+        if (i % 2 == 0) file.Data(BytesT(1 + i % 40));
+        if (i % 1000 == 0) file.Block(200 + i).Block(201 + i);
+    }
+    ASSERT_TRUE(scan.Open(folder.Write("scan.qsb", file)));
+    ExpectBlocksOf(file.Get(), Blocks());
+    EXPECT_EQ(Blocks().Find(3), 6);
+    EXPECT_TRUE(scan.container.Close());
+}
+
 TEST_F(QsbStretchFile, PointsBehindUnlikeEmptyBlocksAreRead)
 {
     QsbBytes file = FileOf({9, 3, 10, 11});

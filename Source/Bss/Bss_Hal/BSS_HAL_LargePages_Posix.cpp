@@ -2,13 +2,48 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Linux maps a large page at the first touch, where the memory begins at a multiple of its size and it has
-// been told before. The heap is no source of such memory: a hole that it left fits no second time.
+// been told before. The heap is no source of such memory: a hole that it left fits no second time. Where
+// reaching beyond memory is being looked for, the heap is the source all the same: it alone is watched.
 #include "Bss/Bss_Hal/BSS_HAL_LargePages.h"
 
 #include <cstdint>
+#include <cstring>
+#include <new>
 #include <sys/mman.h>
 
+#if defined(__SANITIZE_ADDRESS__)
+#define BSS_HAL_WATCHED_MEMORY
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define BSS_HAL_WATCHED_MEMORY
+#endif
+#endif
+
 namespace BSS::HAL {
+
+#if defined(BSS_HAL_WATCHED_MEMORY)
+
+namespace {
+
+constexpr std::align_val_t s_ePageBegin{4096};
+
+} // namespace
+
+void* TakeLargePage() noexcept
+{
+    try {
+        return std::memset(::operator new(s_nLargePageBytes, s_ePageBegin), 0, s_nLargePageBytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void GiveLargePageBack(void* pMemory) noexcept
+{
+    ::operator delete(pMemory, s_ePageBegin);
+}
+
+#else
 
 namespace {
 
@@ -53,5 +88,7 @@ void GiveLargePageBack(void* pMemory) noexcept
 {
     if (pMemory != nullptr) ::munmap(pMemory, s_nLargePageBytes);
 }
+
+#endif
 
 } // namespace BSS::HAL

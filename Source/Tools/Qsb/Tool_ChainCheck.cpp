@@ -77,7 +77,9 @@ private:
         const std::uint64_t ullHeaderPresent = std::min<std::uint64_t>(head.uiHeaderBytes, ullLeft);
         CheckHeaderSize(head, ullLeft);
         const auto nEntries = static_cast<std::size_t>(ullHeaderPresent / Format::s_nEntryBytes);
-        if (!m_oChain.oBlocks.HasRoomFor(nEntries) || !Append(head, nEntries)) return RefuseRoom();
+        // Whether there is room for a block without entries, the list alone knows: it may share a record.
+        if (nEntries != 0 && !m_oChain.oBlocks.HasRoomFor(nEntries)) return RefuseRoom();
+        if (!Append(head, nEntries)) return RefuseRoom();
         if (!m_oChain.bLastHeaderWhole) return false;
         const std::uint64_t ullDataOffset = m_ullOffset + Format::s_nBlockHeadBytes + head.uiHeaderBytes;
         const std::uint64_t ullHead = m_ullOffset;
