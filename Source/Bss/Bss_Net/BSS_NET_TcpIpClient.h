@@ -17,6 +17,7 @@
 #include "Bss/Bss_Net/BSS_NET_NameResolver.h"
 #include "Bss/Bss_Net/BSS_NET_SharedSocket.h"
 #include "Bss/Bss_Net/BSS_NET_SocketApi.h"
+#include "Bss/Bss_Net/BSS_NET_SocketsInUse.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClientStateMachine.h"
 
 #include <cstddef>
@@ -142,7 +143,7 @@ private:
     const NetTcpIpClientSettingsT m_settings;
     const LogC m_log;
     SocketApiI& m_api;
-    const bool m_bStarted; // the socket library
+    const SocketsInUseC m_socketsInUse;
     mutable TSK::MutexC m_configLock;
     NetTcpIpClientCfgT m_config;
     SharedSocketC m_Socket;

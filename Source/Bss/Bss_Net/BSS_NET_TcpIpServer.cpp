@@ -76,14 +76,13 @@ private:
 
 NetTcpIpServerC::NetTcpIpServerC(NetTcpIpServerSettingsT settings)
     : m_settings(std::move(settings)), m_log(m_settings.logger), m_api(*m_settings.pSockets),
-      m_socketsError(m_api.startUp()), m_listener(m_api), m_received(RECEIVE_BYTES),
+      m_socketsInUse(m_api), m_listener(m_api), m_received(RECEIVE_BYTES),
       m_task(std::make_unique<ServerTaskC>(*this))
 {}
 
 NetTcpIpServerC::~NetTcpIpServerC()
 {
     stop();
-    if (m_socketsError == 0) m_api.cleanUp();
 }
 
 ResultCodeT NetTcpIpServerC::configure(const std::string& address, std::uint16_t port)
@@ -134,6 +133,7 @@ ResultCodeT NetTcpIpServerC::startServing()
 
 void NetTcpIpServerC::stop()
 {
+    const boost::this_thread::disable_interruption undisturbed;
     const std::lock_guard<std::mutex> guard(m_lifeLock);
     {
         const std::lock_guard<std::mutex> lists(m_lock);
@@ -211,8 +211,8 @@ void NetTcpIpServerC::serve()
         NetTcpIpServerC& server;
         ~EndC()
         {
+            server.m_bServing = false; // first: a start() in between waits for the thread, and begins again
             server.endConnections();
-            server.m_bServing = false;
         }
     } const end{*this};
     while (waitForWork()) {

@@ -19,9 +19,17 @@ public:
     using AddressT = BSS::HAL::SocketAddressT;
 
     int startUp() override { return m_system.startUp(); }
-    int cleanUp() override { return m_system.cleanUp(); }
+    int cleanUp() override
+    {
+        if (onCleanUp) onCleanUp();
+        return m_system.cleanUp();
+    }
     SocketT open(BSS::HAL::AddressKind kind, int& error) override { return m_system.open(kind, error); }
-    int close(SocketT socket) override { return m_system.close(socket); }
+    int close(SocketT socket) override
+    {
+        if (onClose) onClose();
+        return m_system.close(socket);
+    }
     int setNonBlocking(SocketT socket) override { return m_system.setNonBlocking(socket); }
     int setNoDelay(SocketT socket) override
     {
@@ -81,6 +89,8 @@ public:
     std::atomic<int> nextAcceptError{0}; ///< takes the place of the next client that is there
     std::atomic<int> pollError{0};
     std::function<void(int timeoutMs)> onPoll; ///< to be set before the sockets are used
+    std::function<void()> onClose;             ///< likewise
+    std::function<void()> onCleanUp;           ///< likewise
     std::atomic<int> nPolls{0};
     std::atomic<int> nLimitedPolls{0}; ///< those that wait, but not for ever
 

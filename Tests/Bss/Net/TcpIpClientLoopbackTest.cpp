@@ -2,6 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The TCP/IP client with its thread, against servers on the loopback address that behave as servers do.
+#include "AlteredSockets.h"
 #include "TcpIpClientFixture.h"
 
 #include "Bss/Bss_Uti/BSS_UTI_Observer.h"
@@ -127,18 +128,30 @@ TEST_F(TcpIpClientLoopbackTest, ServerThatReadsNothingEndsAWriteWithTheTimeout)
 
 TEST_F(TcpIpClientLoopbackTest, CloseEndsAWriteThatWaits)
 {
+    AlteredSocketsC sockets;
+    std::atomic<bool> bFull{false};
+    std::atomic<bool> bWaits{false};
+    sockets.onPoll = [&](int timeoutMs) {
+        if (bFull && timeoutMs == NetTcpIpClientC::WRITE_TIMEOUT_MS) bWaits = true;
+    };
+    settings.pSockets = &sockets;
+    settings.receiveWaitMs = 1000; // another time than a write's
     ListenerC listener;
     Start(listener.port());
     const HeldSocketC peer = listener.accept();
     ASSERT_TRUE(Reaches(ONLINE));
     const std::vector<char> much(std::size_t{64} << 20);
-    std::thread writing([&] {
-        std::size_t nWritten = 0;
-        EXPECT_NE(Client().write(much.data(), much.size(), nWritten), RC_OK);
-    });
+    std::size_t nWritten = 0;
+    ASSERT_EQ(Client().write(much.data(), much.size(), nWritten), RC_TIMED_OUT);
+    log->Clear();
+    bFull = true;
+    std::thread writing([&] { EXPECT_EQ(Client().write("x", 1, nWritten), RC_CLOSED); });
+    EXPECT_TRUE(Eventually([&] { return bWaits.load(); }));
     Client().close();
     writing.join();
+    EXPECT_TRUE(log->Beginning("5 NetTcpIpClientC::writeData timeout").empty());
     EXPECT_TRUE(Reaches(IDLE));
+    End();
 }
 
 TEST_F(TcpIpClientLoopbackTest, ServerThatRestartsAHundredTimesIsFoundAgain)
