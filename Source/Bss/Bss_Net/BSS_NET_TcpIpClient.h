@@ -47,7 +47,7 @@ struct NetTcpIpClientSettingsT
 
     /// Signs of life that the system asks for on a silent connection: after how many seconds, how often, and
     /// how many may stay without an answer. 0 idle seconds: none. Bytes that were sent may stay without an
-    /// answer for as long as all that takes.
+    /// answer for as long as all that takes. Windows before 10 (1703) has its own number of them, 10.
     int keepAliveIdleSeconds = 30;
     int keepAliveIntervalSeconds = 5;
     int nKeepAliveProbes = 3;

@@ -39,8 +39,9 @@ constexpr std::size_t RECEIVE_BYTES = 16384;
 // One client takes no more of the thread's time than this before the others have their turn.
 constexpr std::size_t MAX_TURN_BYTES = std::size_t{1} << 18;
 
-// A client that has gone without a word is found out after two minutes, whether or not it was being sent
-// something. One that does not read at all for as long, with bytes waiting for it, counts as gone too.
+// A client that has gone without a word is found out after two minutes (older Windows has its own number of
+// probes, 10), whether or not it was being sent something. One that does not read at all for as long, with
+// bytes waiting for it, counts as gone too.
 constexpr int KEEP_ALIVE_IDLE_S = 60;
 constexpr int KEEP_ALIVE_INTERVAL_S = 15;
 constexpr int KEEP_ALIVE_PROBES = 4;
