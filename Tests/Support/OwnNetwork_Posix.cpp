@@ -55,6 +55,16 @@ bool HaveOwnNetwork()
            (::unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0 && MayDoEverything());
 }
 
+/// Machines without IPv6 may have it in a network of one's own. Refused where the system's settings are read
+/// only.
+void SwitchIpv6On()
+{
+    if (std::FILE* const setting = std::fopen("/proc/sys/net/ipv6/conf/lo/disable_ipv6", "w")) {
+        std::fputs("0", setting);
+        std::fclose(setting);
+    }
+}
+
 /// Nobody prints what fails in a child.
 bool TellFailures()
 {
@@ -70,6 +80,7 @@ bool TellFailures()
 int Run(const std::function<int()>& scenario)
 {
     if (!HaveOwnNetwork()) return NOT_PERMITTED;
+    SwitchIpv6On();
     const int answer = scenario();
     return TellFailures() && answer == 0 ? FAILED_WITHIN : answer;
 }
