@@ -93,6 +93,9 @@ protected:
         sockets.onPoll = [this](int timeoutMs) { // of the thread's own wait, not of a socket's
             if (timeoutMs < 0 && bNoMemory.exchange(false)) throw std::bad_alloc();
         };
+        sockets.onClose = [this] {
+            if (bHoldAtClose.exchange(false)) atClose.Hold();
+        };
     }
     ~TcpIpServerEndTest() override { End(); }
 
@@ -108,6 +111,8 @@ protected:
 
     const std::shared_ptr<EndRecorderC> recorder = std::make_shared<EndRecorderC>();
     std::atomic<bool> bNoMemory{false};
+    std::atomic<bool> bHoldAtClose{false};
+    HoldT atClose;
 
 private:
     const HeldSocketC m_waker = Open();
@@ -137,22 +142,17 @@ TEST_F(TcpIpServerEndTest, StartThatMeetsAThreadThatIsAboutToGoBringsTheServerBa
 // The thread is held as it ends its clients' connections, before the port is given back.
 TEST_F(TcpIpServerEndTest, StartThatMeetsAThreadThatEndsItsConnectionsBringsTheServerBack)
 {
-    HoldT hold;
-    std::atomic<bool> bEnding{false};
-    sockets.onClose = [&] {
-        if (bEnding.exchange(false)) hold.Hold();
-    };
     const HeldSocketC first = Join();
-    bEnding = true;
+    bHoldAtClose = true;
     EndTheThread();
-    ASSERT_TRUE(Eventually([&] { return hold.bHeld.load(); }));
+    ASSERT_TRUE(Eventually([&] { return atClose.bHeld.load(); }));
     std::future<ResultCodeT> answer = std::async(std::launch::async, [&] { return Server().start(); });
     // It waits for the thread, or believes in it.
     ASSERT_TRUE(Eventually([&] {
         return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready || WaitsForTheThread();
     }));
     EXPECT_TRUE(WaitsForTheThread());
-    hold.Let();
+    atClose.Let();
     EXPECT_EQ(answer.get(), RC_OK);
     const HeldSocketC client = Join();
     Server().send("back", 4);
