@@ -194,7 +194,28 @@ int JoinedNetworks::make()
     far([&bFar] { bFar = SwitchInterface(true) && SetAddress(FAR_END, FAR_ADDRESS); });
     if (!bFar || !switchFar(true)) return EIO;
     if (!SetAddress(NEAR_END, NEAR_ADDRESS) || !switchNear(true)) return EIO;
-    return Eventually([] { return IsInterfaceRunning(NEAR_END); }) ? 0 : EIO;
+    return Eventually([] { return IsInterfaceRunning(NEAR_END); }) && carries() ? 0 : EIO;
+}
+
+// An interface that is running may still throw away what comes first, and the first step to a connection is
+// not repeated within a second.
+bool JoinedNetworks::carries() const
+{
+    int receiving = -1;
+    sockaddr place = Address(FAR_ADDRESS);
+    socklen_t length = sizeof(place);
+    far([&] {
+        receiving = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        if (::bind(receiving, &place, length) != 0 || ::getsockname(receiving, &place, &length) != 0)
+            length = 0;
+    });
+    const DescriptorC receiver(receiving);
+    const DescriptorC sender(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    return length != 0 && Eventually([&] {
+               char byte = 'x';
+               ::sendto(sender, &byte, 1, 0, &place, length);
+               return ::recv(receiver, &byte, 1, 0) == 1;
+           });
 }
 
 void JoinedNetworks::far(const std::function<void()>& action) const

@@ -39,6 +39,7 @@ public:
 
 private:
     int make();
+    bool carries() const;
 
     int m_near = -1; // the networks, as open files
     int m_far = -1;

@@ -11,7 +11,7 @@
 
 namespace Support {
 
-TestLimit::TestLimit(std::chrono::seconds limit) : m_limit(limit), m_watcher([this] { Watch(); }) {}
+TestLimit::TestLimit(std::chrono::seconds limit) : m_limit(limit) {}
 
 TestLimit::~TestLimit()
 {
@@ -20,7 +20,7 @@ TestLimit::~TestLimit()
         m_over = true;
     }
     m_changed.notify_one();
-    m_watcher.join();
+    if (m_watcher.joinable()) m_watcher.join();
 }
 
 void TestLimit::OnTestStart(const testing::TestInfo& test)
@@ -30,6 +30,7 @@ void TestLimit::OnTestStart(const testing::TestInfo& test)
         m_test = std::string(test.test_suite_name()) + "." + test.name();
         m_deadline = ClockT::now() + m_limit;
     }
+    if (!m_watcher.joinable()) m_watcher = std::thread([this] { Watch(); });
     m_changed.notify_one();
 }
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Ends the process when one test takes longer than it may, so that a run of many tests in one process cannot hang. A
-// thread of its own watches; it lives as long as this does.
+// Ends the process when one test takes longer than it may, so that a run of many tests in one process cannot
+// hang. A thread of its own watches, from the first test on; the child of a death test has none, so that it
+// may have what the system gives to processes with one thread only.
 #pragma once
 
 #include <chrono>

@@ -12,6 +12,7 @@ namespace BSS::BIO {
 
 void ReaderC::readBytes(std::uint8_t* bytes, std::size_t count)
 {
+    if (m_bMissing) throw OverflowExceptionC("there are no bytes to read from", RC_OBJECT_MISSING);
     if (count > getRest()) throw OverflowExceptionC("value reaches beyond the end of the bytes");
     std::copy(m_bytes + m_position, m_bytes + m_position + count, bytes);
     m_position += count;

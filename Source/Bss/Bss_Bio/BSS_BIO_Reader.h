@@ -11,9 +11,11 @@ namespace BSS::BIO {
 class ReaderC : public BinaryPersistencyC
 {
 public:
-    /// The bytes are not copied.
+    /// The bytes are not copied. Where there are none although there should be, reading throws
+    /// OverflowExceptionC with RC_OBJECT_MISSING.
     ReaderC(const void* bytes, std::size_t count) noexcept
-        : m_bytes(static_cast<const std::uint8_t*>(bytes)), m_count(count)
+        : m_bytes(static_cast<const std::uint8_t*>(bytes)), m_count(bytes != nullptr ? count : 0),
+          m_bMissing(bytes == nullptr && count > 0)
     {}
 
     std::size_t getPosition() const noexcept override { return m_position; }
@@ -25,6 +27,7 @@ protected:
 private:
     const std::uint8_t* const m_bytes;
     const std::size_t m_count;
+    const bool m_bMissing;
     std::size_t m_position = 0;
 };
 

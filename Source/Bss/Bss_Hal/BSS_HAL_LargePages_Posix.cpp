@@ -25,14 +25,14 @@ namespace BSS::HAL {
 
 namespace {
 
-constexpr std::align_val_t s_ePageBegin{4096};
+constexpr std::align_val_t s_eAlignment{s_nLargePageAlignment};
 
 } // namespace
 
 void* TakeLargePage() noexcept
 {
     try {
-        return std::memset(::operator new(s_nLargePageBytes, s_ePageBegin), 0, s_nLargePageBytes);
+        return std::memset(::operator new(s_nLargePageBytes, s_eAlignment), 0, s_nLargePageBytes);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -40,7 +40,7 @@ void* TakeLargePage() noexcept
 
 void GiveLargePageBack(void* pMemory) noexcept
 {
-    ::operator delete(pMemory, s_ePageBegin);
+    ::operator delete(pMemory, s_eAlignment);
 }
 
 #else

@@ -8,6 +8,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Hal/BSS_HAL_Winsock.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -40,6 +41,11 @@ public:
 
     bool isOpen() const noexcept { return m_socket != INVALID_SOCKET; }
     SOCKET get() const noexcept { return m_socket; }
+    bool binds(const SocketAddressT& address) const noexcept
+    {
+        const auto* system = reinterpret_cast<const sockaddr*>(address.bytes.data());
+        return ::bind(m_socket, system, static_cast<int>(address.length)) == 0;
+    }
 
 private:
     const SOCKET m_socket;
@@ -95,7 +101,8 @@ std::string SystemAddressText(const SocketAddressT& address)
     return error == 0 ? Utf8FromWide(text.data()) : std::string();
 }
 
-// Sockets answer for IPv4 and IPv6 themselves, without another system library.
+// Sockets answer for IPv4 and IPv6 themselves, without another system library. They may leave the loopback
+// address out.
 int ActiveAddresses(std::vector<SocketAddressT>& addresses)
 {
     addresses.clear();
@@ -112,6 +119,14 @@ int ActiveAddresses(std::vector<SocketAddressT>& addresses)
             addresses.push_back(AddressFromSystem(
                 list->Address[n].lpSockaddr, static_cast<std::size_t>(list->Address[n].iSockaddrLength)));
         }
+        SocketAddressT loopback;
+        const bool bThere =
+            ParseAddress(family == AF_INET ? "127.0.0.1" : "::1", 0, loopback) && socket.binds(loopback);
+        const auto isTold = [family](const SocketAddressT& address) {
+            return IsLoopback(address) &&
+                   KindOf(address) == (family == AF_INET ? AddressKind::IPv4 : AddressKind::IPv6);
+        };
+        if (bThere && std::none_of(addresses.begin(), addresses.end(), isTold)) addresses.push_back(loopback);
     }
     return 0;
 }

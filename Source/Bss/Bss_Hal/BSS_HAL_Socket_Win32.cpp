@@ -109,8 +109,11 @@ int SetNoDelay(SocketT socket) noexcept
     return SetOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
 }
 
-int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int) noexcept
+int SetKeepAlive(SocketT socket, int idleSeconds, int intervalSeconds, int nProbes) noexcept
 {
+    // Older systems refuse this and stay with their own number.
+    constexpr int PROBES_OPTION = 16;
+    static_cast<void>(SetOption(socket, IPPROTO_TCP, PROBES_OPTION, static_cast<DWORD>(nProbes)));
     tcp_keepalive values = {};
     values.onoff = 1;
     values.keepalivetime = static_cast<u_long>(idleSeconds) * 1000;

@@ -31,13 +31,6 @@ constexpr std::uint32_t LONG_WAIT_MS = 60000;
 // Without descriptors to spare, or where the system lets it wait for nothing, it looks for itself.
 constexpr std::uint64_t UNWAKEABLE_WAIT_MS = 100;
 
-bool StartUp(SocketApiI& api, const LogC& log)
-{
-    const int error = api.startUp();
-    if (error != 0) log(START_UP_FAILED, error);
-    return error == 0;
-}
-
 } // namespace
 
 class NetTcpIpClientC::ClientTaskC final : public TSK::TaskC
@@ -73,18 +66,20 @@ private:
 
 NetTcpIpClientC::NetTcpIpClientC(NetTcpIpClientSettingsT settings)
     : m_settings(std::move(settings)), m_log(m_settings.logger), m_api(*m_settings.pSockets),
-      m_bStarted(StartUp(m_api, m_log)), m_timer(m_settings.clock),
+      m_socketsInUse(m_api), m_timer(m_settings.clock),
       m_machine(*this, m_timer, m_log, m_settings.reconnect),
       m_buffer(std::max<std::size_t>(m_settings.receiveBufferBytes, 1)),
       m_task(std::make_unique<ClientTaskC>(*this))
-{}
+{
+    if (const int error = m_socketsInUse.getError()) m_log(START_UP_FAILED, error);
+}
 
 NetTcpIpClientC::~NetTcpIpClientC()
 {
+    const boost::this_thread::disable_interruption undisturbed;
     stop();
     m_task->waitForStop(-1);
     finish(); // one that was served by another thread
-    if (m_bStarted) m_api.cleanUp();
 }
 
 ResultCodeT NetTcpIpClientC::setPortConfig(const NetTcpIpClientCfgT& config)
@@ -153,8 +148,8 @@ void NetTcpIpClientC::disconnectTcpIp()
 
 void NetTcpIpClientC::close()
 {
-    m_machine.close();
-    post(ClientRequest::Close);
+    m_machine.close(); // posts the request, too
+    m_waker.wake();
 }
 
 void NetTcpIpClientC::post(ClientRequest request)

@@ -17,6 +17,7 @@
 #include "Bss/Bss_Net/BSS_NET_NameResolver.h"
 #include "Bss/Bss_Net/BSS_NET_SharedSocket.h"
 #include "Bss/Bss_Net/BSS_NET_SocketApi.h"
+#include "Bss/Bss_Net/BSS_NET_SocketsInUse.h"
 #include "Bss/Bss_Net/BSS_NET_TcpIpClientStateMachine.h"
 
 #include <cstddef>
@@ -46,7 +47,7 @@ struct NetTcpIpClientSettingsT
 
     /// Signs of life that the system asks for on a silent connection: after how many seconds, how often, and
     /// how many may stay without an answer. 0 idle seconds: none. Bytes that were sent may stay without an
-    /// answer for as long as all that takes.
+    /// answer for as long as all that takes. Windows before 10 (1703) has its own number of them, 10.
     int keepAliveIdleSeconds = 30;
     int keepAliveIntervalSeconds = 5;
     int nKeepAliveProbes = 3;
@@ -142,7 +143,7 @@ private:
     const NetTcpIpClientSettingsT m_settings;
     const LogC m_log;
     SocketApiI& m_api;
-    const bool m_bStarted; // the socket library
+    const SocketsInUseC m_socketsInUse;
     mutable TSK::MutexC m_configLock;
     NetTcpIpClientCfgT m_config;
     SharedSocketC m_Socket;

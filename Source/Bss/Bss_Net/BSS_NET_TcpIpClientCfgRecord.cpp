@@ -61,8 +61,8 @@ ResultCodeT LoadClientCfg(BIO::BinaryPersistencyC& persistency, NetTcpIpClientCf
     try {
         const ResultCodeT rc = Load(persistency, loaded);
         if (rc != RC_OK) return rc;
-    } catch (const BIO::OverflowExceptionC&) {
-        return RC_BUFFER_BOUNDS;
+    } catch (const BIO::OverflowExceptionC& error) {
+        return error.GetResultCode();
     }
     config = std::move(loaded);
     return RC_OK;

@@ -15,9 +15,10 @@ namespace BSS::NET {
 [[nodiscard]] ResultCodeT StoreClientCfg(BIO::BinaryPersistencyC& persistency,
                                          const NetTcpIpClientCfgT& config);
 
-/// Loads it from wherever it comes: RC_OK; RC_BUFFER_BOUNDS when the record ends too early; RC_VALUE_REJECTED
-/// for a version or an auto-connect mode that is not known; RC_INVALID_ARGUMENT for a name or a port that
-/// cannot be. `config` is unchanged unless it is RC_OK. What follows the record is not looked at.
+/// Loads it from wherever it comes: RC_OK; RC_BUFFER_BOUNDS when the record ends too early; RC_OBJECT_MISSING
+/// when the reader has no buffer; RC_VALUE_REJECTED for a version or an auto-connect mode that is not known;
+/// RC_INVALID_ARGUMENT for a name or a port that cannot be. `config` is unchanged unless it is RC_OK. What
+/// follows the record is not looked at.
 [[nodiscard]] ResultCodeT LoadClientCfg(BIO::BinaryPersistencyC& persistency, NetTcpIpClientCfgT& config);
 
 } // namespace BSS::NET

@@ -143,6 +143,10 @@ ResultCodeT NetTcpIpClientC::waitForConnection()
         m_log(CONNECT_FAILED, Shown(socket), HAL::SocketErrorText(error));
         return RC_FAILED;
     }
+    if (pending == 0 && !items[0].canWrite) { // an exception that the system has no number for
+        m_log(CONNECT_FAILED, Shown(socket), HAL::SocketErrorText(0));
+        return RC_FAILED;
+    }
     if (pending != 0) {
         m_log(ERROR_REPORTED, Shown(socket), pending, HAL::SocketErrorText(pending));
         return RC_FAILED;
@@ -163,7 +167,11 @@ void NetTcpIpClientC::shutdownConnection()
 {
     m_log(SHUTDOWN);
     int error = 0;
-    if (shutdownSocket(error) == HAL::NO_SOCKET) {
+    const bool bSocket = m_Socket.with([&](HAL::SocketT socket) {
+        error = m_api.shutdown(socket, HAL::ShutdownKind::Both);
+        return socket != HAL::NO_SOCKET;
+    });
+    if (!bSocket) {
         m_log(SHUTDOWN_ALREADY);
     } else if (error == 0) {
         m_log(SHUTDOWN_DONE);
@@ -172,10 +180,12 @@ void NetTcpIpClientC::shutdownConnection()
     }
 }
 
-// With no socket the system is asked all the same, for its words about that.
+// With no socket the system is asked all the same, for its words about that. The request is there before the
+// connection ends, and the socket stays until it has: what observers of that end ask for comes after it.
 HAL::SocketT NetTcpIpClientC::shutdownSocket(int& error)
 {
     return m_Socket.with([&](HAL::SocketT socket) {
+        m_requests.post(ClientRequest::Close);
         error = m_api.shutdown(socket, HAL::ShutdownKind::Both);
         return socket;
     });

@@ -39,8 +39,8 @@ public:
     /// Waits until nobody uses the socket any more and closes it. Nothing when there is none.
     virtual void closeSocket() = 0;
 
-    /// Ends the connection on behalf of close(), from any thread: the number of the socket and the system's
-    /// error. NO_SOCKET when there is none.
+    /// Asks for executeClose() and then ends the connection, on behalf of close(), from any thread: the
+    /// number of the socket and the system's error. NO_SOCKET when there is none.
     virtual HAL::SocketT shutdownSocket(int& error) = 0;
 
     /// Tells the reader and the writer.

@@ -39,8 +39,9 @@ constexpr std::size_t RECEIVE_BYTES = 16384;
 // One client takes no more of the thread's time than this before the others have their turn.
 constexpr std::size_t MAX_TURN_BYTES = std::size_t{1} << 18;
 
-// A client that has gone without a word is found out after two minutes, whether or not it was being sent
-// something. One that does not read at all for as long, with bytes waiting for it, counts as gone too.
+// A client that has gone without a word is found out after two minutes (older Windows has its own number of
+// probes, 10), whether or not it was being sent something. One that does not read at all for as long, with
+// bytes waiting for it, counts as gone too.
 constexpr int KEEP_ALIVE_IDLE_S = 60;
 constexpr int KEEP_ALIVE_INTERVAL_S = 15;
 constexpr int KEEP_ALIVE_PROBES = 4;
@@ -76,14 +77,13 @@ private:
 
 NetTcpIpServerC::NetTcpIpServerC(NetTcpIpServerSettingsT settings)
     : m_settings(std::move(settings)), m_log(m_settings.logger), m_api(*m_settings.pSockets),
-      m_socketsError(m_api.startUp()), m_listener(m_api), m_received(RECEIVE_BYTES),
+      m_socketsInUse(m_api), m_listener(m_api), m_received(RECEIVE_BYTES),
       m_task(std::make_unique<ServerTaskC>(*this))
 {}
 
 NetTcpIpServerC::~NetTcpIpServerC()
 {
     stop();
-    if (m_socketsError == 0) m_api.cleanUp();
 }
 
 ResultCodeT NetTcpIpServerC::configure(const std::string& address, std::uint16_t port)
@@ -134,6 +134,7 @@ ResultCodeT NetTcpIpServerC::startServing()
 
 void NetTcpIpServerC::stop()
 {
+    const boost::this_thread::disable_interruption undisturbed;
     const std::lock_guard<std::mutex> guard(m_lifeLock);
     {
         const std::lock_guard<std::mutex> lists(m_lock);
@@ -211,8 +212,8 @@ void NetTcpIpServerC::serve()
         NetTcpIpServerC& server;
         ~EndC()
         {
+            server.m_bServing = false; // first: a start() in between waits for the thread, and begins again
             server.endConnections();
-            server.m_bServing = false;
         }
     } const end{*this};
     while (waitForWork()) {

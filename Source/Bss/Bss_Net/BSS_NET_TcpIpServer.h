@@ -16,6 +16,7 @@
 #include "Bss/Bss_Net/BSS_NET_LogLine.h"
 #include "Bss/Bss_Net/BSS_NET_SocketApi.h"
 #include "Bss/Bss_Net/BSS_NET_SocketServer.h"
+#include "Bss/Bss_Net/BSS_NET_SocketsInUse.h"
 #include "Bss/Bss_Net/BSS_NET_StreamBuffer.h"
 
 #include <atomic>
@@ -98,7 +99,7 @@ private:
     const LogC m_log;
     SocketApiI& m_api;
     HAL::SocketAddressT m_address;
-    const int m_socketsError;
+    const SocketsInUseC m_socketsInUse;
     HAL::SocketWakerC m_waker;
     SocketServerC m_listener;
     std::atomic<std::uint16_t> m_port{0};

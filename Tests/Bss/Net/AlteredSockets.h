@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 
 namespace NetTests {
@@ -19,9 +20,17 @@ public:
     using AddressT = BSS::HAL::SocketAddressT;
 
     int startUp() override { return m_system.startUp(); }
-    int cleanUp() override { return m_system.cleanUp(); }
+    int cleanUp() override
+    {
+        if (onCleanUp) onCleanUp();
+        return m_system.cleanUp();
+    }
     SocketT open(BSS::HAL::AddressKind kind, int& error) override { return m_system.open(kind, error); }
-    int close(SocketT socket) override { return m_system.close(socket); }
+    int close(SocketT socket) override
+    {
+        if (onClose) onClose();
+        return m_system.close(socket);
+    }
     int setNonBlocking(SocketT socket) override { return m_system.setNonBlocking(socket); }
     int setNoDelay(SocketT socket) override
     {
@@ -42,7 +51,13 @@ public:
         return m_system.connect(socket, address);
     }
     int bind(SocketT socket, const AddressT& address) override { return m_system.bind(socket, address); }
-    int listen(SocketT socket, int backlog) override { return m_system.listen(socket, backlog); }
+    int listen(SocketT socket, int backlog) override
+    {
+        const int error = m_system.listen(socket, backlog);
+        AddressT address;
+        if (BSS::HAL::LocalAddressOf(socket, address) == 0) listenedPort = BSS::HAL::PortOf(address);
+        return error;
+    }
     SocketT accept(SocketT socket, AddressT& peer, int& error) override
     {
         const SocketT accepted = m_system.accept(socket, peer, error);
@@ -80,7 +95,10 @@ public:
     std::atomic<int> optionError{0};
     std::atomic<int> nextAcceptError{0}; ///< takes the place of the next client that is there
     std::atomic<int> pollError{0};
-    std::function<void(int timeoutMs)> onPoll; ///< to be set before the sockets are used
+    std::function<void(int timeoutMs)> onPoll;  ///< to be set before the sockets are used
+    std::function<void()> onClose;              ///< likewise
+    std::function<void()> onCleanUp;            ///< likewise
+    std::atomic<std::uint16_t> listenedPort{0}; ///< the last one
     std::atomic<int> nPolls{0};
     std::atomic<int> nLimitedPolls{0}; ///< those that wait, but not for ever
 

@@ -56,7 +56,7 @@ TEST_P(HalSocketFamilyTest, PeerOfOneEndIsTheOtherEnd)
     EXPECT_EQ(PortOf(peer), PortOf(local));
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, HalSocketFamilyTest, testing::Values("127.0.0.1", "::1"));
+INSTANTIATE_TEST_SUITE_P(Both, HalSocketFamilyTest, testing::ValuesIn(LoopbackAddresses()));
 
 TEST_F(HalSocketTest, NonBlockingReceiveWithoutDataSaysThatItWouldWait)
 {
@@ -143,7 +143,8 @@ TEST_F(HalSocketTest, RefusedConnectWakesItsPollAndLeavesItsError)
 {
     const HeldSocketC client = Open();
     ASSERT_EQ(SetNonBlocking(client, true), 0);
-    const int error = ConnectSocket(client, Address("127.0.0.1", DeadPort()));
+    const DeadPortC dead;
+    const int error = ConnectSocket(client, Address("127.0.0.1", dead.port()));
     if (!IsConnectPending(error)) {
         EXPECT_NE(error, 0); // refused at once
         return;

@@ -2,7 +2,9 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // What only this platform's sockets can go wrong with: signals, high descriptors, child processes.
+#include "DescriptorLimit_Posix.h"
 #include "Loopback.h"
+#include "Support/Environment.h"
 
 #include <atomic>
 #include <cerrno>
@@ -11,7 +13,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <pthread.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
@@ -24,20 +25,17 @@ namespace {
 TEST(HalSocketPosixTest, DescriptorsBeyondAThousandAreWatched)
 {
     constexpr int HIGH = 1500;
-    rlimit limit = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    if (limit.rlim_cur <= HIGH) {
-        rlimit more = limit;
-        more.rlim_cur = HIGH + 1;
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &more), 0) << "this process may not open enough files";
+    if (!MayHaveDescriptors(HIGH + 1)) {
+        ASSERT_NE(Support::GetEnvironment("CI").value_or(""), "true") << "not enough descriptors here";
+        GTEST_SKIP() << "this process may not have so many descriptors";
     }
+    const DescriptorLimitC enough(HIGH + 1);
     const PairT pair = Pair();
     const int high = ::fcntl(static_cast<int>(static_cast<SocketT>(pair.client)), F_DUPFD, HIGH);
     ASSERT_GE(high, HIGH);
     SendBytes(pair.server, "x", 1);
     EXPECT_TRUE(CanRead(high));
     ::close(high);
-    ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 TEST(HalSocketPosixTest, SocketsAreNotInheritedByOtherPrograms)

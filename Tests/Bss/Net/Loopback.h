@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace NetTests {
 
@@ -135,11 +136,49 @@ inline PairT Pair(const std::string& text = "127.0.0.1")
     return pair;
 }
 
-/// A port where nobody listens.
-inline std::uint16_t DeadPort()
+/// A port where nobody listens, and that the system gives to nobody else while this lives.
+class DeadPortC
 {
-    ListenerC listener;
-    return listener.port();
+public:
+    explicit DeadPortC(const std::string& text = "127.0.0.1") : m_text(text), m_socket(Open())
+    {
+        BSS::HAL::SocketAddressT address;
+        EXPECT_EQ(BSS::HAL::BindSocket(m_socket, Address(m_text, 0)), 0);
+        EXPECT_EQ(BSS::HAL::LocalAddressOf(m_socket, address), 0);
+        m_port = BSS::HAL::PortOf(address);
+    }
+
+    std::uint16_t port() const { return m_port; }
+
+    /// Listens there; dead again when that has ended. Where the system lets nobody in beside the socket that
+    /// keeps the port, it is kept no longer.
+    ListenerC listen()
+    {
+        if (BSS::HAL::BindSocket(Open(), Address(m_text, m_port)) != 0) m_socket.close();
+        return ListenerC(m_text, m_port);
+    }
+
+private:
+    const std::string m_text;
+    HeldSocketC m_socket;
+    std::uint16_t m_port = 0;
+};
+
+/// "127.0.0.1", and "::1" where this network has it: containers often have not.
+inline std::vector<const char*> LoopbackAddresses()
+{
+    std::vector<const char*> addresses = {"127.0.0.1"};
+    BSS::HAL::StartSockets();
+    BSS::HAL::SocketAddressT address;
+    int error = 0;
+    const BSS::HAL::SocketT socket = BSS::HAL::OpenSocket(BSS::HAL::AddressKind::IPv6, error);
+    if (socket != BSS::HAL::NO_SOCKET) {
+        if (BSS::HAL::ParseAddress("::1", 0, address) && BSS::HAL::BindSocket(socket, address) == 0)
+            addresses.push_back("::1");
+        BSS::HAL::CloseSocket(socket);
+    }
+    BSS::HAL::StopSockets();
+    return addresses;
 }
 
 } // namespace NetTests

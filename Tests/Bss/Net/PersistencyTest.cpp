@@ -119,6 +119,20 @@ TEST_F(PersistencyTest, TextThatIsTooLongForItsLengthThrows)
     EXPECT_EQ(large.getSize(), 0U);
 }
 
+TEST_F(PersistencyTest, ReaderWithoutABufferSaysThatItIsMissing)
+{
+    ReaderC reader(nullptr, 100);
+    EXPECT_EQ(reader.getRest(), 0U);
+    try {
+        reader.read<std::uint8_t>("value");
+        FAIL() << "a value without a buffer";
+    } catch (const OverflowExceptionC& error) {
+        EXPECT_EQ(error.GetResultCode(), RC_OBJECT_MISSING);
+    }
+    NetTcpIpClientCfgT config;
+    EXPECT_EQ(LoadClientCfg(reader, config), RC_OBJECT_MISSING);
+}
+
 TEST_F(PersistencyTest, WritingToAReaderIsReportedAndDoesNothing)
 {
     ReaderC reader(nullptr, 0);

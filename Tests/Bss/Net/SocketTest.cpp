@@ -88,7 +88,8 @@ TEST_F(SocketTest, NothingToMoveIsAnInvalidArgument)
 
 TEST_F(SocketTest, RefusedConnectionLeavesNoSocketAndTellsTheError)
 {
-    EXPECT_NE(client.connect(Address("127.0.0.1", DeadPort()), LONG_MS), RC_OK);
+    const DeadPortC dead;
+    EXPECT_NE(client.connect(Address("127.0.0.1", dead.port()), LONG_MS), RC_OK);
     EXPECT_FALSE(client.isValid());
     EXPECT_NE(client.getLastError(), 0);
 }

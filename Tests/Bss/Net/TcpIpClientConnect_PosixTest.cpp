@@ -47,7 +47,8 @@ TEST_F(TcpIpClientConnectTest, AttemptAtASilentServerEndsAfterASecond)
     const auto begin = std::chrono::steady_clock::now();
     Start(port());
     ASSERT_TRUE(Logs(TIMED_OUT));
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1000));
+    // The client counts whole milliseconds.
+    EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(999));
     EXPECT_EQ(Client().getState(), SETTING_UP);
     EXPECT_EQ(watcher.nOnline, 0U);
 }

@@ -80,7 +80,7 @@ private:
 
 int LoseTheInterfaceAndGetItBack()
 {
-    ConnectedC connected(500, 0);
+    ConnectedC connected(1500, 0); // longer than a thread waits for its turn on a busy machine
     LastEventC& events = connected.events;
     if (!connected.bOnline) return 3;
     // The server keeps talking, so that the silence is the interface's.

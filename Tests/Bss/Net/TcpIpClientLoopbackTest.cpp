@@ -2,8 +2,10 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The TCP/IP client with its thread, against servers on the loopback address that behave as servers do.
-#include "TcpIpClientFixture.h"
+#include "AlteredSockets.h"
+#include "TcpIpClientScenarios.h"
 
+#include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Uti/BSS_UTI_Observer.h"
 
 #include <array>
@@ -24,7 +26,7 @@ using Support::Eventually;
 
 namespace {
 
-class TcpIpClientLoopbackTest : public TcpIpClientFixtureC
+class TcpIpClientLoopbackTest : public TcpIpClientScenariosC
 {};
 
 TEST_F(TcpIpClientLoopbackTest, BytesGoBothWays)
@@ -42,14 +44,19 @@ TEST_F(TcpIpClientLoopbackTest, BytesGoBothWays)
     EXPECT_TRUE(Eventually([this] { return watcher.Data() == "pong"; }));
 }
 
-TEST_F(TcpIpClientLoopbackTest, ConnectsOverIpv6)
+class TcpIpClientFamilyTest : public TcpIpClientLoopbackTest, public testing::WithParamInterface<const char*>
+{};
+
+TEST_P(TcpIpClientFamilyTest, ConnectsToAnAddressOfThatKind)
 {
-    config.m_wszIpDnsName = L"::1";
-    ListenerC listener("::1");
+    config.m_wszIpDnsName = HAL::WideFromUtf8(GetParam());
+    ListenerC listener(GetParam());
     Start(listener.port());
     const HeldSocketC peer = listener.accept();
     EXPECT_TRUE(Reaches(ONLINE));
 }
+
+INSTANTIATE_TEST_SUITE_P(Both, TcpIpClientFamilyTest, testing::ValuesIn(LoopbackAddresses()));
 
 TEST_F(TcpIpClientLoopbackTest, ConnectsByName)
 {
@@ -62,18 +69,13 @@ TEST_F(TcpIpClientLoopbackTest, ConnectsByName)
 
 TEST_F(TcpIpClientLoopbackTest, AbsentServerIsTriedAgainUntilItIsThere)
 {
-    config.m_eAutoConnect = AutoConnect::WITH_TIMER;
-    const std::uint16_t port = DeadPort();
-    Start(port);
-    ASSERT_TRUE(Logs("5 NetTcpIpClientC::"));
-    ListenerC listener("127.0.0.1", port);
-    const HeldSocketC peer = listener.accept();
-    EXPECT_TRUE(Reaches(ONLINE));
+    IsAbsentThenThere();
 }
 
 TEST_F(TcpIpClientLoopbackTest, AbsentServerWithoutAutoConnectIsTriedOnce)
 {
-    Start(DeadPort());
+    const DeadPortC dead;
+    Start(dead.port());
     ASSERT_TRUE(Logs("5 NetTcpIpClientC::"));
     EXPECT_TRUE(Reaches(SETTING_UP));
     Client().stop();
@@ -83,23 +85,12 @@ TEST_F(TcpIpClientLoopbackTest, AbsentServerWithoutAutoConnectIsTriedOnce)
 
 TEST_F(TcpIpClientLoopbackTest, ResetRightAfterAcceptIsALossAndIsMended)
 {
-    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
-    ListenerC listener;
-    Start(listener.port());
-    for (int n = 0; n < 20; ++n)
-        listener.accept().reset();
-    const HeldSocketC peer = listener.accept();
-    EXPECT_TRUE(Reaches(ONLINE));
+    ResetsRightAfterAccept();
 }
 
 TEST_F(TcpIpClientLoopbackTest, HalfClosedConnectionIsALoss)
 {
-    ListenerC listener;
-    Start(listener.port());
-    const HeldSocketC peer = listener.accept();
-    ASSERT_TRUE(Reaches(ONLINE));
-    HAL::ShutdownSocket(peer, HAL::ShutdownKind::Sending);
-    EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::CLOSED_BY_PEER); }));
+    ClosesHalf();
 }
 
 TEST_F(TcpIpClientLoopbackTest, SilentServerEndsWithTheReceiveLimit)
@@ -111,76 +102,70 @@ TEST_F(TcpIpClientLoopbackTest, SilentServerEndsWithTheReceiveLimit)
     EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::RECEIVE_TIMEOUT); }));
 }
 
+TEST_F(TcpIpClientLoopbackTest, SilenceWithoutALimitEndsNothing)
+{
+    settings.receiveWaitMs = 1;
+    config.m_ulMaxReceiveTimeoutMs = 0;
+    ListenerC listener;
+    Start(listener.port());
+    const HeldSocketC peer = listener.accept();
+    EXPECT_TRUE(Eventually([this] {
+        std::size_t nWaits = 0;
+        for (const std::string& message : log->Messages())
+            nWaits += message.ends_with(", no max timeout set.\n") ? 1 : 0;
+        return nWaits >= 2;
+    }));
+    HAL::SendBytes(peer, "x", 1);
+    EXPECT_TRUE(Eventually([this] { return watcher.Data() == "x"; }));
+    EXPECT_EQ(watcher.Count(BIO::OFFLINE), 0U);
+}
+
 TEST_F(TcpIpClientLoopbackTest, ServerThatReadsNothingEndsAWriteWithTheTimeout)
 {
+    ReadsNothing();
+}
+
+TEST_F(TcpIpClientLoopbackTest, CloseEndsAWriteThatWaits)
+{
+    AlteredSocketsC sockets;
+    std::atomic<bool> bFull{false};
+    std::atomic<bool> bWaits{false};
+    sockets.onPoll = [&](int timeoutMs) {
+        if (bFull && timeoutMs == NetTcpIpClientC::WRITE_TIMEOUT_MS) bWaits = true;
+    };
+    settings.pSockets = &sockets;
+    settings.receiveWaitMs = 1000; // another time than a write's
     ListenerC listener;
     Start(listener.port());
     const HeldSocketC peer = listener.accept();
     ASSERT_TRUE(Reaches(ONLINE));
     const std::vector<char> much(std::size_t{64} << 20);
     std::size_t nWritten = 0;
-    EXPECT_EQ(Client().write(much.data(), much.size(), nWritten), RC_TIMED_OUT);
-    EXPECT_LT(nWritten, much.size());
-    EXPECT_TRUE(log->Has("5 NetTcpIpClientC::writeData timeout(500ms) exceeded\r\n"));
-    EXPECT_EQ(Client().getState(), ONLINE);
-}
-
-TEST_F(TcpIpClientLoopbackTest, CloseEndsAWriteThatWaits)
-{
-    ListenerC listener;
-    Start(listener.port());
-    const HeldSocketC peer = listener.accept();
-    ASSERT_TRUE(Reaches(ONLINE));
-    const std::vector<char> much(std::size_t{64} << 20);
-    std::thread writing([&] {
-        std::size_t nWritten = 0;
-        EXPECT_NE(Client().write(much.data(), much.size(), nWritten), RC_OK);
-    });
+    ASSERT_EQ(Client().write(much.data(), much.size(), nWritten), RC_TIMED_OUT);
+    log->Clear();
+    bFull = true;
+    std::thread writing([&] { EXPECT_EQ(Client().write("x", 1, nWritten), RC_CLOSED); });
+    EXPECT_TRUE(Eventually([&] { return bWaits.load(); }));
     Client().close();
     writing.join();
+    EXPECT_TRUE(log->Beginning("5 NetTcpIpClientC::writeData timeout").empty());
     EXPECT_TRUE(Reaches(IDLE));
+    End();
 }
 
 TEST_F(TcpIpClientLoopbackTest, ServerThatRestartsAHundredTimesIsFoundAgain)
 {
-    config.m_eAutoConnect = AutoConnect::WITH_TIMER;
-    std::uint16_t port = DeadPort();
-    Start(port);
-    for (int n = 0; n < 100; ++n) {
-        ListenerC listener("127.0.0.1", port);
-        const HeldSocketC peer = listener.accept();
-        HAL::SendBytes(peer, "x", 1);
-        ASSERT_TRUE(Eventually([&] { return watcher.Data().size() == static_cast<std::size_t>(n) + 1; }))
-            << n;
-    }
-    EXPECT_GE(watcher.Count(BIO::ONLINE), 100U);
+    RestartsAHundredTimes();
 }
 
 TEST_F(TcpIpClientLoopbackTest, CloseDuringReceiveGoesIdle)
 {
-    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
-    ListenerC listener;
-    Start(listener.port());
-    const HeldSocketC peer = listener.accept();
-    ASSERT_TRUE(Reaches(ONLINE));
-    Client().close();
-    EXPECT_TRUE(Reaches(IDLE));
-    EXPECT_EQ(Client().getLastResult(), 0x02000008U);
-    std::array<char, 1> byte = {};
-    ASSERT_TRUE(CanRead(peer));
-    EXPECT_EQ(HAL::ReceiveBytes(peer, byte.data(), 1).count, 0U);
+    IsLeftDuringReceive();
 }
 
 TEST_F(TcpIpClientLoopbackTest, CloseFromACallbackGoesIdle)
 {
-    config.m_eAutoConnect = AutoConnect::IMMEDIATELY;
-    watcher.onBytes = [this] { Client().close(); };
-    ListenerC listener;
-    Start(listener.port());
-    const HeldSocketC peer = listener.accept();
-    HAL::SendBytes(peer, "x", 1);
-    EXPECT_TRUE(Eventually([this] { return watcher.Told(BIO::OFFLINE, BIO::PortReason::CLOSED_HERE); }));
-    EXPECT_TRUE(Reaches(IDLE));
+    IsLeftFromACallback();
 }
 
 TEST_F(TcpIpClientLoopbackTest, ReaderMayAnswerFromItsCallback)

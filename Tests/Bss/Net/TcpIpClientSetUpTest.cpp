@@ -187,6 +187,18 @@ TEST_F(TcpIpClientSetUpTest, NameThatCannotBeResolvedIsLogged)
                        HAL::ResolveErrorText(5) + ")\n"));
 }
 
+TEST_F(TcpIpClientSetUpTest, ExceptionWithoutAnErrorIsNoConnection)
+{
+    sockets.connectError = Pending();
+    sockets.bRoom = false;
+    sockets.bException = true;
+    Connecting();
+    EXPECT_EQ(Client().getState(), SETTING_UP);
+    EXPECT_EQ(Client().getLastResult(), RC_FAILED);
+    EXPECT_TRUE(
+        LoggedError("NetTcpIpClientC::waitForConnection - connect failed or exception in select on 17 ", 0));
+}
+
 TEST_F(TcpIpClientSetUpTest, NextAddressOfANameIsTriedWhenOneFails)
 {
     config.m_wszIpDnsName = L"sensor.example";

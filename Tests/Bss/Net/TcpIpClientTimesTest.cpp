@@ -58,15 +58,15 @@ TEST_F(TcpIpClientTimesTest, AbsentServerIsTriedAgainAtOnceInOtherModesButForThe
     config.m_eAutoConnect = static_cast<AutoConnect>(77);
     settings.reconnect.intervalMs = 60000; // no timer of the other mode runs out here
     settings.reconnect.minSpacingMs = 100;
-    const std::uint16_t port = DeadPort();
+    DeadPortC dead;
     const auto begin = ClockT::now();
-    Start(port);
+    Start(dead.port());
     ASSERT_TRUE(Eventually([this] { return Attempts() >= 5; }));
     const auto passed = ClockT::now() - begin;
     EXPECT_GE(passed, milliseconds(400));
     EXPECT_EQ(watcher.nOnline, 0U);
     EXPECT_EQ(watcher.Count(BIO::GOING_ONLINE), 1U); // one story, however many attempts
-    ListenerC listener("127.0.0.1", port);
+    ListenerC listener = dead.listen();
     const HeldSocketC peer = listener.accept();
     EXPECT_TRUE(Reaches(ONLINE));
 }

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// What the TCP/IP client leaves behind, as the system counts it.
+// What the TCP/IP client and the server of many leave behind, as the system counts it.
+#include "Bss/Bss_Net/BSS_NET_TcpIpServer.h"
+
+#include "AlteredSockets.h"
 #include "LosingClient.h"
 #include "Support/LogCapture.h"
 
 #include <filesystem>
 #include <iterator>
 
+using namespace BSS;
+using namespace BSS::NET;
 using namespace NetTests;
 
 namespace {
@@ -31,6 +36,29 @@ TEST(TcpIpClientPosixTest, ThousandLossesLeaveNoDescriptorAndNoThread)
     EXPECT_TRUE(Support::Eventually([&] { return Entries("/proc/self/task") == nThreads; }));
     listener.close();
     EXPECT_EQ(Entries("/proc/self/fd"), nDescriptors - 1);
+}
+
+template<typename OwnerT, typename SettingsT>
+void ExpectAllClosedBeforeTheSocketsAreStopped()
+{
+    const Support::LogCapture systemLog;
+    const std::ptrdiff_t before = Entries("/proc/self/fd");
+    std::ptrdiff_t left = -1;
+    AlteredSocketsC sockets;
+    sockets.onCleanUp = [&] { left = Entries("/proc/self/fd"); };
+    SettingsT settings;
+    settings.pSockets = &sockets;
+    {
+        const OwnerT owner(settings);
+        EXPECT_GT(Entries("/proc/self/fd"), before);
+    }
+    EXPECT_EQ(left, before);
+}
+
+TEST(TcpIpClientPosixTest, ClientAndServerHaveClosedEverythingWhenTheyStopTheSockets)
+{
+    ExpectAllClosedBeforeTheSocketsAreStopped<NetTcpIpClientC, NetTcpIpClientSettingsT>();
+    ExpectAllClosedBeforeTheSocketsAreStopped<NetTcpIpServerC, NetTcpIpServerSettingsT>();
 }
 
 } // namespace

@@ -93,6 +93,9 @@ protected:
         sockets.onPoll = [this](int timeoutMs) { // of the thread's own wait, not of a socket's
             if (timeoutMs < 0 && bNoMemory.exchange(false)) throw std::bad_alloc();
         };
+        sockets.onClose = [this] {
+            if (bHoldAtClose.exchange(false)) atClose.Hold();
+        };
     }
     ~TcpIpServerEndTest() override { End(); }
 
@@ -104,8 +107,12 @@ protected:
         HAL::ConnectSocket(m_waker, Address("127.0.0.1", port));
     }
 
+    bool WaitsForTheThread() const { return !log->Beginning("4  371 TaskC::waitForStop() join").empty(); }
+
     const std::shared_ptr<EndRecorderC> recorder = std::make_shared<EndRecorderC>();
     std::atomic<bool> bNoMemory{false};
+    std::atomic<bool> bHoldAtClose{false};
+    HoldT atClose;
 
 private:
     const HeldSocketC m_waker = Open();
@@ -122,12 +129,31 @@ TEST_F(TcpIpServerEndTest, StartThatMeetsAThreadThatIsAboutToGoBringsTheServerBa
     std::future<ResultCodeT> answer = std::async(std::launch::async, [&] { return Server().start(); });
     // It waits for the thread, or has not seen that there is none to count on.
     ASSERT_TRUE(Eventually([&] {
-        return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready ||
-               !log->Beginning("4  371 TaskC::waitForStop() join").empty();
+        return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready || WaitsForTheThread();
     }));
     hold.Let();
     EXPECT_EQ(answer.get(), RC_OK);
     EXPECT_NE(Server().getPort(), 0);
+    const HeldSocketC client = Join();
+    Server().send("back", 4);
+    EXPECT_EQ(Receive(client, 4), "back");
+}
+
+// The thread is held as it ends its clients' connections, before the port is given back.
+TEST_F(TcpIpServerEndTest, StartThatMeetsAThreadThatEndsItsConnectionsBringsTheServerBack)
+{
+    const HeldSocketC first = Join();
+    bHoldAtClose = true;
+    EndTheThread();
+    ASSERT_TRUE(Eventually([&] { return atClose.bHeld.load(); }));
+    std::future<ResultCodeT> answer = std::async(std::launch::async, [&] { return Server().start(); });
+    // It waits for the thread, or believes in it.
+    ASSERT_TRUE(Eventually([&] {
+        return answer.wait_for(std::chrono::seconds(0)) == std::future_status::ready || WaitsForTheThread();
+    }));
+    EXPECT_TRUE(WaitsForTheThread());
+    atClose.Let();
+    EXPECT_EQ(answer.get(), RC_OK);
     const HeldSocketC client = Join();
     Server().send("back", 4);
     EXPECT_EQ(Receive(client, 4), "back");

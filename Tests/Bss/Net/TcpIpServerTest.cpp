@@ -2,6 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // The server of many clients, on the loopback address.
+#include "AlteredSockets.h"
 #include "TcpIpServerFixture.h"
 
 #include "Bss/Bss_Hal/BSS_HAL_Fault.h"
@@ -182,13 +183,15 @@ TEST_F(TcpIpServerTest, ServerWhoseThreadEndsLeavesNoClientWaitingAndCanBeStarte
 
 TEST_F(TcpIpServerTest, ServerWithoutAThreadIsRefusedAndItsPortIsFree)
 {
-    NetTcpIpServerC server;
-    const std::uint16_t port = DeadPort();
-    ASSERT_EQ(server.configure("127.0.0.1", port), RC_OK);
+    AlteredSocketsC sockets;
+    settings.pSockets = &sockets;
+    NetTcpIpServerC server(settings);
+    ASSERT_EQ(server.configure("127.0.0.1", 0), RC_OK);
     HAL::OrderFault(HAL::FaultT::Thread, 1);
     EXPECT_EQ(server.start(), RC_FAILED);
     EXPECT_EQ(server.getPort(), 0);
-    const ListenerC other("127.0.0.1", port);
+    ASSERT_NE(sockets.listenedPort, 0);
+    const ListenerC other("127.0.0.1", sockets.listenedPort);
 }
 
 TEST_F(TcpIpServerTest, PieceBeyondTheLimitIsSentToNobody)

@@ -35,7 +35,8 @@ TEST_F(UtilitiesTest, ServiceIsFoundByName)
 
 TEST_F(UtilitiesTest, PortWhereNobodyListensIsRefused)
 {
-    const ResultCodeT rc = CheckService("127.0.0.1", DeadPort(), LONG_MS);
+    const DeadPortC dead;
+    const ResultCodeT rc = CheckService("127.0.0.1", dead.port(), LONG_MS);
     EXPECT_TRUE(rc == RC_FAILED || rc == RC_CLOSED) << rc;
 }
 
@@ -47,6 +48,12 @@ TEST_F(UtilitiesTest, NameThatIsNoNameIsNotFound)
 TEST_F(UtilitiesTest, AddressOfNoMachineIsNotActive)
 {
     EXPECT_EQ(CheckActiveAddress("192.0.2.77"), RC_NOT_FOUND);
+}
+
+TEST_F(UtilitiesTest, LoopbackIsActive)
+{
+    for (const char* const address : LoopbackAddresses())
+        EXPECT_EQ(CheckActiveAddress(address), RC_OK) << address;
 }
 
 TEST_F(UtilitiesTest, WhatIsNoAddressIsAnInvalidArgument)
@@ -65,6 +72,6 @@ TEST_P(PingTest, LoopbackAnswersUnlessThatIsNotPermitted)
     EXPECT_EQ(rc == RC_OK, roundTripUs >= 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, PingTest, testing::Values("127.0.0.1", "::1"));
+INSTANTIATE_TEST_SUITE_P(Both, PingTest, testing::ValuesIn(LoopbackAddresses()));
 
 } // namespace

@@ -24,7 +24,7 @@ namespace {
 
 int PingWithPermission()
 {
-    for (const char* const address : {"127.0.0.1", "::1"}) {
+    for (const char* const address : LoopbackAddresses()) {
         std::int64_t roundTripUs = -1;
         if (PingAddress(address, LONG_MS, roundTripUs) != RC_OK) return 1;
         if (roundTripUs < 0) return 2;
@@ -42,7 +42,7 @@ bool GiveUpAllRights()
 int PingWithoutPermission()
 {
     if (!GiveUpAllRights()) return 1;
-    for (const char* const address : {"127.0.0.1", "::1"}) {
+    for (const char* const address : LoopbackAddresses()) {
         std::int64_t roundTripUs = -1;
         if (PingAddress(address, LONG_MS, roundTripUs) != RC_SERVICE_FAILED) return 2;
         if (roundTripUs != -1) return 3;
@@ -73,6 +73,7 @@ bool AddToLoopback(const char* address)
 
 int AskForAnAddressOfALink()
 {
+    if (LoopbackAddresses().size() < 2) return Support::NOT_PERMITTED; // this system has no IPv6
     if (CheckActiveAddress("fe80::7") != RC_NOT_FOUND) return 1;
     if (!AddToLoopback("fe80::7")) return 2;
     if (CheckActiveAddress("fe80::7") != RC_OK) return 3;
@@ -85,6 +86,20 @@ int AskForAnAddressOfALink()
 TEST(UtilitiesPosixDeathTest, AddressOfALinkIsActiveWithAndWithoutItsInterface)
 {
     Support::ExpectInOwnNetwork(&AskForAnAddressOfALink);
+}
+
+int AskForAnAddressOfAnInterfaceThatIsDown()
+{
+    if (CheckActiveAddress("127.0.0.1") != RC_OK) return 1;
+    if (!Support::SwitchInterface(false)) return 2;
+    if (CheckActiveAddress("127.0.0.1") != RC_NOT_FOUND) return 3;
+    if (!Support::SwitchInterface(true)) return 4;
+    return CheckActiveAddress("127.0.0.1") == RC_OK ? 0 : 5;
+}
+
+TEST(UtilitiesPosixDeathTest, AddressIsActiveWhileItsInterfaceIsUp)
+{
+    Support::ExpectInOwnNetwork(&AskForAnAddressOfAnInterfaceThatIsDown);
 }
 
 TEST(UtilitiesPosixTest, ServiceThatDoesNotAnswerTimesOut)
