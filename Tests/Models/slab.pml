@@ -8,7 +8,7 @@
    store, unless fewer of its blocks are free than are worth it.
 
    One step here is one atomic access there; the word's order is all there is, as it alone decides. Taking the slab
-   from the store is one step: that is done under a lock. There are 1.5 million states, which take a second.
+   from the store is one step: that is done under a lock. There are 2.5 million states, which take a second or two.
 
    Each of these changes a step, and must make the check fail:
    NOT_ONCE   GiveBack: whoever finds enough of the blocks free brings the slab to the store, not the first alone
@@ -67,6 +67,7 @@ end_store:
 again:
         do
         :: free -> HandOut()
+        :: free -> atomic { word = word | free; free = 0 }; break /* GiveUp: all that is left at once */
         :: else -> break
         od;
         /* LetGo */
@@ -75,7 +76,7 @@ again:
         :: IsWorthIt(seen) ->
             if
             :: turns < TURNS -> turns++; TakeBack(); goto again
-            :: else -> holders--; Give(); break /* what a thread without a place does */
+            :: holders--; Give(); break /* what a thread without a place does */
             fi
         :: else ->
             atomic {

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <utility>
 
 namespace BSS::TSK {
@@ -55,8 +56,9 @@ public:
     /// boost::thread_interrupted ends the task.
     virtual void execute() = 0;
 
-    // Small messages come from a pool.
+    // Small messages come from a pool, which knows no greater alignment than every type of the language has.
     static void* operator new(std::size_t bytes);
+    static void* operator new(std::size_t bytes, std::align_val_t alignment) = delete;
     static void operator delete(void* message, std::size_t bytes) noexcept;
 
 private:
