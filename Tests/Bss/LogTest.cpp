@@ -389,6 +389,8 @@ TEST(LogConsumer, CallLeavesNoTraceInErrno)
     EXPECT_EQ(errno, EXDEV);
     consumer.logText(LEVEL_INFO, "a");
     EXPECT_EQ(errno, EXDEV);
+    consumer.Log(LEVEL_INFO, L"a");
+    EXPECT_EQ(errno, EXDEV);
 }
 
 TEST(LogConsumer, WideFormatMeansWideTextByS)

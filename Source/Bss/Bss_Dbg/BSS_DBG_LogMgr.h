@@ -3,11 +3,11 @@
 //
 // The process's log manager: makes and keeps the log consumers, each under its name, and owns the system
 // error logger, to which assertions and panics go. It is a consumer itself; what is logged on it goes to the
-// system error logger, if that is enabled for its level. The manager's own level comes first: a call below
-// that one is the one that costs next to nothing. Made on first use, when it reads the log configuration, and
-// destroyed when the process ends or the library is unloaded, after the panic handler registry. Safe from any
-// thread; none of its locks is held while a consumer writes or is made. They are held while settings are
-// applied to consumers, and while sub-managers flush.
+// system error logger, if that is enabled for its level. Only a call below the manager's own level costs next
+// to nothing: the logger's is looked at behind a lock. Made on first use, when it reads the log
+// configuration, and destroyed when the process ends or the library is unloaded, after the panic handler
+// registry. Safe from any thread; none of its locks is held while a consumer writes or is made. They are held
+// while settings are applied to consumers, and while sub-managers flush.
 #pragma once
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogConfiguration.h"
