@@ -122,6 +122,7 @@ TEST(LogConfiguration, MarkAtTheBeginningOfTheFileDoesNotMatter)
 {
     LogConfigurationC configuration;
     EXPECT_EQ(configuration.ReplaceFile("\xEF\xBB\xBF* = WARN"), std::vector<LogConfigFaultT>());
+    ASSERT_NE(configuration.Find("a"), nullptr);
     EXPECT_EQ(configuration.Find("a")->level, LEVEL_WARN);
 }
 
