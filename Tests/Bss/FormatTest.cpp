@@ -5,7 +5,9 @@
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
 #include <cstdarg>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <vector>
@@ -57,6 +59,39 @@ TEST(Format, PlainTextOfAnyLengthAndInAnyRoomIsWholeUpToItsConversion)
                 EXPECT_EQ(std::string(buffer.data(), out.Length()), whole.substr(0, room));
             }
         }
+    }
+}
+
+TEST(Format, CommonConversionsInAnyRoomAreWholeUpToWhereItEnds)
+{
+    const std::string whole = "7 of -2147483648: 4294967295(null) and some words";
+    for (std::size_t room = 0; room <= whole.size() + 20; ++room) {
+        const char* const none = nullptr;
+        const BSS::UTI::FormatArgumentC row[] = {7, std::numeric_limits<int>::min(), 4294967295u, none,
+                                                 "some words"};
+        BSS::UTI::FormatArgumentsC source(row, std::size(row));
+        std::vector<char> buffer(room);
+        BSS::UTI::FormatOutT<char> out(buffer.data(), room);
+        EXPECT_EQ(BSS::UTI::FormatTo(out, "%d of %d: %u%s and %s", source), room >= whole.size());
+        EXPECT_EQ(std::string(buffer.data(), out.Length()), whole.substr(0, room));
+    }
+}
+
+TEST(Format, IntegersOfEveryCountOfDigitsAreExact)
+{
+    std::vector<std::uint32_t> numbers = {0, 4294967295u};
+    for (std::uint32_t power = 1; power <= 1000000000u; power *= 10) {
+        for (std::uint32_t times = 1; times <= 4; ++times)
+            numbers.insert(numbers.end(), {power * times - 1, power * times, power * times + 1});
+        if (power == 1000000000u) break;
+    }
+    for (std::uint64_t number = 1; number < 4294967296u; number = number * 1001 / 1000 + 1)
+        numbers.push_back(static_cast<std::uint32_t>(number));
+    for (const std::uint32_t number : numbers) {
+        const auto integer = static_cast<std::int32_t>(number);
+        EXPECT_EQ(Format("%u", number), std::to_string(number));
+        EXPECT_EQ(Format("%d", integer), std::to_string(integer));
+        EXPECT_EQ(Format(L"%u", number), std::to_wstring(number));
     }
 }
 

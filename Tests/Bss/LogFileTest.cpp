@@ -312,40 +312,43 @@ TEST_F(LogFile, LinesThatCouldNotBeWrittenComeWhenItWorksAgain)
     EXPECT_EQ(Bytes("a.txt"), "one\ntwo\n");
 }
 
+constexpr std::size_t FIT = DbgLogFileC::BUFFER_BYTES / 1000; // lines of a thousand bytes that may wait
+constexpr std::size_t ROOM = DbgLogFileC::BUFFER_BYTES % 1000;
+
 TEST_F(LogFile, LinesBeyondTheBufferAreCountedWhileNothingCanBeWritten)
 {
     Support::WriteAll(m_directory.Narrow("log"), "a file in the directory's place");
     DbgLogFileC file(L"a.txt", 0);
     const std::string line(999, 'x');
-    for (int i = 0; i < 100; ++i)
+    const std::size_t logged = FIT + 35;
+    for (std::size_t i = 0; i < logged; ++i)
         static_cast<void>(file.append(line + "\n", Later()));
     boost::filesystem::remove(m_directory.Path() / "log");
     EXPECT_TRUE(file.append("next\n", Later()));
     EXPECT_TRUE(file.append("last\n", Later()));
     const std::vector<std::string> lines = Lines(Bytes("a.txt"));
     const std::size_t kept = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), line));
-    EXPECT_EQ(kept, 65u);
-    EXPECT_NE(
-        Bytes("a.txt").find(BSS::UTI::Format("(%u lines could not be written and are lost)\n", 100 - kept)),
-        std::string::npos);
+    EXPECT_EQ(kept, FIT);
+    EXPECT_NE(Bytes("a.txt").find("(35 lines could not be written and are lost)\n"), std::string::npos);
     EXPECT_EQ(lines.back(), "last");
 }
 
-// However much room the lines before have left in the buffer: here 536 bytes.
+// However much room the lines before have left in the buffer: whether it takes the line and what tells of the
+// losses, the line alone, or neither.
 TEST_F(LogFile, FirstLineAfterLostOnesIsNotLostItself)
 {
-    for (std::size_t length = 480; length <= 540; ++length) {
+    for (std::size_t length = ROOM - 60; length <= ROOM + 4; ++length) {
         Support::WriteAll(m_directory.Narrow("log"), "a file in the directory's place");
         auto file = std::make_unique<DbgLogFileC>(L"a.txt", 0);
         const std::string line = std::string(999, 'x') + "\n";
-        for (int i = 0; i < 80; ++i)
+        for (std::size_t i = 0; i < FIT + 15; ++i)
             static_cast<void>(file->append(line, {1000, 0}));
         boost::filesystem::remove(m_directory.Path() / "log");
         const std::string first = std::string(length - 1, 'y') + "\n";
         EXPECT_TRUE(file->append(first, {1000, 0})) << length;
         EXPECT_TRUE(file->flush());
         const std::string text = Bytes("a.txt");
-        EXPECT_EQ(text.substr(std::min(text.size(), std::size_t{65000})),
+        EXPECT_EQ(text.substr(std::min(text.size(), FIT * 1000)),
                   "(15 lines could not be written and are lost)\n" + first);
         file.reset(); // Windows does not let a directory go in which a file is open
         TakeAway();

@@ -163,6 +163,44 @@ TEST_F(LogFilePosix, LimitOnTheSizeOfFilesThatIsSetWhileRunningEndsNoProcess)
     EXPECT_EQ(Bytes("a.txt"), "before\n");
 }
 
+// Cancels the thread that writes, in the middle of that.
+class CancellingC final : public DbgLogConsumerC
+{
+public:
+    CancellingC() : DbgLogConsumerC("c", PrefixKind::None) {}
+    std::string text;
+
+protected:
+    bool write(std::string_view lines) override
+    {
+        text += lines.front();
+        if (text.size() == 1) ::pthread_cancel(::pthread_self());
+        text += lines.substr(1);
+        return true;
+    }
+};
+
+void* LogWhereCancellationTakesEffectAtOnce(void* consumer)
+{
+    int before = 0;
+    ::pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &before);
+    static_cast<DbgLogConsumerC*>(consumer)->Log(LEVEL_INFO, "one");
+    return nullptr;
+}
+
+TEST(LogCancellation, ThatTakesEffectAtAnyTimeWaitsForTheLineAndLeavesNoLockBehind)
+{
+    CancellingC consumer;
+    pthread_t thread = {};
+    ASSERT_EQ(::pthread_create(&thread, nullptr, &LogWhereCancellationTakesEffectAtOnce, &consumer), 0);
+    void* result = nullptr;
+    ASSERT_EQ(::pthread_join(thread, &result), 0);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+    ASSERT_EQ(consumer.text, "one\n");
+    consumer.Log(LEVEL_INFO, "two");
+    EXPECT_EQ(consumer.text, "one\ntwo\n");
+}
+
 void* CancelAndLog(void* consumer)
 {
     auto* const log = static_cast<DbgLogConsumerC*>(consumer);
@@ -236,7 +274,7 @@ int LogToAFullDisk(const std::string& folder)
     const Support::DebugOutputCapture debug;
     DbgLogFileConsumerC consumer("disk", L"a.txt", 0);
     consumer.setFlushLevel(LEVEL_INFO);
-    constexpr unsigned LINES = 2000;
+    constexpr unsigned LINES = 6000; // more than wait in memory
     for (unsigned i = 0; i < LINES; ++i)
         consumer.Log(LEVEL_INFO, "%s", Support::CheckedLine("d", i));
     const bool told = debug.Text().find(L"ERROR while writing to log (disk)!") != std::wstring::npos;

@@ -95,6 +95,21 @@ TEST(LogLine, MessageIsSplitAtInteriorLineEndsOnly)
     EXPECT_EQ(SplitMessage(""), PartsT{""});
 }
 
+TEST(LogLine, IsPlainExactlyWhenEachOfItsBytesIs)
+{
+    for (std::size_t length = 1; length <= 20; ++length) {
+        for (std::size_t at = 0; at < length; ++at) {
+            for (unsigned code = 0; code < 256; ++code) {
+                std::string text(length, code % 2 == 0 ? '~' : ' ');
+                text[at] = static_cast<char>(code);
+                const bool plain = (code >= ' ' && code <= '~') || code == '\t';
+                EXPECT_EQ(IsPlainLine(text), plain) << length << " " << at << " " << code;
+            }
+        }
+    }
+    EXPECT_TRUE(IsPlainLine(""));
+}
+
 TEST(LogLine, ControlCharactersAreWrittenOut)
 {
     EXPECT_EQ(WithoutControls(std::string("a\tb\x1B[2J\x7F\0c\xC3\xA9", 12)),

@@ -76,11 +76,11 @@ using LoggingPageFolder = Support::LogFolderTest;
 
 TEST_F(LoggingPageFolder, LossesAreToldAsThePageSays)
 {
-    // A hundred lines of a thousand bytes while nothing can be written; 65 of them fit the buffer.
+    // Three hundred lines of a thousand bytes while nothing can be written; 262 of them fit the buffer.
     Support::WriteAll(m_directory.Narrow("log"), "a file in the directory's place");
     DbgLogFileC file(L"a.txt", 0);
     const std::string line = std::string(999, 'x') + "\n";
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 300; ++i)
         static_cast<void>(file.append(line, {1000 + i, 0}));
     boost::filesystem::remove(m_directory.Path() / "log");
     EXPECT_TRUE(file.append("next\n", {2000, 0}));

@@ -56,12 +56,13 @@ class ErrnoKeeper
 {
 public:
     ErrnoKeeper() noexcept = default;
-    ~ErrnoKeeper() { errno = m_before; }
+    ~ErrnoKeeper() { m_errno = m_before; }
     ErrnoKeeper(const ErrnoKeeper&) = delete;
     ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
 
 private:
-    const int m_before = errno;
+    int& m_errno = errno;
+    const int m_before = m_errno;
 };
 
 // The line buffer, and behind it a string for what is longer.
@@ -106,9 +107,10 @@ DbgLogConsumerC::DbgLogConsumerC(std::string name, PrefixKind prefix)
 DbgLogConsumerC::~DbgLogConsumerC() = default;
 
 // Runs what makes and writes a message, and tells when it could not. Whatever a consumer throws ends here:
-// nobody who logs expects an exception, of whatever type.
+// nobody who logs expects an exception, of whatever type. Only a thread that is cancelled may unwind from
+// here, when the message is written.
 template<typename MakeT>
-void DbgLogConsumerC::Guarded(const MakeT& make) noexcept
+void DbgLogConsumerC::Guarded(const MakeT& make)
 {
     const ErrnoKeeper keeper;
     bool written = false;

@@ -162,7 +162,7 @@ private:
     }
 
     template<typename MakeT>
-    void Guarded(const MakeT& make) noexcept;
+    void Guarded(const MakeT& make);
     bool writeMessage(int level, const char* format, UTI::FormatSourceI& arguments);
     bool writeText(const LogMomentT& moment, std::string_view prefix, std::string_view message);
     bool writeLines(const LogMomentT& moment, std::string_view lines);

@@ -122,6 +122,10 @@ std::wstring DbgLogFileC::path() const
 bool DbgLogFileC::append(std::string_view lines, const HAL::WallTime& now)
 {
     m_nowMs = Milliseconds(now);
+    if (takesAtOnce(lines.size())) {
+        put(lines);
+        return true;
+    }
     const bool there = prepare();
     while (there && !lines.empty()) {
         std::size_t part = WholeLines(lines, BUFFER_BYTES);
@@ -132,6 +136,15 @@ bool DbgLogFileC::append(std::string_view lines, const HAL::WallTime& now)
     m_nLost += static_cast<std::uint64_t>(std::count(lines.begin(), lines.end(), '\n'));
     const bool due = Elapsed(m_nowMs, m_handedOverMs) >= HAND_OVER_EVERY_MS;
     return (!there || !due || handOver()) && lines.empty();
+}
+
+// Whether the lines go to the buffer and nothing else is to be done: nothing has changed, nothing was lost
+// and nothing is due.
+bool DbgLogFileC::takesAtOnce(std::size_t bytes) const
+{
+    return m_buffer && bytes <= BUFFER_BYTES - m_used && m_nLost == 0 && !m_path.empty() &&
+           Elapsed(m_nowMs, m_handedOverMs) < HAND_OVER_EVERY_MS &&
+           m_pathVersion == OS::LogDirectoryVersion() && m_forkGeneration == HAL::ForkGeneration();
 }
 
 // Where the lines go from now on. What waits for another place goes there first.
@@ -151,7 +164,7 @@ bool DbgLogFileC::prepare()
         m_directory = OS::LogDirectory();
         m_path = m_directory.empty() ? m_directory : HAL::JoinPath(m_directory, m_name);
     }
-    if (!m_buffer) m_buffer = std::make_unique<char[]>(BUFFER_BYTES);
+    if (!m_buffer) m_buffer = std::make_unique_for_overwrite<char[]>(BUFFER_BYTES);
     return !m_path.empty();
 }
 

@@ -33,6 +33,9 @@ class DbgLogFileC
 public:
     static constexpr unsigned DEFAULT_OLDER_FILES = 3;
 
+    /// How much waits in memory at most. Memory is taken as it is needed.
+    static constexpr std::size_t BUFFER_BYTES = 262144;
+
     /// `name` is the file's name in the log directory. A limit of 0 bytes is no limit.
     DbgLogFileC(std::wstring name, std::uint64_t limitBytes, unsigned nOlderFiles = DEFAULT_OLDER_FILES);
 
@@ -63,8 +66,6 @@ public:
     std::wstring path() const;
 
 private:
-    static constexpr std::size_t BUFFER_BYTES = 65536;
-
     enum class RoundResult
     {
         Done,
@@ -74,6 +75,7 @@ private:
     };
 
     std::size_t pending() const noexcept { return m_used - m_written; }
+    bool takesAtOnce(std::size_t bytes) const;
     bool prepare();
     bool take(std::string_view lines);
     bool makeRoom(std::size_t bytes);

@@ -46,7 +46,12 @@ std::string PrefixedLine(PrefixKind kind, const LogLineContextT& context, const 
 std::vector<std::string_view> SplitMessage(std::string_view message);
 
 /// The message without the line ends at its end.
-std::string_view WithoutLineEnd(std::string_view message) noexcept;
+inline std::string_view WithoutLineEnd(std::string_view message) noexcept
+{
+    while (!message.empty() && (message.back() == '\n' || message.back() == '\r'))
+        message.remove_suffix(1);
+    return message;
+}
 
 /// True when the text is one line that can be written as it stands: no control character but the tabulator,
 /// and nothing but ASCII.

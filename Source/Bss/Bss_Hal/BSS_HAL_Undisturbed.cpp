@@ -4,29 +4,13 @@
 // See the header.
 #include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 
-#include <atomic>
-
 namespace BSS::HAL {
 
-namespace {
-
-constinit std::atomic<UndisturbedRunnerT> s_runner = nullptr;
-
-} // namespace
+constinit std::atomic<UndisturbedRunnerT> g_undisturbedRunner = nullptr;
 
 void SetUndisturbedRunner(UndisturbedRunnerT runner) noexcept
 {
-    s_runner.store(runner);
-}
-
-void RunUndisturbed(UndisturbedCallT call, void* context)
-{
-    const NoCancellation scope;
-    if (const UndisturbedRunnerT runner = s_runner.load(std::memory_order_relaxed)) {
-        runner(call, context);
-    } else {
-        call(context);
-    }
+    g_undisturbedRunner.store(runner);
 }
 
 } // namespace BSS::HAL

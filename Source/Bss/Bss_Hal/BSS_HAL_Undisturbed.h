@@ -2,11 +2,12 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Runs something that must not be left in the middle because somebody wants the thread to end. Cancellation
-// of the thread waits until it is over; so does an interruption, where the thread belongs to a library that
-// has such: that library says how by a runner, as this floor knows none. Nothing is swallowed: what was asked
-// for stays asked for. Safe from any thread; cheap; may be nested.
+// of the thread waits until it is over; so do an interruption and a forced end, where the thread belongs to a
+// library that has such: that library says how by a runner, as this floor knows neither. Nothing is
+// swallowed: what was asked for stays asked for. Safe from any thread; cheap; may be nested.
 #pragma once
 
+#include <atomic>
 #include <type_traits>
 
 namespace BSS::HAL {
@@ -20,18 +21,7 @@ using UndisturbedRunnerT = void (*)(UndisturbedCallT call, void* context);
 /// moment are still in it when this returns.
 void SetUndisturbedRunner(UndisturbedRunnerT runner) noexcept;
 
-/// Calls `call` with `context`, undisturbed. What it throws is thrown on.
-void RunUndisturbed(UndisturbedCallT call, void* context);
-
-/// The same for anything that can be called.
-template<typename CallT>
-void Undisturbed(CallT&& call)
-{
-    using ThingT = std::remove_reference_t<CallT>;
-    RunUndisturbed([](void* context) { (*static_cast<ThingT*>(context))(); }, &call);
-}
-
-/// Disables cancellation of the calling thread while it lives.
+/// Disables cancellation of the calling thread while it lives, or up to End().
 class NoCancellation
 {
 public:
@@ -40,8 +30,30 @@ public:
     NoCancellation(const NoCancellation&) = delete;
     NoCancellation& operator=(const NoCancellation&) = delete;
 
+    /// Where cancellation takes effect at any time, one that was asked for meanwhile ends the thread in here,
+    /// by unwinding. No destructor lets that through: it would end the process.
+    void End();
+
 private:
     const int m_before;
+    bool m_ended = false;
 };
+
+/// What SetUndisturbedRunner was given last; for the function below.
+extern constinit std::atomic<UndisturbedRunnerT> g_undisturbedRunner;
+
+/// Calls something that can be called, undisturbed. What it throws is thrown on.
+template<typename CallT>
+void Undisturbed(CallT&& call)
+{
+    using ThingT = std::remove_reference_t<CallT>;
+    NoCancellation scope;
+    if (const UndisturbedRunnerT runner = g_undisturbedRunner.load(std::memory_order_relaxed)) {
+        runner([](void* context) { (*static_cast<ThingT*>(context))(); }, &call);
+    } else {
+        call();
+    }
+    scope.End();
+}
 
 } // namespace BSS::HAL

@@ -11,7 +11,8 @@ namespace BSS::HAL {
 
 namespace {
 
-int SetState(int state) noexcept
+// Not noexcept, see End.
+int SetState(int state)
 {
     int before = PTHREAD_CANCEL_ENABLE;
     static_cast<void>(::pthread_setcancelstate(state, &before));
@@ -24,6 +25,12 @@ NoCancellation::NoCancellation() noexcept : m_before(SetState(PTHREAD_CANCEL_DIS
 
 NoCancellation::~NoCancellation()
 {
+    if (!m_ended) static_cast<void>(SetState(m_before));
+}
+
+void NoCancellation::End()
+{
+    m_ended = true;
     static_cast<void>(SetState(m_before));
 }
 

@@ -13,4 +13,9 @@ NoCancellation::~NoCancellation()
     static_cast<void>(m_before);
 }
 
+void NoCancellation::End()
+{
+    m_ended = true;
+}
+
 } // namespace BSS::HAL

@@ -5,6 +5,7 @@
 #include "Bss/Bss_Tsk/BSS_TSK_TskMgr.h"
 
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
+#include "Bss/Bss_Hal/BSS_HAL_ThreadControl.h"
 #include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Guard.h"
 
@@ -19,9 +20,12 @@ constexpr char BSS_SOURCE_NAME[] = R"(..\..\Source\Bss\Bss_Tsk\BSS_TSK_TskMgr)";
 constexpr std::int32_t LINE_PRIORITY = 89;
 constexpr std::int32_t LINE_STACK_SIZE = 100;
 
-/// What must not be left in the middle, such as writing a log line, is not left by an interruption either.
+/// What must not be left in the middle, such as writing a log line, is not left by an interruption either,
+/// nor by the task's forced end: whoever logs next would wait for ever for the lock of a thread that is no
+/// more.
 void WithoutInterruption(HAL::UndisturbedCallT call, void* context)
 {
+    const HAL::EndShieldC shield; // goes last: the thread may end then
     const boost::this_thread::disable_interruption undisturbed;
     call(context);
 }

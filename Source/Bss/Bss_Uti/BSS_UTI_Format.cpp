@@ -10,6 +10,7 @@
 #include "Bss/Bss_Uti/BSS_UTI_FormatNumber.h"
 #include "Bss/Bss_Uti/BSS_UTI_FormatSpec.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string_view>
@@ -17,6 +18,10 @@
 namespace BSS::UTI {
 
 namespace {
+
+// What stands for a null text.
+template<typename CharT>
+constexpr CharT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
 
 template<typename TextT>
 std::size_t BoundedLength(const TextT* text, std::size_t most) noexcept
@@ -59,56 +64,67 @@ public:
     {
         const CharT* const end = at + std::char_traits<CharT>::length(at);
         for (;;) {
+            at = RunQuickly(at, end);
             at = m_out.PutPlain(at, end);
             if (at == end || m_out.IsCut()) return;
-            at = IsPlainConversion(at[1]) ? at + 2 : Conversion(at);
+            at = Conversion(at);
         }
     }
 
 private:
-    // The conversions that nearly all formats are made of, when they have neither width nor anything else.
-    // False, with nothing taken or put out, for all others.
-    bool IsPlainConversion(CharT letter)
+    // The conversions that nearly all formats are made of, when they have neither width nor anything else,
+    // and the text between them, as long as there is room for the longest number. Stops in front of anything
+    // else, of which nothing is taken or put out. Where the next character goes is kept in a register: a
+    // place in memory that each piece reads right after the last one has stored it makes them wait for one
+    // another.
+    const CharT* RunQuickly(const CharT* from, const CharT* const fromEnd)
     {
+        CharT* to = m_out.At();
+        for (;;) {
+            CharT* const end = m_out.End(); // a text may have made room
+            OutT::CopyPlain(from, fromEnd, to, end);
+            const bool room = end - to > static_cast<std::ptrdiff_t>(MAX_DECIMAL_32);
+            CharT* const next = room && from != fromEnd ? QuickConversion(from[1], to) : nullptr;
+            if (next == nullptr) break;
+            to = next;
+            from += 2;
+        }
+        m_out.Advance(to);
+        return from;
+    }
+
+    // Null, with nothing taken, for what is not one of them.
+    CharT* QuickConversion(CharT letter, CharT* to)
+    {
+        std::uint64_t value = 0;
         switch (letter) {
         case 'd': {
-            std::uint64_t value = 0;
-            if (!m_source.TakeInteger(4, value)) return false;
-            const auto number = static_cast<std::int32_t>(value);
-            const auto pattern = static_cast<std::uint32_t>(number);
-            if (number < 0) m_out.Put('-');
-            PutDecimal(number < 0 ? 0 - pattern : pattern);
-            return true;
+            if (!m_source.TakeInteger(4, value)) return nullptr;
+            const auto pattern = static_cast<std::uint32_t>(value);
+            const bool negative = static_cast<std::int32_t>(pattern) < 0;
+            *to = '-'; // stays only where it is passed over
+            return WriteDecimal(negative ? 0 - pattern : pattern, to + (negative ? 1 : 0));
         }
-        case 'u': {
-            std::uint64_t value = 0;
-            if (!m_source.TakeInteger(4, value)) return false;
-            PutDecimal(static_cast<std::uint32_t>(value));
-            return true;
-        }
+        case 'u':
+            if (!m_source.TakeInteger(4, value)) return nullptr;
+            return WriteDecimal(static_cast<std::uint32_t>(value), to);
         case 's': {
             const CharT* text = nullptr;
-            if (!TakeOwnText(text)) return false;
-            PutText(SpecT(), text, std::numeric_limits<std::size_t>::max());
-            return true;
+            if (!TakeOwnText(text)) return nullptr;
+            if (text == nullptr) text = NOTHING<CharT>;
+            const std::size_t length = std::char_traits<CharT>::length(text);
+            if (length <= static_cast<std::size_t>(m_out.End() - to)) return std::copy_n(text, length, to);
+            m_out.Advance(to);
+            m_out.Put(text, length);
+            return m_out.At();
         }
         default:
-            return false;
+            return nullptr;
         }
     }
 
     bool TakeOwnText(const char*& text) { return m_source.TakeNarrowText(text); }
     bool TakeOwnText(const wchar_t*& text) { return m_source.TakeWideText(text); }
-
-    void PutDecimal(std::uint32_t value)
-    {
-        if (CharT* const at = m_out.Reserve(MAX_DECIMAL_32)) {
-            m_out.Advance(WriteDecimal(value, at));
-        } else {
-            const IntegerDigitsC digits(value, 10, false);
-            m_out.PutAscii(digits.View().data(), digits.View().size());
-        }
-    }
 
     // Handles what begins at the percent sign; returns where plain text goes on.
     const CharT* Conversion(const CharT* begin)
@@ -304,8 +320,7 @@ private:
     template<typename TextT>
     void PutText(const SpecT& spec, const TextT* text, std::size_t most)
     {
-        static constexpr TextT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
-        if (text == nullptr) text = NOTHING;
+        if (text == nullptr) text = NOTHING<TextT>;
         const std::basic_string_view<TextT> units(text, BoundedLength(text, most));
         if constexpr (sizeof(TextT) == sizeof(CharT)) {
             PutPadded(spec, units);
@@ -368,8 +383,7 @@ private:
 template<typename CharT>
 bool FormatEither(FormatOutT<CharT>& out, const CharT* format, FormatSourceI& source)
 {
-    static constexpr CharT NOTHING[] = {'(', 'n', 'u', 'l', 'l', ')', 0};
-    if (format == nullptr) format = NOTHING;
+    if (format == nullptr) format = NOTHING<CharT>;
     if (FormatArgumentsC* const typed = source.AsTypedArguments()) {
         FormatterT<CharT, FormatArgumentsC>(out, *typed).Run(format);
     } else {

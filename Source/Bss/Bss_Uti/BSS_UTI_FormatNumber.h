@@ -5,8 +5,10 @@
 // padding.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -45,41 +47,53 @@ inline constexpr std::size_t MAX_DECIMAL_32 = 10;
 template<typename CharT>
 CharT* WritePair(std::uint32_t value, CharT* at) noexcept
 {
-    at[0] = static_cast<CharT>(DECIMAL_PAIRS[2 * value]);
-    at[1] = static_cast<CharT>(DECIMAL_PAIRS[2 * value + 1]);
+    const char* const pair = DECIMAL_PAIRS + 2 * std::size_t{value};
+    if constexpr (sizeof(CharT) == 1) {
+        std::memcpy(at, pair, 2); // said so: byte by byte, they may be gathered in a register first
+    } else {
+        std::copy_n(pair, 2, at);
+    }
     return at + 2;
 }
 
-/// Writes the four digits of a number below 10000.
+/// Writes a number below 100 without a leading zero.
 template<typename CharT>
-CharT* WriteFour(std::uint32_t value, CharT* at) noexcept
+CharT* WriteUpToTwo(std::uint32_t value, CharT* at) noexcept
 {
-    return WritePair(value % 100, WritePair(value / 100, at));
+    if (value >= 10) return WritePair(value, at);
+    *at = static_cast<CharT>('0' + value);
+    return at + 1;
 }
 
-/// Writes a number below 10000 without leading zeros.
-template<typename CharT>
-CharT* WriteUpToFour(std::uint32_t value, CharT* at) noexcept
+/// Writes a number of which the first one or two digits stand before the point of `fixed`, which has 32 bits
+/// behind it, and `PAIRS` times two digits follow. Each pair is what comes before the point when what is
+/// behind it is taken a hundredfold: one multiplication, and no division.
+template<unsigned PAIRS, typename CharT>
+CharT* WriteFixed(std::uint64_t fixed, CharT* at) noexcept
 {
-    if (value < 10) return *at = static_cast<CharT>('0' + value), at + 1;
-    if (value < 100) return WritePair(value, at);
-    if (value >= 1000) return WriteFour(value, at);
-    *at = static_cast<CharT>('0' + value / 100);
-    return WritePair(value % 100, at + 1);
+    at = WriteUpToTwo(static_cast<std::uint32_t>(fixed >> 32), at);
+    for (unsigned i = 0; i < PAIRS; ++i) {
+        fixed = (fixed & 0xFFFFFFFF) * 100;
+        at = WritePair(static_cast<std::uint32_t>(fixed >> 32), at);
+    }
+    return at;
 }
 
-/// Writes the digits at `at` and returns where they end. In groups of four, which do not wait for one
-/// another.
+/// Writes the digits at `at` and returns where they end; there is room for MAX_DECIMAL_32. The factors are
+/// the powers of two that they name over powers of ten, made a little larger: so little that it does not
+/// reach the last digit.
 template<typename CharT>
 CharT* WriteDecimal(std::uint32_t value, CharT* at) noexcept
 {
-    constexpr std::uint32_t FOUR = 10000;
-    constexpr std::uint32_t EIGHT = FOUR * FOUR;
-    if (value < FOUR) return WriteUpToFour(value, at);
-    if (value < EIGHT) return WriteFour(value % FOUR, WriteUpToFour(value / FOUR, at));
-    at = WriteUpToFour(value / EIGHT, at);
-    value %= EIGHT;
-    return WriteFour(value % FOUR, WriteFour(value / FOUR, at));
+    constexpr std::uint64_t BY_HUNDRED = (std::uint64_t{1} << 32) / 100 + 1;
+    constexpr std::uint64_t BY_FOUR_DIGITS = (std::uint64_t{1} << 32) / 10'000 + 1;
+    constexpr std::uint64_t BY_SIX_DIGITS = (std::uint64_t{1} << 48) / 1'000'000 + 1;
+    constexpr std::uint64_t BY_EIGHT_DIGITS = (std::uint64_t{1} << 57) / 100'000'000 + 1;
+    if (value < 100) return WriteUpToTwo(value, at);
+    if (value < 10'000) return WriteFixed<1>(value * BY_HUNDRED, at);
+    if (value < 1'000'000) return WriteFixed<2>(value * BY_FOUR_DIGITS, at);
+    if (value < 100'000'000) return WriteFixed<3>((value * BY_SIX_DIGITS >> 16) + 1, at);
+    return WriteFixed<4>((value * BY_EIGHT_DIGITS >> 25) + 1, at);
 }
 
 /// The absolute value of a number as "%f", "%e", "%g" or "%a" write it (`letter`, upper case for upper-case

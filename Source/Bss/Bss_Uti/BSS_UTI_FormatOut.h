@@ -59,21 +59,31 @@ public:
     const CharT* PutPlain(const CharT* text, const CharT* textEnd)
     {
         for (;;) {
-            if constexpr (sizeof(CharT) == 1 && std::endian::native == std::endian::little)
-                text = PutPlainByEights(text, textEnd);
-            CharT* at = m_at; // in registers, as nobody else sees it
-            CharT* const end = m_end;
-            while (at != end && text != textEnd && *text != '%')
-                *at++ = *text++;
-            m_at = at;
+            CopyPlain(text, textEnd, m_at, m_end);
             if (text == textEnd || *text == '%' || !MakeRoom()) return text;
         }
     }
 
-    /// Where `count` characters may be written, followed by Advance; null when the buffer has less room than
-    /// that.
-    CharT* Reserve(std::size_t count) noexcept { return count <= Room() ? m_at : nullptr; }
-    void Advance(CharT* end) noexcept { m_at = end; }
+    /// Copies plain text up to the first percent sign, `textEnd` or `end`, whatever comes first, and moves
+    /// both places on. `at` is a copy in registers; characters beyond it, but not beyond `end`, may be
+    /// overwritten.
+    static void CopyPlain(const CharT*& text, const CharT* textEnd, CharT*& at, CharT* end) noexcept
+    {
+        const CharT* from = text;
+        CharT* to = at;
+        if constexpr (sizeof(CharT) == 1 && std::endian::native == std::endian::little)
+            CopyPlainByEights(from, textEnd, to, end);
+        while (to != end && from != textEnd && *from != '%')
+            *to++ = *from++;
+        text = from;
+        at = to;
+    }
+
+    /// Where the next character goes and where the room ends, for who writes there himself; Advance says how
+    /// far he came.
+    CharT* At() noexcept { return m_at; }
+    CharT* End() noexcept { return m_end; }
+    void Advance(CharT* at) noexcept { m_at = at; }
 
     /// Characters below 128, one unit each.
     void PutAscii(const char* text, std::size_t count)
@@ -110,22 +120,21 @@ private:
 
     // The same while there are eight more on both sides. Writes whole eights: what comes next overwrites what
     // was too much.
-    const char* PutPlainByEights(const char* text, const char* textEnd) noexcept
+    static void CopyPlainByEights(const char*& text, const char* textEnd, char*& at, const char* end) noexcept
     {
         constexpr std::uint64_t ONES = 0x0101010101010101u;
         constexpr std::uint64_t HIGH_BITS = 0x8080808080808080u;
-        while (textEnd - text >= 8 && m_end - m_at >= 8) {
+        while (textEnd - text >= 8 && end - at >= 8) {
             std::uint64_t eight = 0;
             std::memcpy(&eight, text, sizeof eight);
-            std::memcpy(m_at, &eight, sizeof eight);
+            std::memcpy(at, &eight, sizeof eight);
             const std::uint64_t differing = eight ^ (ONES * '%');
             const std::uint64_t percents = (differing - ONES) & ~differing & HIGH_BITS;
             const std::ptrdiff_t plain = std::countr_zero(percents) / 8; // 8 when there is none
             text += plain;
-            m_at += plain;
-            if (percents != 0) break;
+            at += plain;
+            if (percents != 0) return;
         }
-        return text;
     }
 
     bool MakeRoom()

@@ -3,6 +3,7 @@
 //
 // The forced end of tasks that do not listen, each in a child process, which must come to a clean end
 // afterwards.
+#include "Bss/Bss_Dbg/BSS_DBG_LogConsumer.h"
 #include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Tsk/BSS_TSK_CommandTask.h"
 #include "Bss/Bss_Tsk/BSS_TSK_Event.h"
@@ -15,6 +16,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <sched.h>
+#include <string>
+#include <string_view>
 #include <thread>
 
 using namespace BSS::TSK;
@@ -135,6 +138,57 @@ TEST_F(TaskForceTest, AKillThatTheSystemDoesNotCarryOutIsLoggedAndTheTaskGoesOn)
 TEST_F(TaskForceTest, WhoeverWaitsForATaskThatIsEndedByForceIsLetGo)
 {
     EXPECT_EXIT(KillATaskThatIsWaitedFor(Settings("waited for")), testing::ExitedWithCode(0), "");
+}
+
+// Is in the middle of its line until it may leave, and a while longer.
+class SlowConsumerC final : public BSS::DBG::DbgLogConsumerC
+{
+public:
+    SlowConsumerC() : DbgLogConsumerC("slow", BSS::DBG::PrefixKind::None) {}
+    std::atomic<bool> entered{false};
+    std::atomic<bool> leave{false};
+    std::string text;
+
+protected:
+    bool write(std::string_view lines) override
+    {
+        text += lines.front();
+        entered = true;
+        while (!leave.load())
+            ::sched_yield();
+        for (int i = 0; i < 1000; ++i)
+            ::sched_yield();
+        text += lines.substr(1);
+        return true;
+    }
+};
+
+void KillATaskThatLogs(const std::shared_ptr<Support::LogRecorder>& log, TaskSettingsT settings)
+{
+    SlowConsumerC consumer;
+    WorkTaskC task(std::move(settings), [&] {
+        for (;;)
+            consumer.Log(4, "line");
+    });
+    task.start();
+    AwaitEntry(consumer.entered);
+    std::thread other([&] {
+        CHILD_EXPECT(
+            Support::Eventually([&] { return !log->Beginning("6 TaskC::friendly kill failed!").empty(); }));
+        consumer.leave = true;
+    });
+    task.kill();
+    other.join();
+    CHILD_EXPECT(!task.isRunning());
+    CHILD_EXPECT(consumer.text.ends_with("line\n"));
+    consumer.Log(4, "next"); // waits for nobody
+    CHILD_EXPECT(consumer.text.ends_with("line\nnext\n"));
+    std::exit(0);
+}
+
+TEST_F(TaskForceTest, ATaskThatLogsEndsBehindItsLineAndLeavesNoLockBehind)
+{
+    EXPECT_EXIT(KillATaskThatLogs(log, Settings("logs")), testing::ExitedWithCode(0), "");
 }
 
 class SpinningHookC final : public CommandTaskC
