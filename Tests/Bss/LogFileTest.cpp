@@ -246,6 +246,17 @@ TEST_F(LogFile, DirectoryNamedMeanwhileGetsTheLinesFromThenOn)
     EXPECT_EQ(Support::ReadAll(m_directory.Narrow("other/a.txt")), "three\n");
 }
 
+// Somebody has opened the file while we wrote nothing, and died in the middle of a write.
+TEST_F(LogFile, BeginningOfALineThatSomebodyLeavesWhileTheFileIsOpenIsRemoved)
+{
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("one\n", Later()));
+    Support::WriteAll(Path("a.txt"), "one\nwhole\nthe beginning of a li");
+    EXPECT_TRUE(file.append("two\n", Later()));
+    EXPECT_TRUE(file.append("three\n", Later()));
+    EXPECT_EQ(Bytes("a.txt"), "one\nwhole\ntwo\nthree\n");
+}
+
 TEST_F(LogFile, BeginningOfALineThatADeadWriterLeftIsRemoved)
 {
     boost::filesystem::create_directories(m_directory.Path() / "log");

@@ -163,6 +163,57 @@ TEST_F(LogFilePosix, LimitOnTheSizeOfFilesThatIsSetWhileRunningEndsNoProcess)
     EXPECT_EQ(Bytes("a.txt"), "before\n");
 }
 
+// Somebody who closes what is not theirs.
+void CloseBehindItsOwner(const std::string& path)
+{
+    for (const auto& entry : boost::filesystem::directory_iterator("/proc/self/fd")) {
+        boost::system::error_code gone;
+        if (boost::filesystem::read_symlink(entry.path(), gone) == boost::filesystem::canonical(path))
+            ::close(std::stoi(entry.path().filename().string()));
+    }
+}
+
+constexpr wchar_t FAILURE[] = L"BSS::DBG::DbgLogMgrC::logWrite ERROR while writing to log (name)!\n";
+
+TEST_F(LogFilePosix, CloseThatTheSystemRefusesIsToldWhenTheConsumerEnds)
+{
+    const Support::DebugOutputCapture debug;
+    {
+        DbgLogFileConsumerC consumer("name", L"a.txt");
+        consumer.Log(LEVEL_ERROR, "one");
+        CloseBehindItsOwner(Path("a.txt"));
+    }
+    EXPECT_EQ(debug.Text(), FAILURE);
+}
+
+TEST_F(LogFilePosix, CloseThatTheSystemRefusesIsToldWithTheNextLine)
+{
+    const Support::DebugOutputCapture debug;
+    DbgLogFileConsumerC consumer("name", L"a.txt");
+    consumer.setPrefixKind(PrefixKind::None);
+    consumer.Log(LEVEL_ERROR, "one");
+    CloseBehindItsOwner(Path("a.txt"));
+    BSS::OS::SetLogDirectory(m_directory.Wide("other"));
+    consumer.Log(LEVEL_ERROR, "two");
+    EXPECT_EQ(debug.Text(), FAILURE);
+    consumer.Log(LEVEL_ERROR, "three");
+    EXPECT_EQ(debug.Text(), FAILURE);
+    EXPECT_EQ(Support::ReadAll(m_directory.Narrow("other/a.txt")), "two\nthree\n");
+}
+
+TEST_F(LogFilePosix, LinesThatCannotBeWrittenWhenTheConsumerEndsAreToldOf)
+{
+    const Support::DebugOutputCapture debug;
+    {
+        DbgLogFileConsumerC consumer("name", L"a.txt");
+        consumer.Log(LEVEL_ERROR, "one");
+        consumer.Log(LEVEL_INFO, "waits");
+        TakeAway();
+        Support::WriteAll(m_directory.Narrow("log"), "a file in the directory's place");
+    }
+    EXPECT_EQ(debug.Text(), FAILURE);
+}
+
 // Cancels the thread that writes, in the middle of that.
 class CancellingC final : public DbgLogConsumerC
 {

@@ -7,11 +7,15 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogPrintfConsumer.h"
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
 #include "Bss/Bss_Hal/BSS_HAL_WriteSignals.h"
+#include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <string>
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace BSS;
@@ -41,6 +45,56 @@ TEST(LogSignalsDeathTest, StandardOutputThatNobodyReadsEndsNoProcess)
         DBG::DbgLogPrintfConsumerC consumer("printf");
         consumer.Log(DBG::LEVEL_INFO, "unread");
         std::_Exit(IsPending(SIGPIPE) ? 1 : 0);
+    };
+    EXPECT_EXIT(log(), testing::ExitedWithCode(0), "");
+}
+
+// What could not be written must not be tried again when the program ends, where nobody holds the signal
+// back.
+TEST(LogSignalsDeathTest, StandardOutputThatNobodyReadsEndsNoProcessBeforeItsTime)
+{
+    const auto log = [] {
+        std::signal(SIGPIPE, SIG_DFL);
+        PutAPipeWithoutReaderInPlaceOf(STDOUT_FILENO);
+        DBG::DbgLogPrintfConsumerC consumer("printf");
+        consumer.Log(DBG::LEVEL_INFO, "unread");
+        std::exit(0);
+    };
+    EXPECT_EXIT(log(), testing::ExitedWithCode(0), "");
+}
+
+TEST(LogSignalsDeathTest, StandardOutputThatMayNotGrowEndsNoProcess)
+{
+    const auto log = [] {
+        std::signal(SIGXFSZ, SIG_DFL);
+        std::FILE* const file = std::tmpfile();
+        if (file == nullptr || ::dup2(::fileno(file), STDOUT_FILENO) != STDOUT_FILENO) std::_Exit(99);
+        const rlimit limit = {10, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const Support::DebugOutputCapture debug;
+        DBG::DbgLogPrintfConsumerC consumer("printf");
+        consumer.Log(DBG::LEVEL_INFO, "more than that");
+        consumer.Log(DBG::LEVEL_INFO, "and nothing at all of this");
+        if (IsPending(SIGXFSZ) || debug.Text().empty()) std::_Exit(1);
+        std::exit(0);
+    };
+    EXPECT_EXIT(log(), testing::ExitedWithCode(0), "");
+}
+
+TEST(LogSignalsDeathTest, LinesStandInTheirPlaceBetweenWhatTheProgramPrints)
+{
+    const auto log = [] {
+        std::FILE* const file = std::tmpfile();
+        if (file == nullptr || ::dup2(::fileno(file), STDOUT_FILENO) != STDOUT_FILENO) std::_Exit(99);
+        DBG::DbgLogPrintfConsumerC consumer("printf");
+        consumer.setPrefixKind(DBG::PrefixKind::None);
+        std::printf("printed\n");
+        consumer.Log(DBG::LEVEL_INFO, "logged");
+        std::printf("printed again\n");
+        std::fflush(stdout);
+        char text[64] = {};
+        const ssize_t length = ::pread(STDOUT_FILENO, text, sizeof text - 1, 0);
+        std::_Exit(length > 0 && std::string(text) == "printed\nlogged\nprinted again\n" ? 0 : 1);
     };
     EXPECT_EXIT(log(), testing::ExitedWithCode(0), "");
 }

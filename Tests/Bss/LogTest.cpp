@@ -408,6 +408,24 @@ TEST(LogConsumer, CallLeavesNoTraceInErrno)
     EXPECT_EQ(errno, EXDEV);
 }
 
+TEST(LogConsumer, FlushLeavesErrnoAloneAlsoWhenItFails)
+{
+    struct Full final : DbgLogConsumerC
+    {
+        Full() : DbgLogConsumerC("f", PrefixKind::None) {}
+        bool write(std::string_view) override { return true; }
+        bool flushDevice() override { return errno = ENOSPC, works; }
+        bool works = true;
+    } consumer;
+    const Support::ReportCapture reports;
+    errno = EXDEV;
+    EXPECT_TRUE(consumer.flush());
+    EXPECT_EQ(errno, EXDEV);
+    consumer.works = false;
+    EXPECT_FALSE(consumer.flush());
+    EXPECT_EQ(errno, EXDEV);
+}
+
 TEST(LogConsumer, WideFormatMeansWideTextByS)
 {
     TextConsumer consumer;

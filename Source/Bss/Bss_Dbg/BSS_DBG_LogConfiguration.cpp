@@ -81,13 +81,16 @@ LogConfigFileT ReadLogConfigurationFile()
 {
     const std::wstring path = LogConfigurationFile();
     if (path.empty() || !IsThere(path)) return {};
-    const std::unique_ptr<std::FILE, CloseStream> stream(HAL::OpenStream(path, "rb"));
+    std::unique_ptr<std::FILE, CloseStream> stream(HAL::OpenStream(path, "rb"));
     std::uint64_t size = 0;
     if (!stream || !HAL::StreamSize(stream.get(), size)) return {LogConfigFileState::Unreadable, {}};
     if (size > MAX_LOG_CONFIG_BYTES) return {LogConfigFileState::TooLarge, {}};
     std::string text(static_cast<std::size_t>(size), '\0');
     text.resize(std::fread(text.data(), 1, text.size(), stream.get()));
-    if (std::ferror(stream.get()) != 0) return {LogConfigFileState::Unreadable, {}};
+    const bool read = std::ferror(stream.get()) == 0;
+    // If somebody else has closed what is ours, nobody knows which file has been read.
+    const bool closed = std::fclose(stream.release()) == 0;
+    if (!read || !closed) return {LogConfigFileState::Unreadable, {}};
     return {LogConfigFileState::Read, std::move(text)};
 }
 

@@ -104,13 +104,24 @@ DbgLogFileC::DbgLogFileC(std::wstring name, std::uint64_t limitBytes, unsigned n
 DbgLogFileC::~DbgLogFileC()
 {
     try {
-        if (m_used > 0 && m_forkGeneration == HAL::ForkGeneration()) {
-            static_cast<void>(handOver() && verify());
-            if (pending() > 0) static_cast<void>(handOver()); // the file had gone
-        }
+        static_cast<void>(finish());
     } catch (const std::exception&) {
         // Nobody is left to tell.
     }
+}
+
+bool DbgLogFileC::finish()
+{
+    if (m_forkGeneration == HAL::ForkGeneration()) {
+        if (m_used > 0) static_cast<void>(handOver() && verify());
+        if (pending() > 0) static_cast<void>(handOver()); // the file had gone
+    } else {
+        m_used = m_written = 0; // the parent's lines
+    }
+    close();
+    const bool whole = pending() == 0;
+    m_used = m_written = 0;
+    return !std::exchange(m_bCloseRefused, false) && whole;
 }
 
 std::wstring DbgLogFileC::path() const
@@ -135,15 +146,16 @@ bool DbgLogFileC::append(std::string_view lines, const HAL::WallTime& now)
     }
     m_nLost += static_cast<std::uint64_t>(std::count(lines.begin(), lines.end(), '\n'));
     const bool due = Elapsed(m_nowMs, m_handedOverMs) >= HAND_OVER_EVERY_MS;
-    return (!there || !due || handOver()) && lines.empty();
+    const bool handedOver = !there || !due || handOver();
+    return !std::exchange(m_bCloseRefused, false) && handedOver && lines.empty();
 }
 
 // Whether the lines go to the buffer and nothing else is to be done: nothing has changed, nothing was lost
 // and nothing is due.
 bool DbgLogFileC::takesAtOnce(std::size_t bytes) const
 {
-    return m_buffer && bytes <= BUFFER_BYTES - m_used && m_nLost == 0 && !m_path.empty() &&
-           Elapsed(m_nowMs, m_handedOverMs) < HAND_OVER_EVERY_MS &&
+    return m_buffer && bytes <= BUFFER_BYTES - m_used && m_nLost == 0 && !m_bCloseRefused &&
+           !m_path.empty() && Elapsed(m_nowMs, m_handedOverMs) < HAND_OVER_EVERY_MS &&
            m_pathVersion == OS::LogDirectoryVersion() && m_forkGeneration == HAL::ForkGeneration();
 }
 
@@ -212,7 +224,7 @@ bool DbgLogFileC::flush()
     if (!m_file && pending() == 0) return true;
     // Twice: lines that went to a file which has been taken away are written again.
     const bool there = handOver() && verify() && handOver() && verify();
-    return there && m_file && m_file->Sync();
+    return !std::exchange(m_bCloseRefused, false) && there && m_file && m_file->Sync();
 }
 
 bool DbgLogFileC::open()
@@ -238,6 +250,7 @@ bool DbgLogFileC::open()
 
 void DbgLogFileC::close() noexcept
 {
+    if (m_file && !m_file->Close()) m_bCloseRefused = true;
     m_file.reset();
     m_sole = false;
 }
@@ -261,7 +274,6 @@ bool DbgLogFileC::verify()
     }
     forgetWritten();
     m_verifiedMs = m_nowMs;
-    if (m_sole) m_sizeBytes = status.sizeBytes; // somebody may have emptied it
     if (Elapsed(m_verifiedMs, m_pathCheckedMs) >= CHECK_PATH_EVERY_MS && !reopenIfReplaced()) return false;
     const bool others = m_file->OthersPresent();
     if (others) m_othersSeenMs = m_verifiedMs;
@@ -269,13 +281,20 @@ bool DbgLogFileC::verify()
         m_file->GiveUpSoleUse();
         m_sole = false;
     }
-    if (!others && !m_sole && Elapsed(m_verifiedMs, m_othersSeenMs) >= SHARED_FOR_MS &&
-        m_file->TakeSoleUse()) {
-        m_sole = true;
-        if (!m_file->GetStatus(status)) return false;
-        m_sizeBytes = status.sizeBytes;
-        repairEnd(status.sizeBytes);
-    }
+    if (!others && !m_sole && Elapsed(m_verifiedMs, m_othersSeenMs) >= SHARED_FOR_MS)
+        m_sole = m_file->TakeSoleUse();
+    return !m_sole || lookAtTheEnd();
+}
+
+// For the sole user. Somebody may have been there while we wrote nothing, and have left the beginning of a
+// line behind, or emptied the file.
+bool DbgLogFileC::lookAtTheEnd()
+{
+    HAL::FileStatus status;
+    if (!m_file->GetStatus(status)) return false;
+    const bool strange = status.sizeBytes != m_sizeBytes;
+    m_sizeBytes = status.sizeBytes;
+    if (strange) repairEnd(status.sizeBytes);
     return true;
 }
 

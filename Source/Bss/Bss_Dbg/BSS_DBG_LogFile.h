@@ -39,14 +39,15 @@ public:
     /// `name` is the file's name in the log directory. A limit of 0 bytes is no limit.
     DbgLogFileC(std::wstring name, std::uint64_t limitBytes, unsigned nOlderFiles = DEFAULT_OLDER_FILES);
 
-    /// Hands over what is left.
+    /// Does what finish() does, and tells nobody how that went.
     ~DbgLogFileC();
     DbgLogFileC(const DbgLogFileC&) = delete;
     DbgLogFileC& operator=(const DbgLogFileC&) = delete;
 
     /// Takes whole lines, each ended by "\n". A line that is longer than the limit itself is cut and ends
     /// in " (cut)"; with a limit of so few bytes that this has no room, it is lost and counted. False when
-    /// lines are waiting that could not be handed over, or were lost for that reason. Throws std::bad_alloc
+    /// lines are waiting that could not be handed over, or were lost for that reason, and when the system
+    /// has refused to close a file that was written before. Throws std::bad_alloc
     /// only.
     [[nodiscard]] bool append(std::string_view lines, const HAL::WallTime& now = HAL::WallTimeNow());
 
@@ -56,6 +57,10 @@ public:
     /// Hands over everything, makes sure that the file is still there, and puts it on the device. True also
     /// when there is no file yet.
     [[nodiscard]] bool flush();
+
+    /// Hands over what is left, and closes the file. False when lines are lost by that, or the system refuses
+    /// to close. For the last call on the object.
+    [[nodiscard]] bool finish();
 
     void setLimit(std::uint64_t limitBytes) noexcept { m_limitBytes = limitBytes; }
 
@@ -85,6 +90,7 @@ private:
     void awaitOthers() const;
     bool verify();
     bool reopenIfReplaced();
+    bool lookAtTheEnd();
     void forgetWritten() noexcept;
     bool writeAlone();
     bool writeLocked();
@@ -105,6 +111,7 @@ private:
     std::uint32_t m_forkGeneration = 0;
     std::unique_ptr<HAL::AppendFileC> m_file;
     std::uint64_t m_sizeBytes = 0; // of the open file, as far as we know
+    bool m_bCloseRefused = false;  // and not told yet
     bool m_sole = false;           // we write without the write lock
     // The buffer: lines handed over to a file that has not been looked at since, then lines that wait.
     std::unique_ptr<char[]> m_buffer;

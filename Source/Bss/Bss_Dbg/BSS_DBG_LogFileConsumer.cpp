@@ -4,6 +4,7 @@
 // See the header.
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
 
+#include <exception>
 #include <utility>
 
 namespace BSS::DBG {
@@ -14,7 +15,16 @@ DbgLogFileConsumerC::DbgLogFileConsumerC(std::string name, std::wstring fileName
     DbgLogConsumerC::setLimit(limitBytes);
 }
 
-DbgLogFileConsumerC::~DbgLogFileConsumerC() = default;
+DbgLogFileConsumerC::~DbgLogFileConsumerC()
+{
+    bool finished = false;
+    try {
+        finished = m_file.finish();
+    } catch (const std::exception&) {
+        finished = false;
+    }
+    if (!finished) reportFailure();
+}
 
 std::wstring DbgLogFileConsumerC::path() const
 {

@@ -9,6 +9,8 @@
 // strangers.
 #pragma once
 
+#include "Bss/Bss_Hal/BSS_HAL_Handle.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -43,9 +45,15 @@ public:
     /// Opens a regular file, or makes it. Null when that fails, and for anything that is no regular file. A
     /// child process does not inherit it.
     static std::unique_ptr<AppendFileC> Open(const std::wstring& path);
+
+    /// Closes, if Close() has not, and tells nobody how that went.
     ~AppendFileC();
     AppendFileC(const AppendFileC&) = delete;
     AppendFileC& operator=(const AppendFileC&) = delete;
+
+    /// Closes the file; its locks go with it. False when the system refuses, or says only now that it has
+    /// lost what it was given. For the last call on the object.
+    [[nodiscard]] bool Close() noexcept;
 
     /// Appends and returns how many bytes were taken: fewer than `count` when the device is full, or the file
     /// as large as the process may make files; no signal comes of that if the process had its limit when the
@@ -82,11 +90,11 @@ public:
     bool OtherHasSoleUse() const noexcept;
 
 private:
-    AppendFileC(std::intptr_t handle, const FileIdentity& identity) noexcept
+    AppendFileC(NativeHandleT handle, const FileIdentity& identity) noexcept
         : m_handle(handle), m_identity(identity)
     {}
 
-    const std::intptr_t m_handle;
+    NativeHandleT m_handle;
     const FileIdentity m_identity;
     [[maybe_unused]] mutable bool m_limited = true; // the system may answer a write by a signal
 };

@@ -18,6 +18,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace BSS::HAL {
 
@@ -29,7 +30,7 @@ constexpr int YIELDS_FOR_THE_LOCK = 64;
 constexpr int NAPS_FOR_THE_LOCK = 1000;
 constexpr long NAP_NS = 500'000;
 
-int Descriptor(std::intptr_t handle) noexcept
+int Descriptor(NativeHandleT handle) noexcept
 {
     return static_cast<int>(handle);
 }
@@ -63,14 +64,14 @@ struct flock RangeLock(int type, off_t at) noexcept
     return lock;
 }
 
-bool SetRange(std::intptr_t handle, int type, off_t at) noexcept
+bool SetRange(NativeHandleT handle, int type, off_t at) noexcept
 {
     struct flock lock = RangeLock(type, at);
     return ::fcntl(Descriptor(handle), F_OFD_SETLK, &lock) == 0;
 }
 
 // Whether another opener keeps this one from locking; `unknown` where the file system has no such locks.
-bool RangeIsTaken(std::intptr_t handle, off_t at, bool unknown) noexcept
+bool RangeIsTaken(NativeHandleT handle, off_t at, bool unknown) noexcept
 {
     struct flock lock = RangeLock(F_WRLCK, at);
     if (::fcntl(Descriptor(handle), F_OFD_GETLK, &lock) != 0) return unknown;
@@ -124,8 +125,14 @@ std::unique_ptr<AppendFileC> AppendFileC::Open(const std::wstring& path)
 
 AppendFileC::~AppendFileC()
 {
+    static_cast<void>(Close());
+}
+
+bool AppendFileC::Close() noexcept
+{
     const NoCancellation undisturbed;
-    ::close(Descriptor(m_handle)); // everything has been written; the locks go with it
+    const NativeHandleT handle = std::exchange(m_handle, NO_HANDLE);
+    return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
 std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace BSS::HAL {
 
@@ -21,7 +22,7 @@ constexpr DWORD ACCESS = FILE_APPEND_DATA | FILE_WRITE_DATA | GENERIC_READ | SYN
 constexpr std::size_t LARGEST_WRITE = std::size_t{1} << 30;
 constexpr int NAPS_FOR_THE_LOCK = 500;
 
-HANDLE Native(std::intptr_t handle) noexcept
+HANDLE Native(NativeHandleT handle) noexcept
 {
     return reinterpret_cast<HANDLE>(handle);
 }
@@ -54,14 +55,20 @@ std::unique_ptr<AppendFileC> AppendFileC::Open(const std::wstring& path)
     FileIdentity identity;
     const bool regular = GetFileType(handle) == FILE_TYPE_DISK && IdentityOf(handle, identity);
     AppendFileC* const file =
-        regular ? new (std::nothrow) AppendFileC(reinterpret_cast<std::intptr_t>(handle), identity) : nullptr;
+        regular ? new (std::nothrow) AppendFileC(reinterpret_cast<NativeHandleT>(handle), identity) : nullptr;
     if (file == nullptr) CloseHandle(handle);
     return std::unique_ptr<AppendFileC>(file);
 }
 
 AppendFileC::~AppendFileC()
 {
-    CloseHandle(Native(m_handle));
+    static_cast<void>(Close());
+}
+
+bool AppendFileC::Close() noexcept
+{
+    const NativeHandleT handle = std::exchange(m_handle, NO_HANDLE);
+    return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
 std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept
