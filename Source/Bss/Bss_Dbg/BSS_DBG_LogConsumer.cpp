@@ -10,6 +10,7 @@
 #include "Bss/Bss_Dbg/BSS_DBG_LogPrefix.h"
 #include "Bss/Bss_Err/BSS_ERR_Report.h"
 #include "Bss/Bss_Hal/BSS_HAL_DebugOutput.h"
+#include "Bss/Bss_Hal/BSS_HAL_Thread.h"
 #include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Hal/BSS_HAL_Utf8.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
@@ -49,6 +50,26 @@ public:
 
 private:
     const bool m_before = t_writing;
+};
+
+// Says to those who come that the lock will be held for a moment. A hint: what counts is the lock.
+class HandOverMark
+{
+public:
+    HandOverMark(std::atomic<bool>& mark, bool bHandOver) noexcept : m_mark(mark), m_bHandOver(bHandOver)
+    {
+        if (m_bHandOver) m_mark.store(true, std::memory_order_relaxed);
+    }
+    ~HandOverMark()
+    {
+        if (m_bHandOver) m_mark.store(false, std::memory_order_relaxed);
+    }
+    HandOverMark(const HandOverMark&) = delete;
+    HandOverMark& operator=(const HandOverMark&) = delete;
+
+private:
+    std::atomic<bool>& m_mark;
+    const bool m_bHandOver;
 };
 
 // A log call leaves no trace in errno: who logs a failure may still want to know it.
@@ -276,10 +297,22 @@ bool DbgLogConsumerC::flushDevice()
     return true;
 }
 
+// Who hands a line over to the system holds the lock for about a microsecond, which is less than going to
+// sleep and being woken take. The lock looks less and less often whether it is free, and would miss the
+// moment between two lines of a thread that logs much; so a wait for that moment comes first.
+void DbgLogConsumerC::awaitTurn() const noexcept
+{
+    constexpr int LONGEST_WAIT = 128; // pauses, two to six microseconds
+    for (int i = 0; i < LONGEST_WAIT && m_bHandingOver.load(std::memory_order_relaxed); ++i)
+        HAL::SpinPause();
+}
+
 bool DbgLogConsumerC::writeLines(const LogMomentT& moment, std::string_view lines)
 {
+    if (m_bHandingOver.load(std::memory_order_relaxed)) awaitTurn();
     const std::lock_guard<TSK::MutexC> guard(m_lock);
     m_writeMoment = moment;
+    const HandOverMark mark(m_bHandingOver, writeMustHandOver()); // goes before the lock does
     return write(lines);
 }
 

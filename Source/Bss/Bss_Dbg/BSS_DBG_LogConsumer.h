@@ -166,6 +166,7 @@ private:
     bool writeMessage(int level, const char* format, UTI::FormatSourceI& arguments);
     bool writeText(const LogMomentT& moment, std::string_view prefix, std::string_view message);
     bool writeLines(const LogMomentT& moment, std::string_view lines);
+    void awaitTurn() const noexcept;
     std::size_t maxLineBytes() const noexcept;
 
     const std::string m_name;
@@ -176,6 +177,7 @@ private:
     std::atomic<std::uint64_t> m_limitBytes{DEFAULT_LIMIT_BYTES};
     std::atomic<unsigned> m_nOlderFiles{DEFAULT_OLDER_FILES};
     std::atomic<bool> m_bLineSplitting{false};
+    std::atomic<bool> m_bHandingOver{false}; // somebody is inside write(), with a line that does not wait
     TSK::MutexC m_lock;
     LogMomentT m_writeMoment; // guarded by the lock
 };
