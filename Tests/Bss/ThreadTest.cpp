@@ -9,8 +9,6 @@
 #include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
 
-#include <chrono>
-#include <cstdint>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
@@ -178,31 +176,6 @@ TEST(Clock, FieldsAreWithinTheirRanges)
         EXPECT_TRUE(now.second >= 0 && now.second <= 60);
         EXPECT_TRUE(now.millisecond >= 0 && now.millisecond <= 999);
     }
-}
-
-std::int64_t SystemMilliseconds()
-{
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::chrono::floor<std::chrono::milliseconds>(now).count();
-}
-
-// Long enough for the millisecond to change some twenty times.
-TEST(Clock, WallTimeIsNeverAnotherMillisecondThanTheSystems)
-{
-    const std::int64_t end = SystemMilliseconds() + 20;
-    std::int64_t after = 0;
-    std::uint64_t early = 0;
-    std::uint64_t late = 0;
-    do {
-        const std::int64_t before = SystemMilliseconds();
-        const WallTime now = WallTimeNow();
-        after = SystemMilliseconds();
-        const std::int64_t count = now.seconds * 1000 + now.millisecond;
-        early += count < before ? 1 : 0;
-        late += count > after ? 1 : 0;
-    } while (after < end);
-    EXPECT_EQ(early, 0u);
-    EXPECT_EQ(late, 0u);
 }
 
 } // namespace

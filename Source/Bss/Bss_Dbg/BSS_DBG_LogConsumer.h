@@ -6,8 +6,8 @@
 // from any thread; the lines of one message stay together. The text is made outside of any lock; the lock
 // covers the write; errno is as it was. A thread that logs while it is inside a consumer already, because
 // something beneath the consumer reports, is sent to the debugger output instead, as one line: no message
-// ever waits for itself. A request that the thread end, be it cancellation or interruption, waits until the
-// call is over.
+// ever waits for itself. A request that the thread end, be it cancellation, interruption or, on Linux, a
+// task's forced end, waits until the call is over.
 #pragma once
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"

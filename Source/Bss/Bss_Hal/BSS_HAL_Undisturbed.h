@@ -35,7 +35,7 @@ public:
     void End();
 
 private:
-    const int m_before;
+    int m_state = 0; // as it was
     bool m_ended = false;
 };
 

@@ -9,29 +9,20 @@
 
 namespace BSS::HAL {
 
-namespace {
-
-// Not noexcept, see End.
-int SetState(int state)
+NoCancellation::NoCancellation() noexcept
 {
-    int before = PTHREAD_CANCEL_ENABLE;
-    static_cast<void>(::pthread_setcancelstate(state, &before));
-    return before;
+    static_cast<void>(::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_state));
 }
-
-} // namespace
-
-NoCancellation::NoCancellation() noexcept : m_before(SetState(PTHREAD_CANCEL_DISABLE)) {}
 
 NoCancellation::~NoCancellation()
 {
-    if (!m_ended) static_cast<void>(SetState(m_before));
+    if (!m_ended) static_cast<void>(::pthread_setcancelstate(m_state, &m_state));
 }
 
 void NoCancellation::End()
 {
     m_ended = true;
-    static_cast<void>(SetState(m_before));
+    static_cast<void>(::pthread_setcancelstate(m_state, &m_state));
 }
 
 } // namespace BSS::HAL

@@ -6,11 +6,11 @@
 
 namespace BSS::HAL {
 
-NoCancellation::NoCancellation() noexcept : m_before(0) {}
+NoCancellation::NoCancellation() noexcept = default;
 
 NoCancellation::~NoCancellation()
 {
-    static_cast<void>(m_before);
+    static_cast<void>(m_state);
 }
 
 void NoCancellation::End()
