@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <random>
 
 namespace Bench {
 
@@ -37,6 +38,7 @@ struct ShapeT
     std::uint32_t uiDataBytes;
     bool bSameIds = false;
     bool bEverySecondEmpty = false;
+    bool bRandomData = false; ///< then the bytes of data are the most
 };
 
 /// A chain of blocks, each with so many entries and bytes of data, and a point block of one point at its end.
@@ -44,10 +46,12 @@ void WriteChain(const std::string& strPath, const ShapeT& shape)
 {
     std::string strBytes;
     Put(strBytes, {F::s_uiFileHeaderId, 16, 0, F::s_uiTypeUInt32, F::s_uiTagVersion, F::s_uiVersion2, 0});
+    std::mt19937 random(1);
     for (std::uint32_t i = 0; i < s_uiBlocks; ++i) {
         const bool bEmpty = shape.bEverySecondEmpty && i % 2 == 0;
         const std::uint32_t uiEntries = bEmpty ? 0 : shape.uiEntries;
-        const std::uint32_t uiDataBytes = bEmpty ? 0 : shape.uiDataBytes;
+        const auto uiRandom = static_cast<std::uint32_t>(random() % (shape.uiDataBytes + 1));
+        const std::uint32_t uiDataBytes = bEmpty ? 0 : shape.bRandomData ? uiRandom : shape.uiDataBytes;
         Put(strBytes, {shape.bSameIds ? 100 : 100 + i, 16 * uiEntries, uiDataBytes});
         for (std::uint32_t j = 0; j < uiEntries; ++j)
             Put(strBytes, {F::s_uiTypeUInt32, 30, i, 0});
@@ -86,6 +90,9 @@ void RunOpen(const OptionsT& options)
           {"1000000 blocks of 28 bytes: one entry", 1, 0},
           {"1000000 blocks of 44 bytes: two entries", 2, 0},
           {"1000000 blocks of 32 bytes: 20 of data", 0, 20},
+          {"1000000 blocks of 12 to 52 bytes: up to 40 of data, at random", 0, 40, false, false, true},
+          {"1000000 blocks of 28 to 68 bytes: one entry, up to 40 of data, at random", 1, 40, false, false,
+           true},
           {"1000000 blocks of 112 bytes: 100 of data", 0, 100},
           {"1000000 blocks of 144 bytes: two entries, 100 of data", 2, 100},
           {"1000000 blocks of 1012 bytes: 1000 of data", 0, 1000}}) {

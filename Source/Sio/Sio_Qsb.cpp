@@ -105,10 +105,9 @@ bool QsbC::Close()
     bool bWritten = true;
     if (m_pStream != nullptr) {
         if (m_bWrite) {
-            std::int64_t llIndex = 0;
-            for (const QsbBlockC& block : m_oBlocks.GetRecords()) {
-                if (block.IsHeaderDirty()) bWritten = RewriteBlockHeader(llIndex) && bWritten;
-                llIndex += static_cast<std::int64_t>(block.GetRunLength());
+            for (const auto& [ullIndex, block] : m_oBlocks.GetSingleBlocks()) {
+                if (block.IsHeaderDirty())
+                    bWritten = RewriteBlockHeader(static_cast<std::int64_t>(ullIndex)) && bWritten;
             }
         }
         bWritten = std::fclose(m_pStream) == 0 && bWritten;

@@ -101,7 +101,7 @@ private:
     std::int64_t ChooseBlock(std::int64_t llBlockIndex) const noexcept;
     bool WriteHead(const QsbBlockC& block, std::uint32_t uiHeaderBytes, std::uint32_t uiDataBytes);
     bool CreateBlockToWrite(QsbStrategyC& strategy);
-    QsbBlockC* IsolateLastBlock() noexcept;
+    QsbBlockC* BlockAt(std::int64_t llBlockIndex) noexcept;
     bool DropLastBlockAndReopen(const boost::filesystem::path& path);
     bool EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& definition,
                     QsbPointSourceI& source, std::uint32_t uiPoints);

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// Header entries and block records.
+// Header entries and blocks.
 #include "Sio/Sio_QsbBlock.h"
 
 #include "Sio/Sio_LittleEndian.h"
 
 #include <algorithm>
-#include <cstring>
-#include <utility>
 
 namespace SIO {
 
@@ -87,23 +85,6 @@ void QsbHeaderEntryC::SetDouble(double value) noexcept
     StoreLittleEndian(m_acBytes.data() + s_nValueOffset, value);
 }
 
-void QsbBlockC::SetRunLength(std::uint64_t ullRunLength) noexcept
-{
-    m_ullRest = (ullRunLength << s_nRunShift) | s_ullRun |
-                (m_ullRest & (s_ullSealed | s_ullHeaderDirty | s_ullStretch));
-}
-
-void QsbBlockC::MakeStretch(std::uint64_t ullRunLength) noexcept
-{
-    m_ullRest |= s_ullStretch;
-    SetRunLength(ullRunLength);
-}
-
-void QsbBlockC::FreeEntries() noexcept
-{
-    if (HasEntries() && !HasSharedEntries()) ::operator delete(GetEntries());
-}
-
 std::uint32_t QsbBlockC::GetHeaderBytes() const noexcept
 {
     return static_cast<std::uint32_t>(GetEntryCount() * QsbFormat::s_nEntryBytes);
@@ -111,7 +92,7 @@ std::uint32_t QsbBlockC::GetHeaderBytes() const noexcept
 
 std::uint64_t QsbBlockC::GetEndOffset() const noexcept
 {
-    // Only empty blocks share a record.
+    // Several are all empty.
     return GetDataOffset() + m_uiDataBytes + (GetRunLength() - 1) * QsbFormat::s_nBlockHeadBytes;
 }
 
@@ -127,25 +108,13 @@ QsbHeaderEntryC* QsbBlockC::ChangeEntry(std::uint32_t tag) noexcept
     const QsbHeaderEntryC* entry = FindEntry(tag);
     if (entry == nullptr) return nullptr;
     SetHeaderDirty(true);
-    return GetEntries()->First() + (entry - begin());
+    return &m_vecEntries[static_cast<std::size_t>(entry - begin())];
 }
 
 bool QsbBlockC::AddEntry(const QsbHeaderEntryC& entry)
 {
     if (IsSealed()) return false;
-    const std::size_t nCount = GetEntryCount();
-    if (!HasEntries() || nCount >= GetEntries()->uiCapacity) {
-        const std::size_t nCapacity = std::max<std::size_t>(2 * nCount, 32);
-        auto* const pGrown = static_cast<QsbEntryArrayT*>(
-            ::operator new(sizeof(QsbEntryArrayT) + nCapacity * sizeof(QsbHeaderEntryC)));
-        std::uninitialized_copy(begin(), end(), pGrown->First());
-        pGrown->uiCapacity = static_cast<std::uint32_t>(nCapacity);
-        FreeEntries();
-        // Not sealed; and one block alone, since a block that changes has a record of its own.
-        m_ullRest = reinterpret_cast<std::uintptr_t>(pGrown);
-    }
-    std::construct_at(GetEntries()->First() + nCount, entry);
-    GetEntries()->uiCount = static_cast<std::uint32_t>(nCount + 1);
+    m_vecEntries.push_back(entry);
     SetHeaderDirty(true);
     return true;
 }

@@ -1,92 +1,78 @@
 // SPDX-License-Identifier: MIT
 // Copyright (c) 2026 The ScanReader developers
 //
-// The block list and the memory of its entries.
+// Packed blocks and single ones, as one list.
 #include "Sio/Sio_QsbBlockList.h"
 
+#include "Sio/Sio_LittleEndian.h"
+#include "Sio/Sio_QsbPackedCursor.h"
+
 #include <algorithm>
-#include <utility>
+#include <array>
+#include <cstring>
 
 namespace SIO {
 
-/// There is too little left.
-char* QsbEntryMemoryC::TakeMore(std::size_t nBytes)
+namespace {
+
+/// A block's head, and its entries behind that as long as it can be packed.
+class PackableBytesC
 {
-    if (nBytes > s_nLargestInCompany) return TakeAlone(nBytes);
-    if (m_pFree == nullptr) {
-        m_pFree = TakeAlone(s_nLargestInCompany);
-        m_nFree = s_nLargestInCompany;
-    } else {
-        m_vecLarge.push_back(MakeLargeMemory());
-        m_pFree = static_cast<char*>(m_vecLarge.back().get());
-        m_nFree = s_nLargeMemoryBytes;
+public:
+    PackableBytesC(std::uint32_t uiId, std::uint32_t uiDataBytes, const QsbHeaderEntriesT& entries) noexcept
+        : m_nBytes(QsbFormat::s_nBlockHeadBytes + entries.size() * QsbFormat::s_nEntryBytes)
+    {
+        StoreLittleEndian(m_acBytes.data(), uiId);
+        StoreLittleEndian(m_acBytes.data() + 4,
+                          static_cast<std::uint32_t>(entries.size() * QsbFormat::s_nEntryBytes));
+        StoreLittleEndian(m_acBytes.data() + 8, uiDataBytes);
+        if (!entries.empty())
+            std::memcpy(m_acBytes.data() + QsbFormat::s_nBlockHeadBytes, entries.data(),
+                        entries.size() * QsbFormat::s_nEntryBytes);
     }
-    m_nFree -= nBytes;
-    return std::exchange(m_pFree, m_pFree + nBytes);
+
+    const char* Get() const noexcept { return m_acBytes.data(); }
+    std::size_t Count() const noexcept { return m_nBytes; }
+
+private:
+    std::array<char, QsbFormat::s_nBlockHeadBytes + QsbPackedCode::s_nMostHeaderBytes> m_acBytes;
+    std::size_t m_nBytes;
+};
+
+} // namespace
+
+QsbBlockC* QsbBlockListC::GetSingle(std::uint64_t ullIndex) const
+{
+    if (ullIndex >= GetCount()) return nullptr;
+    const auto it = m_mapSingle.lower_bound(ullIndex);
+    if (it != m_mapSingle.end() && it->first == ullIndex) return &it->second;
+    const QsbPackedChainC::ChunkT* const pChunk = m_oPacked.Find(ullIndex);
+    QsbPackedCursorC cursor(*pChunk);
+    cursor.SkipTo(ullIndex);
+    QsbBlockC block;
+    cursor.CopyTo(block, ullIndex);
+    return &m_mapSingle.emplace_hint(it, ullIndex, std::move(block))->second;
 }
 
-char* QsbEntryMemoryC::TakeAlone(std::size_t nBytes)
+const QsbBlockC* QsbBlockListC::Get(std::uint64_t ullIndex) const
 {
-    std::unique_ptr<char[]> pBytes(new char[nBytes]); // which stay as they are
-    m_vecSmall.push_back(std::move(pBytes));
-    return m_vecSmall.back().get();
+    return GetSingle(ullIndex);
 }
 
-void QsbEntryMemoryC::Clear() noexcept
+QsbBlockC* QsbBlockListC::Get(std::uint64_t ullIndex)
 {
-    m_vecLarge.clear();
-    m_vecSmall.clear();
-    m_pFree = nullptr;
-    m_nFree = 0;
+    return GetSingle(ullIndex);
 }
 
-QsbBlockListC::PlaceT QsbBlockListC::PlaceOf(std::uint64_t ullIndex) const noexcept
+std::uint64_t QsbBlockListC::GetEndOffset() const noexcept
 {
-    const auto behind =
-        std::upper_bound(m_oRuns.begin(), m_oRuns.end(), ullIndex,
-                         [](std::uint64_t i, const RunT& run) { return i < run.ullFirstIndex; });
-    if (behind == m_oRuns.begin()) return {static_cast<std::size_t>(ullIndex), 0, 0};
-    const RunT& run = *std::prev(behind);
-    const std::uint64_t ullInRun = ullIndex - run.ullFirstIndex;
-    const std::uint64_t ullLength = m_oRecords[run.uiRecord].GetRunLength();
-    if (ullInRun < ullLength) return {run.uiRecord, ullInRun, run.uiFirstId};
-    return {run.uiRecord + 1 + static_cast<std::size_t>(ullInRun - ullLength), 0, 0};
+    if (m_mapSingle.empty() || m_mapSingle.rbegin()->first + 1 != GetCount()) return m_oPacked.GetEndOffset();
+    return m_mapSingle.rbegin()->second.GetEndOffset();
 }
 
-std::size_t QsbBlockListC::FirstIdOf(std::size_t nRecord) const noexcept
+std::int64_t QsbBlockListC::Find(std::uint32_t uiId) const
 {
-    return std::lower_bound(m_oRuns.begin(), m_oRuns.end(), nRecord,
-                            [](const RunT& run, std::size_t n) { return run.uiRecord < n; })
-        ->uiFirstId;
-}
-
-const QsbBlockC* QsbBlockListC::Get(std::uint64_t ullIndex) const noexcept
-{
-    return ullIndex < m_ullCount ? &m_oRecords[PlaceOf(ullIndex).nRecord] : nullptr;
-}
-
-QsbBlockC* QsbBlockListC::Get(std::uint64_t ullIndex) noexcept
-{
-    return const_cast<QsbBlockC*>(std::as_const(*this).Get(ullIndex));
-}
-
-std::uint32_t QsbBlockListC::GetId(std::uint64_t ullIndex) const noexcept
-{
-    const PlaceT place = PlaceOf(ullIndex);
-    const QsbBlockC& record = m_oRecords[place.nRecord];
-    return record.IsStretch() ? m_oIds[place.nFirstId + static_cast<std::size_t>(place.ullInRecord)]
-                              : record.m_uiId;
-}
-
-std::uint64_t QsbBlockListC::GetOffset(std::uint64_t ullIndex) const noexcept
-{
-    const PlaceT place = PlaceOf(ullIndex);
-    return m_oRecords[place.nRecord].m_ullOffset + place.ullInRecord * QsbFormat::s_nBlockHeadBytes;
-}
-
-std::int64_t QsbBlockListC::Find(std::uint32_t uiId) const noexcept
-{
-    if (uiId < s_nWatchedIds) return m_allFirst[uiId];
+    if (QsbBlockTallyC::IsWatched(uiId)) return m_oTally.First(uiId);
     std::int64_t llFound = -1;
     ForEach([&](const QsbBlockC& block, std::uint64_t ullIndex) {
         if (block.m_uiId == uiId) llFound = static_cast<std::int64_t>(ullIndex);
@@ -95,162 +81,98 @@ std::int64_t QsbBlockListC::Find(std::uint32_t uiId) const noexcept
     return llFound;
 }
 
+void QsbBlockListC::ForEach(const VisitT& visit) const
+{
+    auto single = m_mapSingle.begin();
+    const auto singleIndex = [&] { return single != m_mapSingle.end() ? single->first : GetCount(); };
+    QsbBlockC block; // its memory for entries serves all of them
+    for (const QsbPackedChainC::ChunkT& chunk : m_oPacked.GetChunks()) {
+        for (; singleIndex() < chunk.ullFirstIndex; ++single) {
+            if (!visit(single->second, single->first)) return;
+        }
+        for (QsbPackedCursorC cursor(chunk); cursor.Next();) {
+            const std::uint64_t ullEnd = cursor.GetFirstIndex() + cursor.GetLength();
+            for (std::uint64_t ullIndex = cursor.GetFirstIndex(); ullIndex < ullEnd;) {
+                if (ullIndex == singleIndex()) {
+                    if (!visit(single->second, ullIndex)) return;
+                    ++single;
+                    ++ullIndex;
+                    continue;
+                }
+                cursor.CopyTo(block, ullIndex);
+                if (cursor.IsEmpty()) block.m_ullRunLength = std::min(ullEnd, singleIndex()) - ullIndex;
+                const std::uint64_t ullNext = ullIndex + block.m_ullRunLength;
+                if (!visit(block, ullIndex)) return;
+                ullIndex = ullNext;
+            }
+        }
+    }
+    for (; single != m_mapSingle.end(); ++single) {
+        if (!visit(single->second, single->first)) return;
+    }
+}
+
 bool QsbBlockListC::AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std::uint32_t uiDataBytes,
-                               const QsbHeaderEntriesT& entries)
+                               QsbHeaderEntriesT entries)
 {
-    return AppendRead(ullOffset, uiId, uiDataBytes, entries.data(), entries.size());
-}
-
-bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId, std::uint64_t ullRunLength)
-{
-    if (ullRunLength == 0) return true;
-    const bool bBehindEmpty = !IsEmpty() && Last().IsEmpty();
-    if (bBehindEmpty && !Last().IsStretch() && Last().m_uiId == uiId) {
-        if (!LastIsRun() && !HasRoomForBytes(s_ullRunMemory)) return false;
-        LengthenLast(ullRunLength);
-        return true;
+    if (entries.size() * QsbFormat::s_nEntryBytes <= QsbPackedCode::s_nMostHeaderBytes) {
+        const PackableBytesC bytes(uiId, uiDataBytes, entries);
+        return AppendShown(bytes.Get(), bytes.Count(), ullOffset);
     }
-    const std::size_t nBefore = bBehindEmpty ? CountAtEndOfStretch(uiId) : 0;
-    if (ullRunLength + nBefore < s_nLongRun && CanTakeStretch() && !NeedsRecord(uiId)) {
-        std::array<std::uint32_t, s_nLongRun> auiIds;
-        auiIds.fill(uiId);
-        return AppendReadStretch(auiIds.data(), static_cast<std::size_t>(ullRunLength));
-    }
-    if (!HasRoomForBytes(s_ullRecordMemory + s_ullRunMemory - nBefore * s_ullIdMemory)) return false;
-    CutStretch(nBefore);
-    AppendRun(ullOffset - nBefore * QsbFormat::s_nBlockHeadBytes, uiId, ullRunLength + nBefore);
+    if (!HasRoomFor(entries.size())) return false;
+    m_oTally.Take(SingleMemory(entries.size()));
+    QsbBlockC block(ullOffset, uiId, uiDataBytes);
+    block.m_bSealed = true;
+    block.m_vecEntries = std::move(entries);
+    AppendSingle(std::move(block));
     return true;
 }
 
-void QsbBlockListC::AppendRun(std::uint64_t ullOffset, std::uint32_t uiId, std::uint64_t ullRunLength)
+bool QsbBlockListC::AppendReadEmpty(std::uint64_t ullOffset, std::uint32_t uiId, std::uint64_t ullBlocks)
 {
-    Append(ullOffset, uiId, 0, nullptr, QsbBlockC::s_ullSealed);
-    if (ullRunLength > 1) LengthenLast(ullRunLength - 1);
-}
-
-void QsbBlockListC::LengthenLast(std::uint64_t ullBlocks)
-{
-    QsbBlockC& last = Last();
-    NoteRun();
-    last.SetRunLength(last.GetRunLength() + ullBlocks);
-    m_ullCount += ullBlocks;
-}
-
-void QsbBlockListC::NoteRun()
-{
-    if (LastIsRun()) return;
-    m_oRuns.emplace_back(m_ullCount - 1, static_cast<std::uint32_t>(m_oRecords.size() - 1),
-                         static_cast<std::uint32_t>(m_oIds.size()));
-    m_ullMemory += s_ullRunMemory;
-}
-
-bool QsbBlockListC::AppendReadStretch(const std::uint32_t* pIds, std::size_t nIds)
-{
-    QsbBlockC& last = Last();
-    const std::size_t nOld = last.IsStretch() ? 0 : static_cast<std::size_t>(last.GetRunLength());
-    const std::uint64_t ullRun = LastIsRun() ? 0 : s_ullRunMemory;
-    if (!HasRoomForBytes(ullRun + (nOld + nIds) * s_ullIdMemory)) return false;
-    if (nOld != 0) {
-        NoteRun();
-        for (std::size_t i = 0; i < nOld; ++i)
-            m_oIds.emplace_back(last.m_uiId);
-        last.MakeStretch(nOld);
-    }
-    m_oIds.append(pIds, nIds);
-    LengthenLast(nIds);
-    m_ullMemory += (nOld + nIds) * s_ullIdMemory;
+    if (ullBlocks == 0) return true;
+    if (!AppendRead(ullOffset, uiId, 0, {})) return false;
+    m_oPacked.RepeatLast(m_oTally, ullBlocks - 1);
     return true;
-}
-
-/// How many blocks with the identifier a stretch ends in, its first one and more than a few not counted.
-std::size_t QsbBlockListC::CountAtEndOfStretch(std::uint32_t uiId) const noexcept
-{
-    if (!Last().IsStretch()) return 0;
-    const std::uint64_t ullMost = std::min<std::uint64_t>(Last().GetRunLength(), s_nLongRun) - 1;
-    std::size_t nSame = 0;
-    while (nSame < ullMost && m_oIds[m_oIds.size() - 1 - nSame] == uiId)
-        ++nSame;
-    return nSame;
-}
-
-void QsbBlockListC::CutStretch(std::size_t nBlocks) noexcept
-{
-    if (nBlocks == 0) return;
-    Last().SetRunLength(Last().GetRunLength() - nBlocks);
-    m_ullCount -= nBlocks;
-    ForgetLastIds(nBlocks);
-}
-
-void QsbBlockListC::ForgetLastIds(std::size_t nIds) noexcept
-{
-    for (std::size_t i = 0; i < nIds; ++i)
-        m_oIds.pop_back();
-    m_ullMemory -= nIds * s_ullIdMemory;
 }
 
 QsbBlockC& QsbBlockListC::AppendNew(std::uint64_t ullOffset, std::uint32_t uiId)
 {
-    return Append(ullOffset, uiId, 0, nullptr, 0);
+    return AppendSingle(QsbBlockC(ullOffset, uiId, 0));
 }
 
-QsbBlockC& QsbBlockListC::IsolateLast()
+QsbBlockC& QsbBlockListC::AppendSingle(QsbBlockC&& block)
 {
-    QsbBlockC& last = Last();
-    if (last.GetRunLength() == 1) {
-        if (!last.HasEntries()) last.MakeSingle();
-        return last;
-    }
-    const std::uint64_t ullOffset = last.GetEndOffset() - QsbFormat::s_nBlockHeadBytes;
-    const std::uint64_t ullFlags = last.IsSealed() ? QsbBlockC::s_ullSealed : 0;
-    const std::uint32_t uiId = last.IsStretch() ? m_oIds.back() : last.m_uiId;
-    QsbBlockC& record = m_oRecords.emplace_back(ullOffset, uiId, std::uint32_t{0}, nullptr, ullFlags);
-    m_ullMemory += s_ullRecordMemory;
-    last.SetRunLength(last.GetRunLength() - 1);
-    if (last.IsStretch()) ForgetLastIds(1);
-    return record;
+    const std::uint64_t ullIndex = GetCount();
+    QsbBlockC& kept = m_mapSingle.emplace_hint(m_mapSingle.end(), ullIndex, std::move(block))->second;
+    m_oPacked.EndChunk();
+    m_oTally.Note(kept.m_uiId, ullIndex);
+    m_oTally.SetCount(ullIndex + 1);
+    return kept;
 }
 
-void QsbBlockListC::RemoveLast()
+void QsbBlockListC::RemoveLast() noexcept
 {
-    IsolateLast();
-    if (LastIsRun()) {
-        ForgetLastIds(m_oIds.size() - m_oRuns.back().uiFirstId);
-        m_oRuns.pop_back();
-        m_ullMemory -= s_ullRunMemory;
+    const std::uint64_t ullLast = GetCount() - 1;
+    if (const QsbPackedChainC::ChunkT* const pChunk = m_oPacked.Find(ullLast)) {
+        QsbPackedCursorC cursor(*pChunk);
+        cursor.SkipTo(ullLast);
+        m_oPacked.RemoveLast(m_oTally, cursor.GetOffset(ullLast));
     }
-    m_oRecords.pop_back();
-    m_ullMemory -= s_ullRecordMemory;
-    --m_ullCount;
-    ForgetFirstsFrom(m_ullCount);
+    m_mapSingle.erase(ullLast);
+    m_oTally.CountDown();
 }
 
 void QsbBlockListC::Clear() noexcept
 {
-    m_oRecords.clear();
-    m_oRuns.clear();
-    m_oIds.clear();
-    m_oEntryMemory.Clear();
-    m_ullCount = 0;
-    m_ullMemory = 0;
-    ForgetFirstsFrom(0);
+    QsbBlockListC().Swap(*this);
 }
 
 void QsbBlockListC::Swap(QsbBlockListC& other) noexcept
 {
-    std::swap(m_oEntryMemory, other.m_oEntryMemory);
-    m_oRecords.swap(other.m_oRecords);
-    m_oRuns.swap(other.m_oRuns);
-    m_oIds.swap(other.m_oIds);
-    std::swap(m_ullCount, other.m_ullCount);
-    std::swap(m_ullMemory, other.m_ullMemory);
-    std::swap(m_allFirst, other.m_allFirst);
-}
-
-void QsbBlockListC::ForgetFirstsFrom(std::uint64_t ullIndex) noexcept
-{
-    for (std::int64_t& llFirst : m_allFirst) {
-        if (llFirst >= static_cast<std::int64_t>(ullIndex)) llFirst = -1;
-    }
+    std::swap(m_oTally, other.m_oTally);
+    m_oPacked.Swap(other.m_oPacked);
+    m_mapSingle.swap(other.m_mapSingle);
 }
 
 } // namespace SIO

@@ -109,15 +109,15 @@ bool QsbC::IsLastBlock(std::int64_t llBlockIndex) const noexcept
 std::int64_t QsbC::AppendBlock(std::uint32_t uiId)
 {
     if (m_pStream == nullptr || m_oBlocks.IsEmpty()) return -1;
-    QsbBlockC& previous = m_oBlocks.Last();
-    const std::uint64_t ullOffset = previous.GetEndOffset();
+    const std::uint64_t ullOffset = m_oBlocks.GetEndOffset();
     if (!WriteHead(QsbBlockC(ullOffset, uiId, 0), 0, 0)) return -1;
     try {
+        QsbBlockC& previous = m_oBlocks.Last();
         m_oBlocks.AppendNew(ullOffset, uiId);
+        previous.SetSealed(true);
     } catch (const std::bad_alloc&) {
         return -1;
     }
-    previous.SetSealed(true);
     return static_cast<std::int64_t>(m_oBlocks.GetCount()) - 1;
 }
 
@@ -125,11 +125,9 @@ bool QsbC::WriteBytesIntoBlock(std::int64_t llBlockIndex, std::uint64_t ullPosit
                                const void* pSource)
 {
     if (m_pStream == nullptr || llBlockIndex < 0) return false;
-    QsbBlockC* block = m_oBlocks.Get(static_cast<std::uint64_t>(llBlockIndex));
+    QsbBlockC* block = BlockAt(llBlockIndex);
     if (block == nullptr) return false;
     const bool bLast = IsLastBlock(llBlockIndex);
-    if (bLast) block = IsolateLastBlock();
-    if (block == nullptr) return false;
     block->SetSealed(true);
     const std::uint64_t ullLimit = bLast ? QsbFormat::s_ullMaxDataBytes : block->GetDataBytes();
     if (ullPosition > ullLimit || ullBytes > ullLimit - ullPosition) return false;
@@ -143,10 +141,10 @@ bool QsbC::WriteBytesIntoBlock(std::int64_t llBlockIndex, std::uint64_t ullPosit
     return true;
 }
 
-QsbBlockC* QsbC::IsolateLastBlock() noexcept
+QsbBlockC* QsbC::BlockAt(std::int64_t llBlockIndex) noexcept
 {
     try {
-        return &m_oBlocks.IsolateLast();
+        return m_oBlocks.Get(static_cast<std::uint64_t>(llBlockIndex));
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -155,12 +153,9 @@ QsbBlockC* QsbC::IsolateLastBlock() noexcept
 bool QsbC::RewriteBlockHeader(std::int64_t llBlockIndex)
 {
     if (m_pStream == nullptr || llBlockIndex < 0) return false;
-    QsbBlockC* block = m_oBlocks.Get(static_cast<std::uint64_t>(llBlockIndex));
+    QsbBlockC* block = BlockAt(llBlockIndex);
     if (block == nullptr) return false;
-    // The record may stand for blocks before this one as well.
-    const auto ullIndex = static_cast<std::uint64_t>(llBlockIndex);
-    const QsbBlockC head(m_oBlocks.GetOffset(ullIndex), m_oBlocks.GetId(ullIndex), 0);
-    if (!WriteHead(head, block->GetHeaderBytes(), block->GetDataBytes())) return false;
+    if (!WriteHead(*block, block->GetHeaderBytes(), block->GetDataBytes())) return false;
     const std::size_t nBytes = block->GetHeaderBytes();
     if (nBytes != 0 && std::fwrite(block->begin(), 1, nBytes, m_pStream) != nBytes) return false;
     block->SetHeaderDirty(false);
@@ -191,7 +186,7 @@ bool QsbC::DropLastBlock()
 bool QsbC::DropLastBlockAndReopen(const boost::filesystem::path& path)
 {
     m_oBlocks.RemoveLast();
-    QsbBlockC& last = m_oBlocks.IsolateLast();
+    QsbBlockC& last = m_oBlocks.Last();
     last.SetSealed(false);
     last.SetHeaderDirty(true);
     std::fclose(m_pStream);
@@ -307,8 +302,6 @@ bool QsbC::EncodeInto(QsbStrategyDataC& data, const PointDefinitionContainerI& d
         if (!WriteBytesIntoBlock(data.m_llBlockIndex, data.m_ullPosition, ullBytes, pBuffer)) return false;
         uiDone += uiPart;
         data.m_ullPosition += ullBytes;
-        // The block may have got a record of its own.
-        block = BlockOf(data);
         data.m_ullDataBytes = block->GetDataBytes();
         data.m_ullDataBytesPresent = std::max(data.m_ullDataBytesPresent, data.m_ullPosition);
         const std::uint64_t ullPoints = data.m_ullPosition / ullRecordBytes;

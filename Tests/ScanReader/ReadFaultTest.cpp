@@ -68,11 +68,12 @@ class ReadFault : public Fixture, public testing::WithParamInterface<Call>
 protected:
     ReadFault()
     {
-        // The blocks of zeros make the walk ask for holes; the others are so many that the list of blocks and
-        // the memory of their entries grow twice.
+        // The blocks of zeros, more than are read at once, make the walk ask for holes; the others are so
+        // many that the memory of the list of blocks grows.
         Support::QsbBytes file;
-        file.Block(0).Block(0);
-        for (std::uint32_t id = 100; id < 180; ++id)
+        for (int i = 0; i < 1000; ++i)
+            file.Block(0);
+        for (std::uint32_t id = 100; id < 1000; ++id)
             file.Block(id).Entry(7, 30, id).Entry(7, 31, id).Entry(7, 32, id);
         file.Block(1).Entry(40, 100).Entry(5, 101).Data(Support::SmallPoints(s_nPoints));
         path = folder.Write("scan.qsb", file);

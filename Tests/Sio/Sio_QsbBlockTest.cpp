@@ -103,17 +103,27 @@ TEST(QsbBlockList, EndOffsetsBeyond4GiBDoNotWrap)
     EXPECT_EQ(blocks.Last().GetEndOffset(), 0xFFFFFFFF0 + 12 + std::uint64_t{0xFFFFFFFF});
 }
 
-TEST(QsbBlockList, ARunOfEmptyBlocksIsOneRecordWithManyIndices)
+TEST(QsbBlockList, ARunOfEmptyBlocksHasManyIndicesAndIsToldOnce)
 {
     QsbBlockListC blocks;
     ASSERT_TRUE(blocks.AppendReadEmpty(0, 5, 1000000000000));
     ASSERT_TRUE(blocks.AppendRead(12000000000000, 6, 3, {}));
     EXPECT_EQ(blocks.GetCount(), 1000000000001u);
-    EXPECT_EQ(blocks.GetRecords().size(), 2u);
     EXPECT_EQ(blocks.Get(999999999999)->GetId(), 5u);
+    EXPECT_EQ(blocks.Get(999999999999)->GetOffset(), 999999999999u * 12);
     EXPECT_EQ(blocks.Get(1000000000000)->GetId(), 6u);
     EXPECT_EQ(blocks.Get(1000000000001), nullptr);
     EXPECT_EQ(blocks.Find(6), 1000000000000);
+}
+
+std::vector<std::uint64_t> RunLengthsOf(const QsbBlockListC& blocks)
+{
+    std::vector<std::uint64_t> lengths;
+    blocks.ForEach([&](const QsbBlockC& block, std::uint64_t) {
+        lengths.push_back(block.GetRunLength());
+        return true;
+    });
+    return lengths;
 }
 
 TEST(QsbBlockList, BlocksWithHeaderOrDataOrAnotherIdentifierJoinNoRun)
@@ -127,26 +137,59 @@ TEST(QsbBlockList, BlocksWithHeaderOrDataOrAnotherIdentifierJoinNoRun)
     ASSERT_TRUE(blocks.AppendRead(83, 5, 0, {}));
     ASSERT_TRUE(blocks.AppendRead(95, 4, 0, {}));
     ASSERT_TRUE(blocks.AppendRead(107, 5, 0, {}));
-    std::vector<std::uint64_t> lengths;
-    blocks.ForEach([&](const QsbBlockC& block, std::uint64_t) {
-        lengths.push_back(block.GetRunLength());
-        return true;
-    });
-    EXPECT_EQ(lengths, (std::vector<std::uint64_t>{2, 1, 1, 1, 1, 1, 1}));
+    EXPECT_EQ(RunLengthsOf(blocks), (std::vector<std::uint64_t>{2, 1, 1, 1, 1, 1, 1}));
 }
 
-TEST(QsbBlockList, TheLastBlockOfARunCanGetARecordOfItsOwn)
+TEST(QsbBlockList, IdenticalBlocksThatHoldSomethingAreToldOneByOne)
+{
+    QsbBlockListC blocks;
+    for (std::uint64_t i = 0; i < 3; ++i)
+        ASSERT_TRUE(blocks.AppendRead(17 * i, 5, 5, {}));
+    EXPECT_EQ(RunLengthsOf(blocks), (std::vector<std::uint64_t>{1, 1, 1}));
+}
+
+TEST(QsbBlockList, ABlockOfARunChangesAlone)
 {
     QsbBlockListC blocks;
     ASSERT_TRUE(blocks.AppendReadEmpty(100, 5, 10));
-    QsbBlockC& last = blocks.IsolateLast();
-    EXPECT_EQ(last.GetOffset(), 100u + 9 * 12);
-    EXPECT_TRUE(last.IsSealed());
+    QsbBlockC& block = *blocks.Get(6);
+    EXPECT_EQ(block.GetOffset(), 100u + 6 * 12);
+    EXPECT_EQ(block.GetRunLength(), 1u);
+    EXPECT_TRUE(block.IsSealed());
+    EXPECT_FALSE(block.IsHeaderDirty());
+    block.SetHeaderDirty(true);
+    EXPECT_EQ(blocks.Get(6), &block);
+    EXPECT_FALSE(blocks.Get(5)->IsHeaderDirty());
+    EXPECT_FALSE(blocks.Get(7)->IsHeaderDirty());
     EXPECT_EQ(blocks.GetCount(), 10u);
-    EXPECT_EQ(blocks.GetRecords().size(), 2u);
-    EXPECT_EQ(&blocks.IsolateLast(), &last);
-    EXPECT_EQ(blocks.Get(9), &last);
-    EXPECT_NE(blocks.Get(8), &last);
+    EXPECT_EQ(RunLengthsOf(blocks), (std::vector<std::uint64_t>{5, 1, 1, 1, 2}));
+}
+
+TEST(QsbBlockList, AllThatHaveChangedAreAmongTheSingleOnes)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendReadEmpty(0, 5, 10));
+    blocks.AppendNew(120, 6);
+    blocks.Get(3)->SetHeaderDirty(true);
+    std::vector<std::uint64_t> indices;
+    for (const auto& [index, block] : blocks.GetSingleBlocks())
+        indices.push_back(index);
+    EXPECT_EQ(indices, (std::vector<std::uint64_t>{3, 10}));
+}
+
+TEST(QsbBlockList, TheEndOffsetIsThatOfTheLastBlock)
+{
+    QsbBlockListC blocks;
+    EXPECT_EQ(blocks.GetEndOffset(), 0u);
+    ASSERT_TRUE(blocks.AppendReadEmpty(0, 5, 10));
+    EXPECT_EQ(blocks.GetEndOffset(), 120u);
+    blocks.Last().SetDataBytes(7);
+    EXPECT_EQ(blocks.GetEndOffset(), 127u);
+    blocks.AppendNew(127, 6);
+    EXPECT_EQ(blocks.GetEndOffset(), 139u);
+    blocks.RemoveLast();
+    blocks.RemoveLast();
+    EXPECT_EQ(blocks.GetEndOffset(), 108u);
 }
 
 TEST(QsbBlockList, RemovingTheLastBlockShortensARunByOne)
@@ -162,52 +205,45 @@ TEST(QsbBlockList, RemovingTheLastBlockShortensARunByOne)
     EXPECT_EQ(blocks.Find(5), -1);
 }
 
-TEST(QsbBlockList, RefusesWhatWouldPassItsMemoryLimit)
+TEST(QsbBlockList, RefusesALongHeaderThatWouldPassItsMemoryLimit)
 {
     QsbBlockListC blocks;
-    // Beside a record of 24 bytes, the array's own 8, and 64 for memory that is not shared.
-    constexpr std::uint64_t entries = (QsbBlockListC::s_ullMemoryLimit - 96) / 16;
-    EXPECT_TRUE(blocks.HasRoomFor(entries));
-    EXPECT_FALSE(blocks.HasRoomFor(entries + 1));
+    constexpr std::uint64_t most = QsbBlockListC::s_ullMemoryLimit / 16;
+    EXPECT_TRUE(blocks.HasRoomFor(most - 16));
+    EXPECT_FALSE(blocks.HasRoomFor(most));
 }
 
-TEST(QsbBlockList, KeepsAsManyRecordsAsTheLimitHasRoomFor)
+TEST(QsbBlockList, LongHeadersCountAgainstTheLimitUntilItIsCleared)
 {
     QsbBlockListC blocks;
-    const std::uint64_t records = QsbBlockListC::s_ullMemoryLimit / sizeof(QsbBlockC);
-    for (std::uint64_t i = 0; i < records; ++i)
-        ASSERT_TRUE(blocks.AppendRead(17 * i, 9, 5, {}));
-    EXPECT_FALSE(blocks.AppendRead(17 * records, 9, 5, {}));
-    EXPECT_EQ(blocks.GetCount(), records);
-}
-
-TEST(QsbBlockList, RunsCountAgainstTheLimitAsWell)
-{
-    QsbBlockListC blocks;
-    const std::uint64_t runs = QsbBlockListC::s_ullMemoryLimit / (sizeof(QsbBlockC) + 16);
-    std::uint64_t count = 0;
-    while (blocks.AppendReadEmpty(240 * count, static_cast<std::uint32_t>(10 + count), 20))
-        ++count;
-    EXPECT_EQ(count, runs);
-}
-
-TEST(QsbBlockList, EntriesCountAgainstTheLimitUntilItIsClearedAndRecordsUntilTheyAreRemoved)
-{
-    QsbBlockListC blocks;
-    constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16 - 20;
-    EXPECT_TRUE(blocks.HasRoomFor(entries));
+    constexpr std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16 - 16;
     ASSERT_TRUE(blocks.AppendRead(0, 1, 0, SIO::QsbHeaderEntriesT(1000)));
-    EXPECT_FALSE(blocks.HasRoomFor(entries));
+    EXPECT_FALSE(blocks.HasRoomFor(entries - 500));
     blocks.RemoveLast();
-    EXPECT_FALSE(blocks.HasRoomFor(entries)); // their memory is still there
+    EXPECT_FALSE(blocks.HasRoomFor(entries - 500));
     blocks.Clear();
     EXPECT_TRUE(blocks.HasRoomFor(entries));
-    ASSERT_TRUE(blocks.AppendRead(0, 1, 5, {}));
-    EXPECT_FALSE(blocks.HasRoomFor(QsbBlockListC::s_ullMemoryLimit / 16 - 6));
-    blocks.RemoveLast();
-    EXPECT_TRUE(blocks.HasRoomFor(QsbBlockListC::s_ullMemoryLimit / 16 - 6));
-    blocks.Clear();
-    EXPECT_TRUE(blocks.HasRoomFor(entries));
+}
+
+TEST(QsbBlockList, TakesBlocksUpToTheLimitAndNoneBeyond)
+{
+    // Each with entries of another kind, so that none can be told by another.
+    QsbBlockListC blocks;
+    std::uint32_t count = 0;
+    SIO::QsbHeaderEntriesT entries(256);
+    const auto append = [&] {
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            entries[i] = QsbHeaderEntryC::FromUInt32(count, static_cast<std::uint32_t>(i), count);
+        return blocks.AppendRead(std::uint64_t{4108} * count, 9, 0, entries);
+    };
+    while (append())
+        ++count;
+    EXPECT_EQ(blocks.GetCount(), count);
+    EXPECT_GT(count, QsbBlockListC::s_ullMemoryLimit / 4200);
+    EXPECT_LT(count, QsbBlockListC::s_ullMemoryLimit / 4100);
+    EXPECT_FALSE(append());
+    EXPECT_EQ(blocks.GetCount(), count);
+    EXPECT_EQ(blocks.Last().FindEntry(255)->AsUInt32(), count - 1);
 }
 
 } // namespace

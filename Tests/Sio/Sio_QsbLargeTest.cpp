@@ -40,6 +40,15 @@ protected:
         return known;
     }
 
+    /// How often a visit of all blocks tells of one or several of them.
+    int Visits()
+    {
+        int visits = 0;
+        scan.container.GetBlocks().ForEach(
+            [&](const SIO::QsbBlockC&, std::uint64_t) { return ++visits < 100; });
+        return visits;
+    }
+
     /// A file whose block 1 holds small points of the largest size, its data beginning at `data`.
     bool MakeLargestBlock(std::uint64_t& data)
     {
@@ -175,7 +184,7 @@ TEST_F(QsbLarge, BytesBeyondTheLargestDataSizeAreRefusedAndTheSizeNeverWraps)
     EXPECT_EQ(Support::FileSize(Path()), 28 + 12 + std::uint64_t{s_nMaxData} + 12);
 }
 
-TEST_F(QsbLarge, AMillionEmptyBlocksOfOneIdentifierTakeOneRecord)
+TEST_F(QsbLarge, AMillionEmptyBlocksOfOneIdentifierAreToldAtOnce)
 {
     BytesT bytes = QsbBytes().Get();
     const BytesT head = Bytes(9, 0, 0);
@@ -185,7 +194,7 @@ TEST_F(QsbLarge, AMillionEmptyBlocksOfOneIdentifierTakeOneRecord)
     bytes.insert(bytes.end(), points.begin() + 28, points.end());
     ASSERT_TRUE(scan.Open(folder.Write("scan.qsb", bytes)));
     EXPECT_EQ(scan.container.GetBlocks().GetCount(), 1000002u);
-    EXPECT_EQ(scan.container.GetBlocks().GetRecords().size(), 3u);
+    EXPECT_EQ(Visits(), 3);
     EXPECT_EQ(scan.Read(10), 3u);
 }
 
@@ -200,9 +209,8 @@ TEST_F(QsbLarge, AMillionEmptyBlocksOfAlternatingIdentifiersAreWalkedAndRead)
     bytes.insert(bytes.end(), points.begin() + 28, points.end());
     ASSERT_TRUE(scan.Open(folder.Write("scan.qsb", bytes)));
     EXPECT_EQ(scan.container.GetBlocks().GetCount(), 1000002u);
-    EXPECT_EQ(scan.container.GetBlocks().GetRecords().size(), 3u);
-    EXPECT_EQ(scan.container.GetBlocks().GetOffset(777777), 28u + 777776 * 12);
-    EXPECT_EQ(scan.container.GetBlocks().GetId(777777), 8u);
+    EXPECT_EQ(scan.container.GetBlocks().Get(777777)->GetOffset(), 28u + 777776 * 12);
+    EXPECT_EQ(scan.container.GetBlocks().Get(777777)->GetId(), 8u);
     EXPECT_EQ(scan.Read(10), 3u);
     EXPECT_EQ(Support::Slice(scan.buffer, 0, 42), Support::SmallPoints(3));
 }
@@ -216,7 +224,7 @@ TEST_F(QsbLarge, TerabytesOfZerosAreEmptyBlocksAndPointsBehindThemAreFound)
     if (!KnowsHoles()) GTEST_SKIP() << "holes must be read here";
     ASSERT_TRUE(scan.Open(Path()));
     EXPECT_EQ(scan.container.GetBlocks().GetCount(), 600000000002u);
-    EXPECT_EQ(scan.container.GetBlocks().GetRecords().size(), 3u);
+    EXPECT_EQ(Visits(), 3);
     EXPECT_EQ(scan.Read(10), 3u);
     EXPECT_EQ(Support::Slice(scan.buffer, 0, 42), Support::SmallPoints(3));
 }

@@ -77,8 +77,9 @@ private:
         const std::uint64_t ullHeaderPresent = std::min<std::uint64_t>(head.uiHeaderBytes, ullLeft);
         CheckHeaderSize(head, ullLeft);
         const auto nEntries = static_cast<std::size_t>(ullHeaderPresent / Format::s_nEntryBytes);
-        // Whether there is room for a block without entries, the list alone knows: it may share a record.
-        if (nEntries != 0 && !m_oChain.oBlocks.HasRoomFor(nEntries)) return RefuseRoom();
+        // Whether there is room for a block that is packed, the list alone knows.
+        const bool bLong = ullHeaderPresent > SIO::QsbPackedCode::s_nMostHeaderBytes;
+        if (bLong && !m_oChain.oBlocks.HasRoomFor(nEntries)) return RefuseRoom();
         if (!Append(head, nEntries)) return RefuseRoom();
         if (!m_oChain.bLastHeaderWhole) return false;
         const std::uint64_t ullDataOffset = m_ullOffset + Format::s_nBlockHeadBytes + head.uiHeaderBytes;
@@ -153,17 +154,15 @@ private:
 
     bool Append(const BlockHeadC& head, std::size_t nEntries)
     {
-        SIO::QsbBlockListC& blocks = m_oChain.oBlocks;
-        if (nEntries == 0) return blocks.AppendRead(m_ullOffset, head.uiId, head.uiDataBytes, nullptr, 0);
-        SIO::QsbEntryArrayT& entries = blocks.TakeEntries(nEntries);
-        auto* const pBytes = reinterpret_cast<char*>(entries.First());
+        SIO::QsbHeaderEntriesT entries(nEntries);
+        auto* const pBytes = reinterpret_cast<char*>(entries.data());
         const std::size_t nBytes = nEntries * Format::s_nEntryBytes;
         const std::size_t nRead = m_oWindow.ReadAt(m_ullOffset + Format::s_nBlockHeadBytes, pBytes, nBytes);
         if (nRead != nBytes) { // the file has become shorter
             std::memset(pBytes + nRead, 0, nBytes - nRead);
             m_oChain.bLastHeaderWhole = false;
         }
-        return blocks.AppendRead(m_ullOffset, head.uiId, head.uiDataBytes, entries);
+        return m_oChain.oBlocks.AppendRead(m_ullOffset, head.uiId, head.uiDataBytes, std::move(entries));
     }
 
     bool RefuseRoom()

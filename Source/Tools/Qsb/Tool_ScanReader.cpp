@@ -63,7 +63,7 @@ ScanReaderC::ScanReaderC(const std::string& path) : m_strPath(path)
         throw ToolErrorC(s_iDamaged, fmt::format("{}: no usable point-cloud block", path));
     }
     const auto ullIndex = static_cast<std::uint64_t>(m_oStrategy.GetData()->m_llBlockIndex);
-    m_oFormat = FormatOf(*m_oStrategy.GetPointDefinition(), m_oContainer.GetBlocks().GetId(ullIndex));
+    m_oFormat = FormatOf(*m_oStrategy.GetPointDefinition(), m_oContainer.GetBlocks().Get(ullIndex)->GetId());
 }
 
 std::uint32_t ScanReaderC::GetContentFlags() const
