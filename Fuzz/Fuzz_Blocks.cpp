@@ -120,7 +120,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pBytes, std::size_t nB
     }
     std::vector<std::uint64_t> vecOffsets;
     RequireChain(blocks, chain, vecOffsets);
-    for (std::size_t i = pBytes[1]; i < vecOffsets.size(); i += 1 + std::size_t{16} * pBytes[0])
+    const std::size_t nStep = 1 + std::max<std::size_t>(pBytes[0], vecOffsets.size() / 64);
+    for (std::size_t i = pBytes[1]; i < vecOffsets.size(); i += nStep)
         RequireBlock(*blocks.Get(i), chain, vecOffsets[i]);
     RequireChain(blocks, chain, vecOffsets);
     return 0;
