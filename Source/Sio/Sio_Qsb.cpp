@@ -172,6 +172,7 @@ std::int64_t QsbC::ChooseBlock(std::int64_t llBlockIndex) const noexcept
     return llFound >= 0 ? llFound : m_oBlocks.Find(QsbFormat::s_uiCountedPointCloudId);
 }
 
+/// Its block has been asked for before, so it takes no memory.
 QsbBlockC* QsbC::BlockOf(const QsbStrategyDataC& data) noexcept
 {
     if (data.m_ullSession != m_ullSession) return nullptr;

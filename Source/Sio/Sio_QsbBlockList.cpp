@@ -87,7 +87,7 @@ void QsbBlockListC::ForEach(const VisitT& visit) const
     const auto singleIndex = [&] { return single != m_mapSingle.end() ? single->first : GetCount(); };
     QsbBlockC block; // its memory for entries serves all of them
     for (const QsbPackedChainC::ChunkT& chunk : m_oPacked.GetChunks()) {
-        for (; singleIndex() < chunk.ullFirstIndex; ++single) {
+        for (; single != m_mapSingle.end() && single->first < chunk.ullFirstIndex; ++single) {
             if (!visit(single->second, single->first)) return;
         }
         for (QsbPackedCursorC cursor(chunk); cursor.Next();) {
@@ -119,8 +119,7 @@ bool QsbBlockListC::AppendRead(std::uint64_t ullOffset, std::uint32_t uiId, std:
         const PackableBytesC bytes(uiId, uiDataBytes, entries);
         return AppendShown(bytes.Get(), bytes.Count(), ullOffset);
     }
-    if (!HasRoomFor(entries.size())) return false;
-    m_oTally.Take(SingleMemory(entries.size()));
+    if (!m_oTally.Take(SingleMemory(entries.size()))) return false;
     QsbBlockC block(ullOffset, uiId, uiDataBytes);
     block.m_bSealed = true;
     block.m_vecEntries = std::move(entries);
@@ -158,6 +157,8 @@ void QsbBlockListC::RemoveLast() noexcept
         QsbPackedCursorC cursor(*pChunk);
         cursor.SkipTo(ullLast);
         m_oPacked.RemoveLast(m_oTally, cursor.GetOffset(ullLast));
+    } else {
+        m_oPacked.EndAt(m_mapSingle.rbegin()->second.GetOffset());
     }
     m_mapSingle.erase(ullLast);
     m_oTally.CountDown();
@@ -165,7 +166,9 @@ void QsbBlockListC::RemoveLast() noexcept
 
 void QsbBlockListC::Clear() noexcept
 {
-    QsbBlockListC().Swap(*this);
+    m_oTally = QsbBlockTallyC();
+    m_oPacked.Clear();
+    m_mapSingle.clear();
 }
 
 void QsbBlockListC::Swap(QsbBlockListC& other) noexcept

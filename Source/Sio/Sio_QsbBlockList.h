@@ -64,7 +64,8 @@ public:
 
     /// Calls `visit` for the blocks in the order of the file until it returns false; for identical ones with
     /// neither header nor data that follow one another once, with the index of the first of them. The block
-    /// is valid during the call. Throws std::bad_alloc and what `visit` throws.
+    /// is valid during the call, in which nothing may be appended or removed. Throws std::bad_alloc and what
+    /// `visit` throws.
     void ForEach(const VisitT& visit) const;
 
     /// Those that were asked for or appended for writing, and those with long headers. All that have changed

@@ -47,14 +47,21 @@ public:
     {
         return ullBytes <= s_ullMemoryLimit - m_ullMemory;
     }
-    void Take(std::uint64_t ullBytes) noexcept { m_ullMemory += ullBytes; }
+
+    /// False, and nothing is taken, when there is no room.
+    [[nodiscard]] bool Take(std::uint64_t ullBytes) noexcept
+    {
+        if (!HasRoomFor(ullBytes)) return false;
+        m_ullMemory += ullBytes;
+        return true;
+    }
     void GiveBack(std::uint64_t ullBytes) noexcept { m_ullMemory -= ullBytes; }
 
 private:
     static constexpr std::uint32_t s_nWatchedIds = 4;
 
     std::uint64_t m_ullCount = 0;
-    std::uint64_t m_ullMemory = 0; ///< at most the limit
+    std::uint64_t m_ullMemory = 0; ///< at most the limit, since Take alone adds to it
     std::array<std::int64_t, s_nWatchedIds> m_allFirst = {-1, -1, -1, -1};
 };
 

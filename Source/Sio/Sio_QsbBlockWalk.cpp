@@ -75,7 +75,8 @@ private:
         const char* const pShown = View(ullOffset, nWanted, nRead);
         if (nRead != nWanted) return false;
         const std::size_t nShown = m_nShown - static_cast<std::size_t>(ullOffset - m_ullShownBegin);
-        if (!m_rBlocks.AppendShown(pShown, nShown, ullOffset)) return false;
+        const std::uint64_t ullBefore = ullOffset;
+        if (!m_rBlocks.AppendShown(pShown, nShown, ullOffset) || ullOffset == ullBefore) return false;
         return !head.IsZero() || PassUnstoredZeros(ullOffset);
     }
 

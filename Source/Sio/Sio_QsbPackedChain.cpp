@@ -105,6 +105,7 @@ bool QsbPackedChainC::AppendShown(QsbBlockTallyC& tally, const char* pShown, std
     ullOffset += static_cast<std::uint64_t>(progress.llAt + llShown);
     m_ullEndOffset = ullOffset;
     CountBlocks(tally, progress.ullCount);
+    DropEmptyChunk(tally);
     return bRoom;
 }
 
@@ -315,16 +316,16 @@ void QsbPackedChainC::CountBlocks(QsbBlockTallyC& tally, std::uint64_t ullCount)
     chunk.nBytes = m_oWriter.CountFrom(chunk.pBytes);
 }
 
+/// What it takes is asked for at once: piece by piece, a file could come out above the limit.
 bool QsbPackedChainC::BeginChunk(QsbBlockTallyC& tally, std::uint64_t ullOffset)
 {
     EndChunk();
-    DropEmptyChunk(tally);
-    if (!tally.HasRoomFor(sizeof(ChunkT))) return false;
-    if (static_cast<std::size_t>(m_pPieceEnd - m_oWriter.GetEnd()) < s_nChunkRoom && !TakePiece(tally))
-        return false;
+    const bool bPiece = static_cast<std::size_t>(m_pPieceEnd - m_oWriter.GetEnd()) < s_nChunkRoom;
+    const std::size_t nPieceBytes = m_pFirstPiece == nullptr ? s_nFirstPieceBytes : s_nLargeMemoryBytes;
+    if (!tally.Take(sizeof(ChunkT) + (bPiece ? nPieceBytes : 0))) return false;
+    if (bPiece) TakePiece(nPieceBytes);
     if (m_pModels == nullptr) m_pModels = std::make_unique<ModelsT>();
     m_vecChunks.push_back({tally.GetCount(), ullOffset, 0, m_oWriter.GetEnd(), 0});
-    tally.Take(sizeof(ChunkT));
     m_pModels->fill(ModelT());
     m_pLike = m_pOther = m_pModels->data();
     m_oWriter = QsbPackedWriterC(m_oWriter.GetEnd(), s_nChunkBytes);
@@ -332,10 +333,8 @@ bool QsbPackedChainC::BeginChunk(QsbBlockTallyC& tally, std::uint64_t ullOffset)
     return true;
 }
 
-bool QsbPackedChainC::TakePiece(QsbBlockTallyC& tally)
+void QsbPackedChainC::TakePiece(std::size_t nBytes)
 {
-    const std::size_t nBytes = m_pFirstPiece == nullptr ? s_nFirstPieceBytes : s_nLargeMemoryBytes;
-    if (!tally.HasRoomFor(nBytes)) return false;
     char* pPiece = nullptr;
     if (m_pFirstPiece == nullptr) {
         m_pFirstPiece.reset(new char[nBytes]); // whose bytes stay as they are
@@ -346,8 +345,6 @@ bool QsbPackedChainC::TakePiece(QsbBlockTallyC& tally)
     }
     m_oWriter = QsbPackedWriterC(pPiece, 0);
     m_pPieceEnd = pPiece + nBytes;
-    tally.Take(nBytes);
-    return true;
 }
 
 void QsbPackedChainC::RepeatLast(QsbBlockTallyC& tally, std::uint64_t ullBlocks) noexcept
@@ -360,7 +357,6 @@ void QsbPackedChainC::RepeatLast(QsbBlockTallyC& tally, std::uint64_t ullBlocks)
 void QsbPackedChainC::RemoveLast(QsbBlockTallyC& tally, std::uint64_t ullOffset) noexcept
 {
     EndChunk();
-    DropEmptyChunk(tally);
     m_ullEndOffset = ullOffset;
     --m_vecChunks.back().ullBlocks;
     DropEmptyChunk(tally);
@@ -370,6 +366,7 @@ void QsbPackedChainC::RemoveLast(QsbBlockTallyC& tally, std::uint64_t ullOffset)
 void QsbPackedChainC::DropEmptyChunk(QsbBlockTallyC& tally) noexcept
 {
     if (m_vecChunks.empty() || m_vecChunks.back().ullBlocks != 0) return;
+    EndChunk();
     m_vecChunks.pop_back();
     tally.GiveBack(sizeof(ChunkT));
 }

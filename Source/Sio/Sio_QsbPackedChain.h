@@ -60,6 +60,13 @@ public:
     /// The last block of the list, which is here and stood at `ullOffset`, is no more.
     void RemoveLast(QsbBlockTallyC& tally, std::uint64_t ullOffset) noexcept;
 
+    /// The last block of the list, which was not here and stood at `ullOffset`, is no more.
+    void EndAt(std::uint64_t ullOffset) noexcept
+    {
+        EndChunk();
+        m_ullEndOffset = ullOffset;
+    }
+
     /// The chunk that block `ullIndex` of the list is in, null when it is in none.
     const ChunkT* Find(std::uint64_t ullIndex) const noexcept;
 
@@ -101,13 +108,12 @@ private:
     static std::size_t NumberFor(std::uint64_t ullSizes) noexcept;
     void CountBlocks(QsbBlockTallyC& tally, std::uint64_t ullCount) noexcept;
     bool BeginChunk(QsbBlockTallyC& tally, std::uint64_t ullOffset);
-    bool TakePiece(QsbBlockTallyC& tally);
+    void TakePiece(std::size_t nBytes);
     void DropEmptyChunk(QsbBlockTallyC& tally) noexcept;
 
-    /// A chunk in which so many bytes have been written ends.
-    static constexpr std::size_t s_nChunkBytes = 8192;
-    static constexpr std::size_t s_nChunkRoom = s_nChunkBytes + 2 * QsbPackedCode::s_nMostCodeBytes;
-    static constexpr std::size_t s_nFirstPieceBytes = 20480;
+    static constexpr std::size_t s_nChunkBytes = QsbPackedCode::s_nChunkBytes;
+    static constexpr std::size_t s_nChunkRoom = s_nChunkBytes + QsbPackedCode::s_nMostCodeBytes;
+    static constexpr std::size_t s_nFirstPieceBytes = 16384;
     static_assert(s_nChunkRoom <= s_nFirstPieceBytes);
 
     ChunksT m_vecChunks;

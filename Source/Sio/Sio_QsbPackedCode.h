@@ -2,7 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // How blocks are packed in memory. Blocks of a file are much alike, so most are told by reference to an
-// earlier one, the model, of which thirty or so are at hand at a time, each at a number of its own. A block
+// earlier one, the model, of which 31 are at hand at a time, each at a number of its own. A block
 // is
 //
 //     a byte: the number of its model, and three flags
@@ -54,7 +54,12 @@ static_assert(s_nTypeAndTagBytes + s_nValueBytes == QsbFormat::s_nEntryBytes);
 /// The longest header of a block that is packed.
 inline constexpr std::size_t s_nMostHeaderBytes = 4096;
 
+/// A chunk in which so many bytes have been written takes no other code.
+inline constexpr std::size_t s_nChunkBytes = 8192;
+
 /// The longest of the codes above: a new model, behind a repetition.
 inline constexpr std::size_t s_nMostCodeBytes = 11 + 2 + QsbFormat::s_nBlockHeadBytes + s_nMostHeaderBytes;
+
+static_assert(s_nIdsHeadBytes + 4 * s_nMostIds <= s_nMostCodeBytes);
 
 } // namespace SIO::QsbPackedCode

@@ -20,8 +20,8 @@ class QsbPackedWriterC
 public:
     QsbPackedWriterC() = default;
 
-    /// Writes from `pBegin` on, and is full behind `nBytes` of them; the code that begins before that, and
-    /// another s_nMostCodeBytes, must have room.
+    /// Writes from `pBegin` on, and is full behind `nBytes` of them; a code that begins before that must have
+    /// room, s_nMostCodeBytes.
     QsbPackedWriterC(char* pBegin, std::size_t nBytes) noexcept : m_pNext(pBegin), m_pFull(pBegin + nBytes) {}
 
     bool IsFull() const noexcept { return m_pNext >= m_pFull; }

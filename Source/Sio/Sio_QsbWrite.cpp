@@ -110,9 +110,9 @@ std::int64_t QsbC::AppendBlock(std::uint32_t uiId)
 {
     if (m_pStream == nullptr || m_oBlocks.IsEmpty()) return -1;
     const std::uint64_t ullOffset = m_oBlocks.GetEndOffset();
-    if (!WriteHead(QsbBlockC(ullOffset, uiId, 0), 0, 0)) return -1;
     try {
         QsbBlockC& previous = m_oBlocks.Last();
+        if (!WriteHead(QsbBlockC(ullOffset, uiId, 0), 0, 0)) return -1;
         m_oBlocks.AppendNew(ullOffset, uiId);
         previous.SetSealed(true);
     } catch (const std::bad_alloc&) {
@@ -185,8 +185,9 @@ bool QsbC::DropLastBlock()
 
 bool QsbC::DropLastBlockAndReopen(const boost::filesystem::path& path)
 {
+    QsbBlockC& last =
+        *m_oBlocks.Get(m_oBlocks.GetCount() - 2); // before anything is lost, if there is no memory
     m_oBlocks.RemoveLast();
-    QsbBlockC& last = m_oBlocks.Last();
     last.SetSealed(false);
     last.SetHeaderDirty(true);
     std::fclose(m_pStream);

@@ -21,18 +21,17 @@ std::int64_t SystemMilliseconds()
 // Long enough for the millisecond to change some twenty times.
 TEST(Clock, WallTimeIsNeverAnotherMillisecondThanTheSystems)
 {
-    const std::int64_t end = SystemMilliseconds() + 20;
-    std::int64_t after = 0;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
     std::uint64_t early = 0;
     std::uint64_t late = 0;
     do {
         const std::int64_t before = SystemMilliseconds();
         const WallTime now = WallTimeNow();
-        after = SystemMilliseconds();
+        const std::int64_t after = SystemMilliseconds();
         const std::int64_t count = now.seconds * 1000 + now.millisecond;
         early += count < before ? 1 : 0;
         late += count > after ? 1 : 0;
-    } while (after < end);
+    } while (std::chrono::steady_clock::now() < end);
     EXPECT_EQ(early, 0u);
     EXPECT_EQ(late, 0u);
 }

@@ -2,8 +2,11 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Log files and what this system alone has: forked processes, locks of others, limits, full disks.
+#include "Bss/Bss_Dbg/BSS_DBG_LogFile.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLevel.h"
+#include "Bss/Bss_Hal/BSS_HAL_AppendFile.h"
+#include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/Environment.h"
 #include "Support/LogFolderTest.h"
@@ -14,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
 #include <pthread.h>
@@ -214,6 +218,85 @@ TEST_F(LogFilePosix, LinesThatCannotBeWrittenWhenTheConsumerEndsAreToldOf)
     EXPECT_EQ(debug.Text(), FAILURE);
 }
 
+// Opens a file and expects it to stand where another one stood that was closed.
+class ComesInPlaceC
+{
+public:
+    explicit ComesInPlaceC(const std::string& path, const std::string& text) : m_path(path)
+    {
+        Support::WriteAll(path, text);
+        m_fd = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+    }
+    ~ComesInPlaceC() { ::close(m_fd); }
+    ComesInPlaceC(const ComesInPlaceC&) = delete;
+    ComesInPlaceC& operator=(const ComesInPlaceC&) = delete;
+
+    int Get() const { return m_fd; }
+    bool IsOpen() const { return ::fcntl(m_fd, F_GETFD) != -1; }
+    std::string Text() const { return Support::ReadAll(m_path); }
+
+private:
+    std::string m_path;
+    int m_fd;
+};
+
+TEST_F(LogFilePosix, FileThatStandsWhereTheLogStoodIsNeitherCutOffNorClosed)
+{
+    BSS::HAL::WallTime now = BSS::HAL::WallTimeNow();
+    DbgLogFileC file(L"a.txt", 0);
+    ASSERT_TRUE(file.append("one\n", now) && file.handOver());
+    CloseBehindItsOwner(Path("a.txt"));
+    const std::string text(1000, 'x');
+    const ComesInPlaceC other(m_directory.Narrow("other.bin"), text);
+    now.seconds += 10;                       // when the file is looked at
+    EXPECT_FALSE(file.append("two\n", now)); // the log's own was not closed by us
+    EXPECT_TRUE(file.handOver());
+    EXPECT_EQ(other.Text(), text);
+    EXPECT_TRUE(file.finish());
+    EXPECT_TRUE(other.IsOpen());
+    EXPECT_EQ(Support::ReadAll(Path("a.txt")), "one\ntwo\n");
+}
+
+TEST_F(LogFilePosix, FileIsClosedOnceOnly)
+{
+    const std::string path = m_directory.Narrow("b.txt");
+    auto file = BSS::HAL::AppendFileC::Open(BSS::HAL::WidePath(path));
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(file->Close());
+    const ComesInPlaceC other(m_directory.Narrow("other.bin"), "text");
+    file.reset();
+    EXPECT_TRUE(other.IsOpen());
+}
+
+TEST_F(LogFilePosix, LastLinesFollowWholeLinesHoweverLongTheyWaited)
+{
+    BSS::HAL::WallTime then = BSS::HAL::WallTimeNow();
+    then.seconds -= 3600;
+    DbgLogFileC file(L"a.txt", 0);
+    ASSERT_TRUE(file.append("one\n", then) && file.handOver());
+    ASSERT_TRUE(file.append("waits\n", then));
+    std::ofstream(Path("a.txt"), std::ios::app) << "the beginning of a line";
+    EXPECT_TRUE(file.finish());
+    EXPECT_EQ(Support::ReadAll(Path("a.txt")), "one\nwaits\n");
+}
+
+TEST_F(LogFilePosix, LostLinesAreToldOfAtTheEndWhenNoOtherLineFollows)
+{
+    TakeAway();
+    Support::WriteAll(m_directory.Narrow("log"), "a file in the directory's place");
+    DbgLogFileC file(L"a.txt", 0);
+    const std::string line(1023, 'x');
+    for (int i = 0; i < 300; ++i) // more than wait in memory
+        static_cast<void>(file.append(line + "\n"));
+    boost::filesystem::remove(m_directory.Narrow("log"));
+    EXPECT_TRUE(file.finish());
+    const std::vector<std::string> lines = LinesOf(Support::ReadAll(Path("a.txt")));
+    ASSERT_FALSE(lines.empty());
+    const std::string told =
+        "(" + std::to_string(300 - (lines.size() - 1)) + " lines could not be written and are lost)";
+    EXPECT_EQ(lines.back(), told);
+}
+
 // Cancels the thread that writes, in the middle of that.
 class CancellingC final : public DbgLogConsumerC
 {
@@ -237,6 +320,36 @@ void* LogWhereCancellationTakesEffectAtOnce(void* consumer)
     ::pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &before);
     static_cast<DbgLogConsumerC*>(consumer)->Log(LEVEL_INFO, "one");
     return nullptr;
+}
+
+// Cannot write.
+class RefusingC final : public DbgLogConsumerC
+{
+public:
+    RefusingC() : DbgLogConsumerC("c", PrefixKind::None) {}
+
+protected:
+    bool write(std::string_view) override { return false; }
+};
+
+TEST(LogCancellation, ThatTakesEffectAtAnyTimeWaitsUntilAFailureIsToldAndLeavesNoLockBehind)
+{
+    static unsigned s_told = 0;
+    s_told = 0;
+    BSS::HAL::SetDebugOutputSink(
+        [](const wchar_t*, void*) {
+            if (++s_told == 1) ::pthread_cancel(::pthread_self());
+        },
+        nullptr);
+    RefusingC consumer;
+    pthread_t thread = {};
+    ASSERT_EQ(::pthread_create(&thread, nullptr, &LogWhereCancellationTakesEffectAtOnce, &consumer), 0);
+    void* result = nullptr;
+    ASSERT_EQ(::pthread_join(thread, &result), 0);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+    consumer.Log(LEVEL_INFO, "two");
+    EXPECT_EQ(s_told, 2u);
+    BSS::HAL::SetDebugOutputSink(nullptr, nullptr);
 }
 
 TEST(LogCancellation, ThatTakesEffectAtAnyTimeWaitsForTheLineAndLeavesNoLockBehind)

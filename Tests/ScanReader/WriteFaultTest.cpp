@@ -239,6 +239,39 @@ TEST_F(HeaderFault, DroppingTheLastBlockWithoutMemoryIsRefusedAndNothingThrown)
     }
 }
 
+TEST_F(HeaderFault, DroppingTheLastBlockWithoutMemoryForTheOneBeforeLosesNothing)
+{
+    const Support::QsbBytes file = Support::SmallScan(3).Block(9).Block(10).Data(BytesT(5));
+    Reopen(file);
+    {
+        const Fault fault(Call::Allocation, 2); // the first one is for the path
+        EXPECT_FALSE(scan.container.DropLastBlock());
+        EXPECT_TRUE(fault.Happened());
+    }
+    EXPECT_EQ(scan.container.GetBlocks().GetCount(), 4u);
+    EXPECT_EQ(scan.container.AppendBlock(77), 4);
+    EXPECT_TRUE(scan.container.Close());
+    EXPECT_EQ(File(), Support::QsbBytes(file).Block(77).Get());
+}
+
+TEST_F(HeaderFault, AppendingABlockWithoutMemoryLeavesTheListAsItIs)
+{
+    bool happened = true;
+    for (unsigned n = 1; happened; ++n) {
+        Reopen(Support::SmallScan(3).Block(9));
+        std::int64_t index = 0;
+        {
+            const Fault fault(Call::Allocation, n);
+            index = scan.container.AppendBlock(10);
+            happened = fault.Happened();
+        }
+        EXPECT_EQ(index, happened ? -1 : 3);
+        EXPECT_EQ(scan.container.GetBlocks().GetCount(), happened ? 3u : 4u);
+        scan.container.Close();
+        ASSERT_LT(n, 1000u);
+    }
+}
+
 TEST_F(HeaderFault, DroppingTheLastBlockCutsTheFileTwelveBytesBeforeTheEndOfTheOneBefore)
 {
     Reopen(Support::SmallScan(3).Block(9).Data(BytesT(5)));

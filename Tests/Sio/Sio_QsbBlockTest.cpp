@@ -192,6 +192,66 @@ TEST(QsbBlockList, TheEndOffsetIsThatOfTheLastBlock)
     EXPECT_EQ(blocks.GetEndOffset(), 108u);
 }
 
+TEST(QsbBlockList, TheEndOffsetIsRightBehindAnyBlockThatWasRemoved)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendRead(0, 7, 5, {}));
+    ASSERT_TRUE(blocks.AppendRead(17, 8, 0, SIO::QsbHeaderEntriesT(300)));
+    ASSERT_TRUE(blocks.AppendRead(4829, 9, 5, {}));
+    EXPECT_EQ(blocks.GetEndOffset(), 4846u);
+    blocks.RemoveLast();
+    EXPECT_EQ(blocks.GetEndOffset(), 4829u);
+    blocks.RemoveLast();
+    EXPECT_EQ(blocks.GetEndOffset(), 17u);
+    blocks.RemoveLast();
+    EXPECT_EQ(blocks.GetEndOffset(), 0u);
+}
+
+TEST(QsbBlockList, ABlockBehindAGapIsWhereItWasPut)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendRead(0, 7, 5, {}));
+    ASSERT_TRUE(blocks.AppendRead(100, 7, 5, {}));
+    EXPECT_EQ(blocks.Get(1)->GetOffset(), 100u);
+    EXPECT_EQ(blocks.GetEndOffset(), 117u);
+}
+
+TEST(QsbBlockList, ABlockThatWasNotPackedLeavesNothingBehind)
+{
+    QsbBlockListC blocks;
+    ASSERT_TRUE(blocks.AppendRead(0, 7, 0, SIO::QsbHeaderEntriesT(300)));
+    std::vector<char> bytes(5000, 0);
+    bytes[5] = 0x12; // a header of 4608 bytes
+    std::uint64_t offset = 4812;
+    ASSERT_TRUE(blocks.AppendShown(bytes.data(), bytes.size(), offset));
+    EXPECT_EQ(offset, 4812u);
+    blocks.RemoveLast();
+    EXPECT_TRUE(blocks.IsEmpty());
+    blocks.ForEach([](const QsbBlockC&, std::uint64_t) {
+        ADD_FAILURE();
+        return true;
+    });
+}
+
+// Of what is left below the limit, room for a chunk's record alone and for its memory alone is not room for
+// both.
+TEST(QsbBlockList, TheLimitHoldsWhereItIsAimedAt)
+{
+    for (std::uint64_t left = 0; left < 64; left += 8) {
+        QsbBlockListC blocks;
+        ASSERT_TRUE(blocks.AppendRead(0, 9, 0, {QsbHeaderEntryC()}));
+        constexpr std::uint64_t most = (std::uint64_t{2} << 20) + 80;
+        std::uint64_t entries = QsbBlockListC::s_ullMemoryLimit / 16;
+        while (!blocks.HasRoomFor(entries))
+            --entries;
+        ASSERT_TRUE(blocks.AppendRead(28, 9, 0, SIO::QsbHeaderEntriesT(entries - (most - left) / 16)));
+        std::uint64_t offset = blocks.GetEndOffset();
+        for (std::uint32_t i = 0; i < 1000000 && blocks.AppendRead(offset, 100 + 7 * i, i % 3, {}); ++i)
+            offset = blocks.GetEndOffset();
+        EXPECT_FALSE(blocks.HasRoomFor(std::uint64_t{1} << 24)) << left;
+    }
+}
+
 TEST(QsbBlockList, RemovingTheLastBlockShortensARunByOne)
 {
     QsbBlockListC blocks;
@@ -236,7 +296,7 @@ TEST(QsbBlockList, TakesBlocksUpToTheLimitAndNoneBeyond)
             entries[i] = QsbHeaderEntryC::FromUInt32(count, static_cast<std::uint32_t>(i), count);
         return blocks.AppendRead(std::uint64_t{4108} * count, 9, 0, entries);
     };
-    while (append())
+    while (count < QsbBlockListC::s_ullMemoryLimit / 4100 && append())
         ++count;
     EXPECT_EQ(blocks.GetCount(), count);
     EXPECT_GT(count, QsbBlockListC::s_ullMemoryLimit / 4200);

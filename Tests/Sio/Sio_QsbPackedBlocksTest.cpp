@@ -134,8 +134,10 @@ protected:
         std::uint64_t offset = 0;
         EXPECT_TRUE(chain.AppendShown(tally, file.data(), file.size(), offset));
         std::uint64_t bytes = 0;
-        for (const auto& chunk : chain.GetChunks())
+        for (const auto& chunk : chain.GetChunks()) {
+            EXPECT_LE(chunk.nBytes, SIO::QsbPackedCode::s_nChunkBytes + SIO::QsbPackedCode::s_nMostCodeBytes);
             bytes += chunk.nBytes + sizeof chunk;
+        }
         return bytes;
     }
 
@@ -189,6 +191,24 @@ TEST_F(QsbPackedBlocks, BlocksWhoseEntriesDifferInTheirValues)
     Append();
     ExpectAll(97);
     EXPECT_LT(PackedBytes(), 30000 * 25.5);
+}
+
+TEST_F(QsbPackedBlocks, BlocksWithOneEntryOfAnyValue)
+{
+    for (std::uint32_t i = 0; i < 30000; ++i)
+        Put(100 + i, 0, EntryOf(7, 30, i));
+    Append();
+    ExpectAll(97);
+    EXPECT_LT(PackedBytes(), 30000 * 13.5);
+}
+
+TEST_F(QsbPackedBlocks, BlocksWithTwoEntriesOfAnyValue)
+{
+    for (std::uint32_t i = 0; i < 30000; ++i)
+        Put(100, 3, EntryOf(7, 30, i) + EntryOf(9, 31, i));
+    Append();
+    ExpectAll(97);
+    EXPECT_LT(PackedBytes(), 30000 * 17.5);
 }
 
 TEST_F(QsbPackedBlocks, BlocksWhoseEntriesDifferInTypesOrTags)
@@ -300,6 +320,11 @@ TEST_F(QsbPackedBlocks, MovingAListTakesThemAlong)
     ExpectAll(97);
     ASSERT_TRUE(other.AppendReadEmpty(0, 60, 1));
     EXPECT_EQ(other.Get(0)->GetId(), 60u);
+    other = std::move(blocks);
+    const std::uint64_t end = plain.back().End();
+    ASSERT_TRUE(other.AppendRead(end, 5099, 4, {}));
+    EXPECT_EQ(other.GetEndOffset(), end + 16);
+    EXPECT_EQ(other.Last().GetOffset(), end);
 }
 
 TEST_F(QsbPackedBlocks, TheLastOnesCanBeRemovedOneByOne)
@@ -451,6 +476,7 @@ TEST_F(QsbPackedBlocks, AnyOrderOfAppendingAndRemovingIsThatOfAPlainList)
                     plain.push_back({offset + 12 * i, id, 0, ""});
             }
             ASSERT_EQ(blocks.GetCount(), plain.size());
+            ASSERT_EQ(blocks.GetEndOffset(), plain.empty() ? 0 : plain.back().End());
         }
         ExpectAll(3);
         if (HasFailure()) FAIL() << seed;

@@ -87,10 +87,7 @@ LogConfigFileT ReadLogConfigurationFile()
     if (size > MAX_LOG_CONFIG_BYTES) return {LogConfigFileState::TooLarge, {}};
     std::string text(static_cast<std::size_t>(size), '\0');
     text.resize(std::fread(text.data(), 1, text.size(), stream.get()));
-    const bool read = std::ferror(stream.get()) == 0;
-    // If somebody else has closed what is ours, nobody knows which file has been read.
-    const bool closed = std::fclose(stream.release()) == 0;
-    if (!read || !closed) return {LogConfigFileState::Unreadable, {}};
+    if (std::ferror(stream.get()) != 0) return {LogConfigFileState::Unreadable, {}};
     return {LogConfigFileState::Read, std::move(text)};
 }
 

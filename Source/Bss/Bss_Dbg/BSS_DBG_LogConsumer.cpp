@@ -142,8 +142,8 @@ void DbgLogConsumerC::Guarded(const MakeT& make)
         } catch (...) {
             written = false;
         }
+        if (!written) reportFailure(); // in here: it holds a lock as well
     });
-    if (!written) reportFailure();
 }
 
 void DbgLogConsumerC::logFormatted(int level, const char* format, UTI::FormatSourceI& arguments)

@@ -14,6 +14,7 @@
 #include "Bss/Bss_Hal/BSS_HAL_Directories.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
 #include "Bss/Bss_Hal/BSS_HAL_Process.h"
+#include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Os/BSS_OS_PathMap.h"
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 
@@ -112,14 +113,17 @@ DbgLogFileC::~DbgLogFileC()
 
 bool DbgLogFileC::finish()
 {
+    const HAL::NoCancellation undisturbed; // destructors come here too
+    m_nowMs = Milliseconds(HAL::WallTimeNow());
     if (m_forkGeneration == HAL::ForkGeneration()) {
+        tellLosses();
         if (m_used > 0) static_cast<void>(handOver() && verify());
         if (pending() > 0) static_cast<void>(handOver()); // the file had gone
     } else {
         m_used = m_written = 0; // the parent's lines
     }
     close();
-    const bool whole = pending() == 0;
+    const bool whole = pending() == 0 && m_nLost == 0;
     m_used = m_written = 0;
     return !std::exchange(m_bCloseRefused, false) && whole;
 }
@@ -194,6 +198,12 @@ bool DbgLogFileC::take(std::string_view lines)
     return true;
 }
 
+// Where no other line comes that would tell of them.
+void DbgLogFileC::tellLosses()
+{
+    if (m_nLost > 0 && m_buffer) static_cast<void>(take({}));
+}
+
 // Twice, if the file turns out to be gone.
 bool DbgLogFileC::makeRoom(std::size_t bytes)
 {
@@ -221,7 +231,8 @@ bool DbgLogFileC::flush()
 {
     m_nowMs = Milliseconds(HAL::WallTimeNow());
     if (!m_path.empty() && !prepare()) return false;
-    if (!m_file && pending() == 0) return true;
+    tellLosses();
+    if (!m_file && pending() == 0) return !std::exchange(m_bCloseRefused, false);
     // Twice: lines that went to a file which has been taken away are written again.
     const bool there = handOver() && verify() && handOver() && verify();
     return !std::exchange(m_bCloseRefused, false) && there && m_file && m_file->Sync();
@@ -267,8 +278,10 @@ void DbgLogFileC::awaitOthers() const
 bool DbgLogFileC::verify()
 {
     HAL::FileStatus status;
-    if (!m_file || !m_file->GetStatus(status) || status.removed) {
+    const bool told = m_file && m_file->GetStatus(status);
+    if (!told || status.removed) {
         close();
+        if (!told) forgetWritten();
         m_written = 0; // gone with the file: all of it waits again
         return open();
     }
@@ -292,9 +305,11 @@ bool DbgLogFileC::lookAtTheEnd()
 {
     HAL::FileStatus status;
     if (!m_file->GetStatus(status)) return false;
-    const bool strange = status.sizeBytes != m_sizeBytes;
+    if (status.sizeBytes == m_sizeBytes) return true;
+    const WriteLock lock(*m_file); // of somebody who has come this very moment
+    if (!m_file->GetStatus(status)) return false;
     m_sizeBytes = status.sizeBytes;
-    if (strange) repairEnd(status.sizeBytes);
+    if (!lock.Busy()) repairEnd(status.sizeBytes);
     return true;
 }
 
@@ -393,7 +408,7 @@ bool DbgLogFileC::writeCut(std::string_view line, bool ours)
     }
     const std::string cut =
         std::string(line.substr(0, WholeCharacters(line, most - CUT_MARK.size()))).append(CUT_MARK);
-    if (m_file->Append(cut.data(), cut.size()) < cut.size()) {
+    if (m_file->Append(cut.data(), cut.size(), m_sizeBytes) < cut.size()) {
         if (ours) static_cast<void>(m_file->Truncate(m_sizeBytes));
         return false;
     }
@@ -407,7 +422,7 @@ bool DbgLogFileC::writeCut(std::string_view line, bool ours)
 bool DbgLogFileC::writePart(std::size_t bytes, bool ours)
 {
     const std::string_view waiting(m_buffer.get() + m_written, bytes);
-    const std::size_t taken = m_file->Append(waiting.data(), bytes);
+    const std::size_t taken = m_file->Append(waiting.data(), bytes, m_sizeBytes);
     const std::size_t whole = WholeLines(waiting, taken);
     HAL::FileStatus status;
     if (whole < taken && m_file->GetStatus(status) && status.sizeBytes >= taken &&
@@ -441,7 +456,7 @@ void DbgLogFileC::repairEnd(std::uint64_t sizeBytes)
     if (m_file->ReadAt(sizeBytes - length, end.data(), length) != length) return;
     const std::size_t lineEnd = end.rfind('\n');
     if (lineEnd == std::string::npos && sizeBytes > length) {
-        m_sizeBytes = sizeBytes + m_file->Append("\n", 1);
+        m_sizeBytes = sizeBytes + m_file->Append("\n", 1, sizeBytes);
         return;
     }
     const std::size_t fragment = length - (lineEnd == std::string::npos ? 0 : lineEnd + 1);

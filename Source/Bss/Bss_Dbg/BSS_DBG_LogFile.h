@@ -7,8 +7,8 @@
 //
 // Lines wait in a buffer until they are handed over to the system: when the buffer is full, when the last
 // time was a tenth of a second ago or more, and when the owner says so. What has been handed over survives
-// the death of the process; what has been flushed survives the death of the machine. A line is handed over
-// whole or not at all; the beginning of a line that a process left by dying in the middle of a write is
+// the death of the process; what has been flushed survives the death of the machine. Only whole lines are
+// handed over; the beginning of one that a process left, because it was killed in the middle of a write, is
 // removed by whoever writes to the file next. Lines that cannot be handed over, on a full disk for example,
 // are kept for the next time; when the buffer is full of those, further lines are counted, and a line tells
 // how many were lost.
@@ -47,8 +47,7 @@ public:
     /// Takes whole lines, each ended by "\n". A line that is longer than the limit itself is cut and ends
     /// in " (cut)"; with a limit of so few bytes that this has no room, it is lost and counted. False when
     /// lines are waiting that could not be handed over, or were lost for that reason, and when the system
-    /// has refused to close a file that was written before. Throws std::bad_alloc
-    /// only.
+    /// has refused to close a file that was written before. Throws std::bad_alloc only.
     [[nodiscard]] bool append(std::string_view lines, const HAL::WallTime& now = HAL::WallTimeNow());
 
     /// Hands over everything now. False when that fails; the lines are kept.
@@ -83,6 +82,7 @@ private:
     bool takesAtOnce(std::size_t bytes) const;
     bool prepare();
     bool take(std::string_view lines);
+    void tellLosses();
     bool makeRoom(std::size_t bytes);
     void put(std::string_view text) noexcept;
     bool open();

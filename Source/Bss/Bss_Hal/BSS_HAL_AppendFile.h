@@ -57,10 +57,12 @@ public:
 
     /// Appends and returns how many bytes were taken: fewer than `count` when the device is full, or the file
     /// as large as the process may make files; no signal comes of that if the process had its limit when the
-    /// file was opened or GetStatus was last called.
-    std::size_t Append(const char* data, std::size_t count) noexcept;
+    /// file was opened or GetStatus was last called. `endBytes` is where the file ends as far as the caller
+    /// knows; the system knows better.
+    std::size_t Append(const char* data, std::size_t count, std::uint64_t endBytes) noexcept;
 
-    /// Size, and whether the file still has a name. False when the system does not tell.
+    /// Size, and whether the file still has a name. False when the system does not tell, or it is another
+    /// file that stands there, because somebody closed what is not theirs.
     [[nodiscard]] bool GetStatus(FileStatus& status) const noexcept;
 
     FileIdentity GetIdentity() const noexcept { return m_identity; }
@@ -96,7 +98,8 @@ private:
 
     NativeHandleT m_handle;
     const FileIdentity m_identity;
-    [[maybe_unused]] mutable bool m_limited = true; // the system may answer a write by a signal
+    [[maybe_unused]] mutable bool m_stranger = false; // the handle stands for another file
+    [[maybe_unused]] mutable bool m_limited = true;   // the system may answer a write by a signal
 };
 
 /// What the name stands for now. False when there is no such file.

@@ -92,19 +92,21 @@ bool HasSizeLimit() noexcept
     return ::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
 }
 
-// By the bare system call, which is no cancellation point, and at an offset: a file that is open for
-// appending takes no notice of it, but threads do not wait for the lock of its position. Three zeros are the
-// offset 0 however the system takes 64 bits.
-long WriteAtTheEnd(int fd, const char* data, std::size_t count) noexcept
+// By the bare system call, which is no cancellation point, and at an offset, which saves the lock of the
+// file's position. A file that is open for appending takes no notice of the offset; one that has come to
+// stand in its place does, and is not to be overwritten.
+long WriteAtTheEnd(int fd, const char* data, std::size_t count, std::uint64_t end) noexcept
 {
-    return ::syscall(SYS_pwrite64, fd, data, count, 0L, 0L, 0L);
+    if constexpr (sizeof(long) == sizeof end)
+        return ::syscall(SYS_pwrite64, fd, data, count, static_cast<long>(end));
+    return ::pwrite(fd, data, count, static_cast<off_t>(end));
 }
 
-std::size_t WriteAll(int fd, const char* data, std::size_t count) noexcept
+std::size_t WriteAll(int fd, const char* data, std::size_t count, std::uint64_t end) noexcept
 {
     std::size_t done = 0;
     while (done < count) {
-        const long written = WriteAtTheEnd(fd, data + done, count - done);
+        const long written = WriteAtTheEnd(fd, data + done, count - done, end + done);
         if (written < 0 && errno == EINTR) continue;
         if (written <= 0) break;
         done += static_cast<std::size_t>(written);
@@ -141,15 +143,17 @@ bool AppendFileC::Close() noexcept
 {
     const NoCancellation undisturbed;
     const NativeHandleT handle = std::exchange(m_handle, NO_HANDLE);
+    if (m_stranger) return false; // not ours to close
     return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
-std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept
+std::size_t AppendFileC::Append(const char* data, std::size_t count, std::uint64_t endBytes) noexcept
 {
     const int fd = Descriptor(m_handle);
-    if (!m_limited) return WriteAll(fd, data, count);
+    if (!m_limited) return WriteAll(fd, data, count, endBytes);
+    const NoCancellation undisturbed;
     std::size_t done = 0;
-    WithoutWriteSignals([&] { done = WriteAll(fd, data, count); });
+    WithoutWriteSignals([&] { done = WriteAll(fd, data, count, endBytes); });
     return done;
 }
 
@@ -158,6 +162,8 @@ bool AppendFileC::GetStatus(FileStatus& status) const noexcept
     m_limited = HasSizeLimit();
     struct stat info = {};
     if (::fstat(Descriptor(m_handle), &info) != 0) return false;
+    m_stranger = IdentityOf(info) != m_identity;
+    if (m_stranger) return false;
     status.sizeBytes = static_cast<std::uint64_t>(info.st_size);
     status.removed = info.st_nlink == 0;
     return true;

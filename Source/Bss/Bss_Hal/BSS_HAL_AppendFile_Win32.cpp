@@ -71,7 +71,7 @@ bool AppendFileC::Close() noexcept
     return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
-std::size_t AppendFileC::Append(const char* data, std::size_t count) noexcept
+std::size_t AppendFileC::Append(const char* data, std::size_t count, std::uint64_t) noexcept
 {
     std::size_t done = 0;
     while (done < count) {

@@ -29,10 +29,22 @@ CalendarTime FieldsOf(std::int64_t seconds, std::tm* (*breakDown)(const std::tim
 
 struct KeptTimeT
 {
-    WallTime time;
+    std::int64_t time;   // one number, so that a signal handler never leaves half of it behind
     std::uint64_t since; // of the processor's counter, before the system was asked
     std::uint64_t lasts; // 0: nothing kept
 };
+
+constexpr int MILLISECOND_BITS = 10;
+
+std::int64_t Packed(const WallTime& time) noexcept
+{
+    return time.seconds * (1 << MILLISECOND_BITS) + time.millisecond;
+}
+
+WallTime Unpacked(std::int64_t time) noexcept
+{
+    return {time >> MILLISECOND_BITS, static_cast<int>(time & ((1 << MILLISECOND_BITS) - 1))};
+}
 
 constinit thread_local KeptTimeT t_kept = {};
 
@@ -51,7 +63,7 @@ WallTime AskAndKeep(std::uint64_t count) noexcept
     // A signal handler on this thread may ask too: it must not find a time that is half another.
     t_kept.lasts = 0;
     std::atomic_signal_fence(std::memory_order_seq_cst);
-    t_kept.time = time;
+    t_kept.time = Packed(time);
     t_kept.since = count;
     std::atomic_signal_fence(std::memory_order_seq_cst);
     if (steady && left > MARGIN_NS) t_kept.lasts = (left - MARGIN_NS) / MOST_NS_PER_COUNT;
@@ -69,11 +81,11 @@ CalendarTime WithMillisecond(CalendarTime time, int millisecond) noexcept
 // What the system said last is true until the next millisecond begins, and a counter of the processor tells
 // that less than that has gone by in less than half the time of a question to the system. Of its rate it is
 // only known that no count is longer than MOST_NS_PER_COUNT; as all are shorter, a thread that keeps asking
-// comes to the system some forty times in each millisecond. A clock that is set takes effect within one.
+// comes to the system some fifty times in each millisecond. A clock that is set takes effect within one.
 WallTime WallTimeNow() noexcept
 {
     const std::uint64_t count = ProcessorCount();
-    if (count - t_kept.since < t_kept.lasts) return t_kept.time;
+    if (count - t_kept.since < t_kept.lasts) return Unpacked(t_kept.time);
     return AskAndKeep(count);
 }
 

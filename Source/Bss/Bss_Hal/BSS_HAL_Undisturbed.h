@@ -3,8 +3,8 @@
 //
 // Runs something that must not be left in the middle because somebody wants the thread to end. Cancellation
 // of the thread waits until it is over; so do an interruption and a forced end, where the thread belongs to a
-// library that has such: that library says how by a runner, as this floor knows neither. Nothing is
-// swallowed: what was asked for stays asked for. Safe from any thread; cheap; may be nested.
+// library that has such: that library says how by a runner, as this floor knows neither. Cancellation and
+// interruption that were asked for stay asked for; whoever wants a forced end may give up. Safe from any thread; cheap; may be nested.
 #pragma once
 
 #include <atomic>

@@ -13,6 +13,7 @@
 #include "Support/Eventually.h"
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <sched.h>
@@ -156,7 +157,8 @@ protected:
         entered = true;
         while (!leave.load())
             ::sched_yield();
-        for (int i = 0; i < 1000; ++i)
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
+        while (std::chrono::steady_clock::now() < end)
             ::sched_yield();
         text += lines.substr(1);
         return true;
