@@ -6,15 +6,20 @@
 
 #include "Bss/Bss_Hal/BSS_HAL_Windows.h"
 
+#include <atomic>
+
 namespace BSS::HAL {
 
 namespace {
 
-// Has an end of its own, as thread-local objects have that need the language's support.
+constinit std::atomic<unsigned> s_nEnded = 0;
+
+// Has an end of its own, as thread-local objects have that need the language's support. With this compiler a
+// thread's memory for such objects is freed before their ends come, so the end must not touch the object.
 struct ThreadLocalC
 {
-    ~ThreadLocalC() { bOver = true; }
-    volatile bool bOver = false;
+    ~ThreadLocalC() { s_nEnded.fetch_add(1, std::memory_order_relaxed); }
+    volatile bool bUsed = false;
 };
 
 } // namespace
@@ -22,7 +27,7 @@ struct ThreadLocalC
 void PrepareThreadStart() noexcept
 {
     static thread_local ThreadLocalC t_first;
-    t_first.bOver = false;
+    t_first.bUsed = true;
 }
 
 bool ApplyThreadPriority(std::uint32_t threadId, int priority) noexcept

@@ -8,8 +8,11 @@
 #include "Support/ChildExpect.h"
 
 #include <cstdlib>
+#include <future>
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 #include <windows.h>
 
 using namespace BSS::TSK;
@@ -58,6 +61,18 @@ TEST_F(TaskForceTest, ACommandTaskThatWasEndedByForceServesAgainAfterAStart)
 TEST_F(TaskForceTest, WhoeverWaitsForATaskThatIsEndedByForceIsLetGo)
 {
     EXPECT_EXIT(KillATaskThatIsWaitedFor(Settings("waited for")), testing::ExitedWithCode(0), "");
+}
+
+// Threads that start tasks come and go. What such a thread leaves to be done at its end must not reach for
+// its thread-local memory, which has gone by then: it would spoil the heap.
+TEST_F(TaskForceTest, TasksMayBeStartedByThreadsThatEndAndTheHeapStaysWhole)
+{
+    for (int i = 0; i < 200; ++i) {
+        WorkTaskC task(Settings("short"), [] {});
+        std::async(std::launch::async, [&] { task.start(); }).get();
+        ASSERT_TRUE(task.waitForStop(20000));
+        const std::vector<std::string> others(20, std::string(i % 200, 'x'));
+    }
 }
 
 } // namespace
