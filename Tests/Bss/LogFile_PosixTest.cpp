@@ -314,12 +314,29 @@ protected:
     }
 };
 
-void* LogWhereCancellationTakesEffectAtOnce(void* consumer)
+struct CancelledLogT
+{
+    DbgLogConsumerC& rConsumer;
+    bool bReturned = false;
+};
+
+void* LogWhereCancellationTakesEffectAtOnce(void* log)
 {
     int before = 0;
     ::pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &before);
-    static_cast<DbgLogConsumerC*>(consumer)->Log(LEVEL_INFO, "one");
+    static_cast<CancelledLogT*>(log)->rConsumer.Log(LEVEL_INFO, "one");
+    static_cast<CancelledLogT*>(log)->bReturned = true;
     return nullptr;
+}
+
+// Whether the thread ended in the call. What pthread_join tells does not: this C library forgets to say that
+// a thread was cancelled when it ends because it lets itself be cancelled again.
+bool EndsInTheCall(DbgLogConsumerC& consumer)
+{
+    CancelledLogT log{consumer};
+    pthread_t thread = {};
+    if (::pthread_create(&thread, nullptr, &LogWhereCancellationTakesEffectAtOnce, &log) != 0) return false;
+    return ::pthread_join(thread, nullptr) == 0 && !log.bReturned;
 }
 
 // Cannot write.
@@ -342,11 +359,7 @@ TEST(LogCancellation, ThatTakesEffectAtAnyTimeWaitsUntilAFailureIsToldAndLeavesN
         },
         nullptr);
     RefusingC consumer;
-    pthread_t thread = {};
-    ASSERT_EQ(::pthread_create(&thread, nullptr, &LogWhereCancellationTakesEffectAtOnce, &consumer), 0);
-    void* result = nullptr;
-    ASSERT_EQ(::pthread_join(thread, &result), 0);
-    EXPECT_EQ(result, PTHREAD_CANCELED);
+    EXPECT_TRUE(EndsInTheCall(consumer));
     consumer.Log(LEVEL_INFO, "two");
     EXPECT_EQ(s_told, 2u);
     BSS::HAL::SetDebugOutputSink(nullptr, nullptr);
@@ -355,11 +368,7 @@ TEST(LogCancellation, ThatTakesEffectAtAnyTimeWaitsUntilAFailureIsToldAndLeavesN
 TEST(LogCancellation, ThatTakesEffectAtAnyTimeWaitsForTheLineAndLeavesNoLockBehind)
 {
     CancellingC consumer;
-    pthread_t thread = {};
-    ASSERT_EQ(::pthread_create(&thread, nullptr, &LogWhereCancellationTakesEffectAtOnce, &consumer), 0);
-    void* result = nullptr;
-    ASSERT_EQ(::pthread_join(thread, &result), 0);
-    EXPECT_EQ(result, PTHREAD_CANCELED);
+    EXPECT_TRUE(EndsInTheCall(consumer));
     ASSERT_EQ(consumer.text, "one\n");
     consumer.Log(LEVEL_INFO, "two");
     EXPECT_EQ(consumer.text, "one\ntwo\n");
