@@ -267,8 +267,9 @@ void QsbPackedChainC::PackKnownOf(ProgressT& rProgress, const QsbBlockTallyC& ta
     m_oWriter = writer;
 }
 
-/// The next block, whatever it is; the chunk has room for it. False when it is not shown whole or cannot be
-/// packed.
+/// The next block, whatever it is; the chunk has room for it. One whose data alone differ from its model's
+/// becomes the model, so that a length that was rare does not keep the number from one that comes often.
+/// False when it is not shown whole or cannot be packed.
 bool QsbPackedChainC::PackNext(ProgressT& progress, QsbBlockTallyC& tally) noexcept
 {
     if (!progress.Shows(s_nHeadBytes)) return false;

@@ -2,8 +2,7 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // How blocks are packed in memory. Blocks of a file are much alike, so most are told by reference to an
-// earlier one, the model, of which 31 are at hand at a time, each at a number of its own. A block
-// is
+// earlier one, the model, of which 31 are at hand at a time, each at a number of its own. A block is
 //
 //     a byte: the number of its model, and three flags
 //     with the flag s_uiOtherId: 4 bytes, its identifier; otherwise it has the model's
@@ -20,8 +19,8 @@
 //     s_uiIds, the number of the first model, that of the second, which may be the same, how many blocks in
 //     one byte, and 4 bytes for each, its identifier
 //
-// These have no entries. Blocks that are equal to the one before them, which has the
-// data and the values of its model:
+// These have no entries. Blocks that are equal to the one before them, which has the data and the values of
+// its model:
 //
 //     s_uiRepeat and how many, seven bits to a byte, the lowest first, the highest bit set but in the last
 //

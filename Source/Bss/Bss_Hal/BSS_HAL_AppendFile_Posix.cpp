@@ -94,7 +94,7 @@ bool HasSizeLimit() noexcept
 
 // By the bare system call, which is no cancellation point, and at an offset, which saves the lock of the
 // file's position. A file that is open for appending takes no notice of the offset; one that has come to
-// stand in its place does, and is not to be overwritten.
+// stand in its place does until GetStatus finds it out, and is at least not hit at its start.
 long WriteAtTheEnd(int fd, const char* data, std::size_t count, std::uint64_t end) noexcept
 {
     if constexpr (sizeof(long) == sizeof end)
