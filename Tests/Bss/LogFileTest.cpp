@@ -10,6 +10,7 @@
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/DebugOutputCapture.h"
 #include "Support/LogFolderTest.h"
+#include "Support/LogLines.h"
 #include "Support/ReportCapture.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@
 #include <vector>
 
 using namespace BSS::DBG;
+using Support::LinesOf;
 
 namespace {
 
@@ -37,17 +39,6 @@ protected:
 
     std::int64_t m_second = 1000;
 };
-
-std::vector<std::string> Lines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        lines.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return lines;
-}
 
 TEST_F(LogFile, NothingIsMadeBeforeTheFirstLine)
 {
@@ -108,7 +99,32 @@ TEST_F(LogFile, MoreThanTheBufferHoldsIsWrittenWhole)
         all += BSS::UTI::Format("line %d\n", i);
     EXPECT_TRUE(file.append(all));
     EXPECT_TRUE(file.flush());
-    EXPECT_EQ(Bytes("a.txt"), all);
+    EXPECT_TRUE(Support::WithoutFilling(Bytes("a.txt")) == all);
+}
+
+TEST_F(LogFile, LimitIsKeptAlsoByWhatLinesAreFilledUpWith)
+{
+    constexpr std::uint64_t LIMIT = 10000;
+    std::string all;
+    for (int i = 1000; i < 2000; ++i)
+        all += BSS::UTI::Format("line %d", i) + std::string(static_cast<std::size_t>(i % 300), 'x') + "\n";
+    for (const bool atOnce : {true, false}) {
+        DbgLogFileC file(L"a.txt", LIMIT, 100);
+        const std::vector<std::string> parts = atOnce ? std::vector{all} : LinesOf(all);
+        for (const std::string& part : parts)
+            EXPECT_TRUE(file.append(atOnce ? part : part + "\n", Later()));
+        EXPECT_TRUE(file.flush());
+        std::string found;
+        for (int i = 100; i > 0; --i) {
+            const std::string part = Bytes(BSS::UTI::Format("a.%d.txt", i));
+            EXPECT_LE(part.size(), LIMIT);
+            found += part;
+        }
+        EXPECT_LE(Bytes("a.txt").size(), LIMIT);
+        EXPECT_TRUE(Support::WithoutFilling(found + Bytes("a.txt")) == all) << atOnce;
+        EXPECT_TRUE(file.finish()); // Windows does not let a directory go in which a file is open
+        TakeAway();
+    }
 }
 
 TEST_F(LogFile, FullFileBecomesTheOlderOne)
@@ -294,7 +310,7 @@ TEST_F(LogFile, TwoFilesOfOneNameMixNoLinesLoseNoneAndKeepTheLimit)
     for (const auto& entry : boost::filesystem::directory_iterator(m_directory.Path() / "log")) {
         const std::string text = Support::ReadAll(entry.path().string());
         EXPECT_LE(text.size(), 4096u);
-        for (const std::string& line : Lines(text))
+        for (const std::string& line : LinesOf(text))
             found.insert(line);
     }
     EXPECT_EQ(found.size(), 2u * LINES);
@@ -337,7 +353,7 @@ TEST_F(LogFile, LinesBeyondTheBufferAreCountedWhileNothingCanBeWritten)
     boost::filesystem::remove(m_directory.Path() / "log");
     EXPECT_TRUE(file.append("next\n", Later()));
     EXPECT_TRUE(file.append("last\n", Later()));
-    const std::vector<std::string> lines = Lines(Bytes("a.txt"));
+    const std::vector<std::string> lines = LinesOf(Bytes("a.txt"));
     const std::size_t kept = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), line));
     EXPECT_EQ(kept, FIT);
     EXPECT_NE(Bytes("a.txt").find("(35 lines could not be written and are lost)\n"), std::string::npos);
@@ -358,7 +374,7 @@ TEST_F(LogFile, FirstLineAfterLostOnesIsNotLostItself)
         const std::string first = std::string(length - 1, 'y') + "\n";
         EXPECT_TRUE(file->append(first, {1000, 0})) << length;
         EXPECT_TRUE(file->flush());
-        const std::string text = Bytes("a.txt");
+        const std::string text = Support::WithoutFilling(Bytes("a.txt"));
         EXPECT_EQ(text.substr(std::min(text.size(), FIT * 1000)),
                   "(15 lines could not be written and are lost)\n" + first);
         file.reset(); // Windows does not let a directory go in which a file is open

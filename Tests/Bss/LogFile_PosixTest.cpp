@@ -63,9 +63,9 @@ TEST_F(LogFilePosix, EightThreadsWritingAMillionLinesLoseAndTearNone)
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(Path("many.txt").c_str(), "r"),
                                                                &std::fclose);
     ASSERT_NE(file, nullptr);
-    char line[256];
+    char line[1024];
     while (std::fgets(line, sizeof line, file.get()) != nullptr) {
-        const std::string text = line;
+        const std::string text = Support::WithoutFilling(line);
         const std::size_t begin = text.find(" INFO t");
         ASSERT_NE(begin, std::string::npos) << text;
         const unsigned who = static_cast<unsigned>(text[begin + 7] - '0');
@@ -146,6 +146,32 @@ TEST_F(LogFilePosix, PartOfALineThatTheSystemDidNotTakeIsTakenBack)
     EXPECT_EQ(status, 0);
     for (const std::string& line : LinesOf(Bytes("a.txt")))
         EXPECT_EQ(line, std::string(99, 'x'));
+}
+
+TEST_F(LogFilePosix, WhatTheSystemDidNotTakeOfManyPagesIsWrittenLater)
+{
+    std::string all;
+    for (int i = 0; i < 400; ++i)
+        all += std::string(static_cast<std::size_t>(50 + i % 100), static_cast<char>('a' + i % 26)) + "\n";
+    for (const rlim_t limitBytes : {12286u, 12287u, 12288u, 12289u, 20000u}) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const rlimit limit = {limitBytes, RLIM_INFINITY};
+            const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
+            ::setrlimit(RLIMIT_FSIZE, &limit);
+            DbgLogFileC file(L"a.txt", 0);
+            const bool refused = !file.append(all, {1000, 0});
+            const std::string part = Support::ReadAll(Path("a.txt"));
+            const bool whole = part.size() <= limitBytes && part.size() + 200 > limitBytes && part.back() == '\n';
+            ::setrlimit(RLIMIT_FSIZE, &none);
+            ::_exit(refused && whole && file.flush() ? 0 : 1);
+        }
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0) << limitBytes;
+        EXPECT_TRUE(Support::WithoutFilling(Bytes("a.txt")) == all) << limitBytes;
+        TakeAway();
+    }
 }
 
 TEST_F(LogFilePosix, LimitOnTheSizeOfFilesThatIsSetWhileRunningEndsNoProcess)

@@ -5,8 +5,8 @@
 //
 //   bss_log_writer DIRECTORY lines NAME COUNT LIMIT
 //       COUNT lines "NAME <number> <checksum>" to "shared.txt", LIMIT bytes to a file
-//   bss_log_writer DIRECTORY endless
-//       lines to "killed.txt" without end; flushes after every 1000 and then prints how many are flushed
+//   bss_log_writer DIRECTORY endless COUNT
+//       lines to "killed.txt" without end; flushes after every COUNT and then prints how many are flushed
 //   bss_log_writer DIRECTORY exit
 //       a line to "ErrorLog.txt" and one that waits, then returns
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileConsumer.h"
@@ -37,12 +37,12 @@ int WriteLines(const std::string& name, unsigned count, std::uint64_t limit)
     return flushed ? 0 : 1;
 }
 
-[[noreturn]] void WriteEndlessly()
+[[noreturn]] void WriteEndlessly(unsigned count)
 {
     DbgLogFileConsumerC consumer("killed", L"killed.txt", 0);
     for (unsigned i = 0;; ++i) {
         consumer.Log(LEVEL_INFO, "%s", Support::CheckedLine("k", i));
-        if (i % 1000 != 999) continue;
+        if (i % count != count - 1) continue;
         if (!consumer.flush()) std::exit(1);
         std::printf("%u\n", i + 1);
         std::fflush(stdout);
@@ -66,6 +66,6 @@ int main(int argc, char** argv)
     if (what == "lines" && argc == 6)
         return WriteLines(argv[3], static_cast<unsigned>(std::atoi(argv[4])),
                           static_cast<std::uint64_t>(std::atoll(argv[5])));
-    if (what == "endless") WriteEndlessly();
+    if (what == "endless" && argc == 4) WriteEndlessly(static_cast<unsigned>(std::atoi(argv[3])));
     return what == "exit" ? WriteAndReturn() : 2;
 }

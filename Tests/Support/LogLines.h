@@ -39,9 +39,24 @@ inline long NumberOf(const std::string& line, const std::string& name)
     return text == CheckedLine(name, static_cast<unsigned>(number)) ? number : -1;
 }
 
-/// The lines of a text. A last one without its end counts as a line too.
-inline std::vector<std::string> LinesOf(const std::string& text)
+/// The text of a log file without the spaces that its lines are filled up with.
+inline std::string WithoutFilling(const std::string& text)
 {
+    std::string result;
+    for (const char character : text) {
+        if (character == '\n')
+            while (!result.empty() && result.back() == ' ')
+                result.pop_back();
+        result += character;
+    }
+    return result;
+}
+
+/// The lines of a log file, without what they are filled up with. A last one without its end counts as a
+/// line too.
+inline std::vector<std::string> LinesOf(const std::string& file)
+{
+    const std::string text = WithoutFilling(file);
     std::vector<std::string> lines;
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find('\n', begin), text.size());

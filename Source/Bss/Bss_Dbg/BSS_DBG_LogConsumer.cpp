@@ -356,8 +356,7 @@ bool DbgLogConsumerC::writeMessage(int level, const char* format, UTI::FormatSou
 
 bool DbgLogConsumerC::writeText(const LogMomentT& moment, std::string_view prefix, std::string_view message)
 {
-    const bool bare = m_bLineSplitting.load(std::memory_order_relaxed);
-    const LogLayoutT layout{m_shownName, prefix, bare, maxLineBytes()};
+    const LogLayoutT layout{m_shownName, prefix, writesBareLines(), maxLineBytes()};
     return writeLines(moment, LinesOfMessage(layout, message));
 }
 

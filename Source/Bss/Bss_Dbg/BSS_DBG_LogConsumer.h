@@ -130,9 +130,10 @@ protected:
     /// Flushes, under the lock.
     virtual bool flushLines();
 
-    /// When the lines that write() is given were logged, and whether they must be handed over to the system
-    /// at once. For write() only.
+    /// When the lines that write() is given were logged, whether they are written bare, and whether they must
+    /// be handed over to the system at once. For write() only.
     const HAL::WallTime& writeTime() const noexcept { return m_writeMoment.time; }
+    bool writesBareLines() const noexcept { return m_bLineSplitting.load(std::memory_order_relaxed); }
     bool writeMustHandOver() const noexcept
     {
         return m_writeMoment.level >= m_flushLevel.load(std::memory_order_relaxed);

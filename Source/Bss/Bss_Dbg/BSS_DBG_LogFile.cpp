@@ -10,6 +10,7 @@
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileName.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
+#include "Bss/Bss_Dbg/BSS_DBG_LogPages.h"
 #include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Directories.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
@@ -22,6 +23,7 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
+#include <limits>
 #include <thread>
 #include <utility>
 
@@ -35,6 +37,7 @@ constexpr std::uint64_t CHECK_PATH_EVERY_MS = 1000;
 constexpr std::uint64_t SHARED_FOR_MS = 1000; // how long others are expected back
 constexpr int MAX_WAIT_FOR_SOLE_USER_MS = 50;
 constexpr auto PATIENCE = std::chrono::seconds(1);
+constexpr std::uint64_t NO_LIMIT = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t LONGEST_FRAGMENT = 16384; // what we may have left behind; no line is longer
 
 constexpr std::string_view CUT_MARK = " (cut)\n";
@@ -322,6 +325,23 @@ bool DbgLogFileC::reopenIfReplaced()
     return open();
 }
 
+std::string_view DbgLogFileC::waiting() const noexcept
+{
+    return {m_buffer.get() + m_written, pending()};
+}
+
+// For bytes in the file.
+std::uint64_t DbgLogFileC::room() const noexcept
+{
+    if (m_limitBytes == 0) return NO_LIMIT;
+    return m_limitBytes > m_sizeBytes ? m_limitBytes - m_sizeBytes : 0;
+}
+
+std::size_t DbgLogFileC::pageBytes() const noexcept
+{
+    return m_bFilling ? HAL::AppendFileC::StopsAtBytes() : 0;
+}
+
 void DbgLogFileC::forgetWritten() noexcept
 {
     if (pending() > 0) std::memmove(m_buffer.get(), m_buffer.get() + m_written, pending());
@@ -331,8 +351,8 @@ void DbgLogFileC::forgetWritten() noexcept
 
 bool DbgLogFileC::writeAlone()
 {
-    const bool fits = m_limitBytes == 0 || m_sizeBytes + pending() <= m_limitBytes;
-    return fits ? writePart(pending(), true) : writeLocked();
+    const LogPagesC pages(waiting(), m_sizeBytes, pageBytes(), room());
+    return pages.textBytes() == pending() ? writePages(pages, true) : writeLocked();
 }
 
 // When many write much, the file may be full and another one each time it is our turn: what counts then is
@@ -387,14 +407,12 @@ void DbgLogFileC::letOthersIn() const
 // somebody keeps the lock the file only grows.
 bool DbgLogFileC::writeOnce(HAL::AppendLock lock)
 {
-    const std::string_view waiting(m_buffer.get() + m_written, pending());
     const bool ours = lock == HAL::AppendLock::Taken;
-    if (m_limitBytes == 0 || lock == HAL::AppendLock::Busy) return writePart(waiting.size(), ours);
-    const std::uint64_t room = m_limitBytes > m_sizeBytes ? m_limitBytes - m_sizeBytes : 0;
-    const std::size_t fit = WholeLines(waiting, room);
-    if (fit > 0) return writePart(fit, ours);
+    const std::uint64_t most = lock == HAL::AppendLock::Busy ? NO_LIMIT : room();
+    const LogPagesC pages(waiting(), m_sizeBytes, pageBytes(), most);
+    if (pages.textBytes() > 0) return writePages(pages, ours);
     if (m_sizeBytes > 0) return rotate();
-    return writeCut(waiting.substr(0, std::min(waiting.find('\n'), waiting.size() - 1) + 1), ours);
+    return writeCut(waiting().substr(0, std::min(waiting().find('\n'), pending() - 1) + 1), ours);
 }
 
 // A line that is longer than any file may be: what fits, and a mark. Lost, where not even the mark has room.
@@ -408,7 +426,8 @@ bool DbgLogFileC::writeCut(std::string_view line, bool ours)
     }
     const std::string cut =
         std::string(line.substr(0, WholeCharacters(line, most - CUT_MARK.size()))).append(CUT_MARK);
-    if (m_file->Append(cut.data(), cut.size(), m_sizeBytes) < cut.size()) {
+    const HAL::AppendPieceT piece{cut.data(), cut.size()};
+    if (m_file->Append({&piece, 1}, m_sizeBytes) < cut.size()) {
         if (ours) static_cast<void>(m_file->Truncate(m_sizeBytes));
         return false;
     }
@@ -417,22 +436,21 @@ bool DbgLogFileC::writeCut(std::string_view line, bool ours)
     return true;
 }
 
-// Appends that much of what waits. If the system takes only a part of it, a line that was begun is taken
-// back: always when nobody else may write now, else when nobody has.
-bool DbgLogFileC::writePart(std::size_t bytes, bool ours)
+// If the system takes only a part of it, a line that was begun is taken back: always when nobody else may
+// write now, else when nobody has.
+bool DbgLogFileC::writePages(const LogPagesC& pages, bool ours)
 {
-    const std::string_view waiting(m_buffer.get() + m_written, bytes);
-    const std::size_t taken = m_file->Append(waiting.data(), bytes, m_sizeBytes);
-    const std::size_t whole = WholeLines(waiting, taken);
+    const std::size_t taken = m_file->Append(pages.pieces(), m_sizeBytes);
+    const LogPagesC::ExtentT whole = pages.wholeLinesWithin(taken);
     HAL::FileStatus status;
-    if (whole < taken && m_file->GetStatus(status) && status.sizeBytes >= taken &&
+    if (whole.fileBytes < taken && m_file->GetStatus(status) && status.sizeBytes >= taken &&
         (ours || status.sizeBytes == m_sizeBytes + taken)) {
         m_sizeBytes = status.sizeBytes - taken; // somebody may have emptied the file to make room
-        static_cast<void>(m_file->Truncate(m_sizeBytes + whole));
+        static_cast<void>(m_file->Truncate(m_sizeBytes + whole.fileBytes));
     }
-    m_sizeBytes += whole;
-    m_written += whole;
-    return whole == bytes;
+    m_sizeBytes += whole.fileBytes;
+    m_written += whole.textBytes;
+    return whole.textBytes == pages.textBytes();
 }
 
 // Gives every file the next number. The current one is the last to be renamed, so whoever comes in between
@@ -456,7 +474,8 @@ void DbgLogFileC::repairEnd(std::uint64_t sizeBytes)
     if (m_file->ReadAt(sizeBytes - length, end.data(), length) != length) return;
     const std::size_t lineEnd = end.rfind('\n');
     if (lineEnd == std::string::npos && sizeBytes > length) {
-        m_sizeBytes = sizeBytes + m_file->Append("\n", 1, sizeBytes);
+        const HAL::AppendPieceT piece{"\n", 1};
+        m_sizeBytes = sizeBytes + m_file->Append({&piece, 1}, sizeBytes);
         return;
     }
     const std::size_t fragment = length - (lineEnd == std::string::npos ? 0 : lineEnd + 1);

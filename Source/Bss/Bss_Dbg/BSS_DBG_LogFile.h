@@ -8,10 +8,10 @@
 // Lines wait in a buffer until they are handed over to the system: when the buffer is full, when the last
 // time was a tenth of a second ago or more, and when the owner says so. What has been handed over survives
 // the death of the process; what has been flushed survives the death of the machine. Only whole lines are
-// handed over; the beginning of one that a process left, because it was killed in the middle of a write, is
-// removed by whoever writes to the file next. Lines that cannot be handed over, on a full disk for example,
-// are kept for the next time; when the buffer is full of those, further lines are counted, and a line tells
-// how many were lost.
+// handed over, and some are filled up with spaces so that a process that is killed in the middle of a write
+// leaves whole lines too. Where it could not be so, the beginning of a line is removed by whoever writes to
+// the file next. Lines that cannot be handed over, on a full disk for example, are kept for the next time;
+// when the buffer is full of those, further lines are counted, and a line tells how many were lost.
 //
 // Several files, in one process or in many, may bear the same name: their lines do not mix and the limit
 // holds. A file or directory that is taken away is made anew. A child process that is forked does not write
@@ -27,6 +27,8 @@
 #include <string_view>
 
 namespace BSS::DBG {
+
+class LogPagesC;
 
 class DbgLogFileC
 {
@@ -66,6 +68,10 @@ public:
     /// How many older files are kept.
     void setOlderFiles(unsigned nOlderFiles) noexcept { m_nOlderFiles = nOlderFiles; }
 
+    /// Whether lines may be filled up with spaces: without that, a process that is killed may leave the
+    /// beginning of a line. They may be unless this is called.
+    void setFilling(bool bFilling) noexcept { m_bFilling = bFilling; }
+
     /// Where the file is, as far as that is known now; empty when there is no log directory.
     std::wstring path() const;
 
@@ -79,6 +85,9 @@ private:
     };
 
     std::size_t pending() const noexcept { return m_used - m_written; }
+    std::string_view waiting() const noexcept;
+    std::uint64_t room() const noexcept;
+    std::size_t pageBytes() const noexcept;
     bool takesAtOnce(std::size_t bytes) const;
     bool prepare();
     bool take(std::string_view lines);
@@ -98,13 +107,14 @@ private:
     void letOthersIn() const;
     bool writeOnce(HAL::AppendLock lock);
     bool writeCut(std::string_view line, bool ours);
-    bool writePart(std::size_t bytes, bool ours);
+    bool writePages(const LogPagesC& pages, bool ours);
     bool rotate();
     void repairEnd(std::uint64_t sizeBytes);
 
     const std::wstring m_name;
     std::uint64_t m_limitBytes;
     unsigned m_nOlderFiles;
+    bool m_bFilling = true;
     std::wstring m_directory;
     std::wstring m_path;             // of the file that the waiting lines belong to
     std::uint32_t m_pathVersion = 0; // of the log directory that the path was made with

@@ -35,6 +35,7 @@ bool DbgLogFileConsumerC::write(std::string_view lines)
 {
     m_file.setLimit(getLimit());
     m_file.setOlderFiles(getOlderFiles());
+    m_file.setFilling(!writesBareLines()); // a program reads them, perhaps to the last byte
     const bool appended = m_file.append(lines, writeTime());
     return (!writeMustHandOver() || m_file.handOver()) && appended;
 }

@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace BSS::HAL {
@@ -30,6 +31,13 @@ struct FileStatus
 {
     std::uint64_t sizeBytes = 0;
     bool removed = false; ///< no name leads to the file any more
+};
+
+/// A part of what is to be appended.
+struct AppendPieceT
+{
+    const char* data = nullptr;
+    std::size_t count = 0;
 };
 
 enum class AppendLock
@@ -55,11 +63,15 @@ public:
     /// lost what it was given. For the last call on the object.
     [[nodiscard]] bool Close() noexcept;
 
-    /// Appends and returns how many bytes were taken: fewer than `count` when the device is full, or the file
-    /// as large as the process may make files; no signal comes of that if the process had its limit when the
-    /// file was opened or GetStatus was last called. `endBytes` is where the file ends as far as the caller
-    /// knows; the system knows better.
-    std::size_t Append(const char* data, std::size_t count, std::uint64_t endBytes) noexcept;
+    /// Where the system may stop an append when it kills the process: in the file, at multiples of this many
+    /// bytes. 0: it carries out what it has begun.
+    static std::size_t StopsAtBytes() noexcept;
+
+    /// Appends the pieces one behind the other and returns how many bytes were taken: fewer than there are
+    /// when the device is full, or the file as large as the process may make files; no signal comes of that
+    /// if the process had its limit when the file was opened or GetStatus was last called. `endBytes` is
+    /// where the file ends as far as the caller knows; the system knows better.
+    std::size_t Append(std::span<const AppendPieceT> pieces, std::uint64_t endBytes) noexcept;
 
     /// Size, and whether the file still has a name. False when the system does not tell, or it is another
     /// file that stands there, because somebody closed what is not theirs.

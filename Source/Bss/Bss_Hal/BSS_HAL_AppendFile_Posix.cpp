@@ -9,6 +9,8 @@
 #include "Bss/Bss_Hal/BSS_HAL_Undisturbed.h"
 #include "Bss/Bss_Hal/BSS_HAL_WriteSignals.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <ctime>
 #include <fcntl.h>
@@ -18,6 +20,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 
@@ -95,23 +98,47 @@ bool HasSizeLimit() noexcept
 // By the bare system call, which is no cancellation point, and at an offset, which saves the lock of the
 // file's position. A file that is open for appending takes no notice of the offset; one that has come to
 // stand in its place does until GetStatus finds it out, and is at least not hit at its start.
-long WriteAtTheEnd(int fd, const char* data, std::size_t count, std::uint64_t end) noexcept
+long WriteAtTheEnd(int fd, std::span<const struct iovec> parts, std::uint64_t end) noexcept
 {
-    if constexpr (sizeof(long) == sizeof end)
-        return ::syscall(SYS_pwrite64, fd, data, count, static_cast<long>(end));
-    return ::pwrite(fd, data, count, static_cast<off_t>(end));
+    // The system takes the offset as two longs and puts them together; a single long may hold all of it.
+    const auto low = static_cast<long>(end);
+    const auto high = static_cast<long>(end >> 32);
+    return ::syscall(SYS_pwritev, fd, parts.data(), static_cast<long>(parts.size()), low, high);
 }
 
-std::size_t WriteAll(int fd, const char* data, std::size_t count, std::uint64_t end) noexcept
+// What is left of the pieces behind that many bytes, as far as one call takes it.
+class LeftOver
+{
+public:
+    LeftOver(std::span<const AppendPieceT> pieces, std::size_t done) noexcept
+    {
+        for (const AppendPieceT& piece : pieces) {
+            const std::size_t skipped = std::min(done, piece.count);
+            done -= skipped;
+            if (skipped == piece.count) continue;
+            if (m_nParts == m_parts.size()) break;
+            // The system's structure serves reading too and so has no constant pointer.
+            m_parts[m_nParts++] = {const_cast<char*>(piece.data) + skipped, piece.count - skipped};
+        }
+    }
+    std::span<const struct iovec> Parts() const noexcept { return {m_parts.data(), m_nParts}; }
+
+private:
+    std::array<struct iovec, 256> m_parts; // the first of them; fewer than any system allows
+    std::size_t m_nParts = 0;
+};
+
+std::size_t WriteAll(int fd, std::span<const AppendPieceT> pieces, std::uint64_t end) noexcept
 {
     std::size_t done = 0;
-    while (done < count) {
-        const long written = WriteAtTheEnd(fd, data + done, count - done, end + done);
+    for (;;) {
+        const LeftOver left(pieces, done);
+        if (left.Parts().empty()) return done;
+        const long written = WriteAtTheEnd(fd, left.Parts(), end + done);
         if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) break;
+        if (written <= 0) return done;
         done += static_cast<std::size_t>(written);
     }
-    return done;
 }
 
 } // namespace
@@ -147,13 +174,20 @@ bool AppendFileC::Close() noexcept
     return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
-std::size_t AppendFileC::Append(const char* data, std::size_t count, std::uint64_t endBytes) noexcept
+// The kernel looks for a signal that kills between two pages of the file; the smallest pages of all machines
+// are taken, of which larger ones consist.
+std::size_t AppendFileC::StopsAtBytes() noexcept
+{
+    return 4096;
+}
+
+std::size_t AppendFileC::Append(std::span<const AppendPieceT> pieces, std::uint64_t endBytes) noexcept
 {
     const int fd = Descriptor(m_handle);
-    if (!m_limited) return WriteAll(fd, data, count, endBytes);
+    if (!m_limited) return WriteAll(fd, pieces, endBytes);
     const NoCancellation undisturbed;
     std::size_t done = 0;
-    WithoutWriteSignals([&] { done = WriteAll(fd, data, count, endBytes); });
+    WithoutWriteSignals([&] { done = WriteAll(fd, pieces, endBytes); });
     return done;
 }
 

@@ -71,15 +71,25 @@ bool AppendFileC::Close() noexcept
     return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
-std::size_t AppendFileC::Append(const char* data, std::size_t count, std::uint64_t) noexcept
+// A thread that is being ended leaves the kernel only when its call is done.
+std::size_t AppendFileC::StopsAtBytes() noexcept
+{
+    return 0;
+}
+
+std::size_t AppendFileC::Append(std::span<const AppendPieceT> pieces, std::uint64_t) noexcept
 {
     std::size_t done = 0;
-    while (done < count) {
-        OVERLAPPED end = At(0xFFFFFFFF, 0xFFFFFFFF); // both halves full: the end of the file at that moment
-        DWORD written = 0;
-        const auto part = static_cast<DWORD>(std::min(count - done, LARGEST_WRITE));
-        if (!WriteFile(Native(m_handle), data + done, part, &written, &end) || written == 0) break;
-        done += written;
+    for (const AppendPieceT& piece : pieces) {
+        for (std::size_t taken = 0; taken < piece.count;) {
+            OVERLAPPED end = At(0xFFFFFFFF, 0xFFFFFFFF); // both halves full: the end of the file at that moment
+            DWORD written = 0;
+            const auto part = static_cast<DWORD>(std::min(piece.count - taken, LARGEST_WRITE));
+            if (!WriteFile(Native(m_handle), piece.data + taken, part, &written, &end) || written == 0)
+                return done;
+            taken += written;
+            done += written;
+        }
     }
     return done;
 }
