@@ -10,7 +10,6 @@
 
 #include "Bss/Bss_Dbg/BSS_DBG_LogFileName.h"
 #include "Bss/Bss_Dbg/BSS_DBG_LogLine.h"
-#include "Bss/Bss_Dbg/BSS_DBG_LogPages.h"
 #include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 #include "Bss/Bss_Hal/BSS_HAL_Directories.h"
 #include "Bss/Bss_Hal/BSS_HAL_Path.h"
@@ -351,6 +350,12 @@ void DbgLogFileC::forgetWritten() noexcept
 
 bool DbgLogFileC::writeAlone()
 {
+    if (pending() <= room() && LogPagesC::CanStandAsItIs(pending(), m_sizeBytes, pageBytes())) {
+        const HAL::AppendPieceT piece{waiting().data(), pending()};
+        const std::size_t taken = m_file->Append({&piece, 1}, m_sizeBytes);
+        const std::size_t whole = WholeLines(waiting(), taken);
+        return settle(taken, {whole, whole}, piece.count, true);
+    }
     const LogPagesC pages(waiting(), m_sizeBytes, pageBytes(), room());
     return pages.textBytes() == pending() ? writePages(pages, true) : writeLocked();
 }
@@ -436,12 +441,16 @@ bool DbgLogFileC::writeCut(std::string_view line, bool ours)
     return true;
 }
 
-// If the system takes only a part of it, a line that was begun is taken back: always when nobody else may
-// write now, else when nobody has.
 bool DbgLogFileC::writePages(const LogPagesC& pages, bool ours)
 {
     const std::size_t taken = m_file->Append(pages.pieces(), m_sizeBytes);
-    const LogPagesC::ExtentT whole = pages.wholeLinesWithin(taken);
+    return settle(taken, pages.wholeLinesWithin(taken), pages.textBytes(), ours);
+}
+
+// After a write of that much text of which the system has taken `taken` bytes. If that is only a part of it,
+// a line that was begun is taken back: always when nobody else may write now, else when nobody has.
+bool DbgLogFileC::settle(std::size_t taken, const LogPagesC::ExtentT& whole, std::size_t textBytes, bool ours)
+{
     HAL::FileStatus status;
     if (whole.fileBytes < taken && m_file->GetStatus(status) && status.sizeBytes >= taken &&
         (ours || status.sizeBytes == m_sizeBytes + taken)) {
@@ -450,7 +459,7 @@ bool DbgLogFileC::writePages(const LogPagesC& pages, bool ours)
     }
     m_sizeBytes += whole.fileBytes;
     m_written += whole.textBytes;
-    return whole.textBytes == pages.textBytes();
+    return whole.textBytes == textBytes;
 }
 
 // Gives every file the next number. The current one is the last to be renamed, so whoever comes in between

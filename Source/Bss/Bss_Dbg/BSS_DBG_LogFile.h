@@ -18,6 +18,7 @@
 // what its parent has still to write. One thread at a time; knows nothing of prefixes or levels.
 #pragma once
 
+#include "Bss/Bss_Dbg/BSS_DBG_LogPages.h"
 #include "Bss/Bss_Hal/BSS_HAL_AppendFile.h"
 #include "Bss/Bss_Hal/BSS_HAL_Clock.h"
 
@@ -27,8 +28,6 @@
 #include <string_view>
 
 namespace BSS::DBG {
-
-class LogPagesC;
 
 class DbgLogFileC
 {
@@ -108,6 +107,7 @@ private:
     bool writeOnce(HAL::AppendLock lock);
     bool writeCut(std::string_view line, bool ours);
     bool writePages(const LogPagesC& pages, bool ours);
+    bool settle(std::size_t taken, const LogPagesC::ExtentT& whole, std::size_t textBytes, bool ours);
     bool rotate();
     void repairEnd(std::uint64_t sizeBytes);
 

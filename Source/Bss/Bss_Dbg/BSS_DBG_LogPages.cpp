@@ -72,7 +72,7 @@ LogPagesC::LogPagesC(std::string_view lines, std::uint64_t offsetBytes, std::siz
 
 std::size_t LogPagesC::leftOfPage() const noexcept
 {
-    return m_pageBytes - static_cast<std::size_t>((m_offsetBytes + m_fileBytes) % m_pageBytes);
+    return m_pageBytes - static_cast<std::size_t>((m_offsetBytes + m_fileBytes) & (m_pageBytes - 1));
 }
 
 // Whole lines of that much text; false if there is room for a part of it only, which is taken.

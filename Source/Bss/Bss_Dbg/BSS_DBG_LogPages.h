@@ -29,7 +29,7 @@ public:
     /// that length lie in one page even if each is written by itself.
     static constexpr std::size_t RESERVE_BYTES = 256;
 
-    /// The largest page; a larger one consists of these.
+    /// The largest page; a larger one consists of these. All are powers of two.
     static constexpr std::size_t MAX_PAGE_BYTES = 4096;
 
     static constexpr std::size_t MAX_PIECES = 320;
@@ -42,6 +42,12 @@ public:
               std::uint64_t mostBytes) noexcept;
     LogPagesC(const LogPagesC&) = delete;
     LogPagesC& operator=(const LogPagesC&) = delete;
+
+    /// Whether that much text can stand there as it is, if it ends in a line end.
+    static bool CanStandAsItIs(std::size_t textBytes, std::uint64_t offsetBytes, std::size_t pageBytes) noexcept
+    {
+        return pageBytes == 0 || textBytes + RESERVE_BYTES <= pageBytes - (offsetBytes & (pageBytes - 1));
+    }
 
     /// What is to be written, piece by piece.
     std::span<const HAL::AppendPieceT> pieces() const noexcept { return {m_pieces.data(), m_nPieces}; }

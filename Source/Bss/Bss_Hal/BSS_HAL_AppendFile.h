@@ -33,11 +33,11 @@ struct FileStatus
     bool removed = false; ///< no name leads to the file any more
 };
 
-/// A part of what is to be appended.
+/// A part of what is to be appended. Without initial values: rows of them are made for every write.
 struct AppendPieceT
 {
-    const char* data = nullptr;
-    std::size_t count = 0;
+    const char* data;
+    std::size_t count;
 };
 
 enum class AppendLock

@@ -95,15 +95,35 @@ bool HasSizeLimit() noexcept
     return ::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
 }
 
-// By the bare system call, which is no cancellation point, and at an offset, which saves the lock of the
+// By the bare system calls, which are no cancellation points, and at an offset, which saves the lock of the
 // file's position. A file that is open for appending takes no notice of the offset; one that has come to
-// stand in its place does until GetStatus finds it out, and is at least not hit at its start.
+// stand in its place does until GetStatus finds it out, and is at least not hit at its start. The system
+// takes the offset of several parts as two longs and puts them together; a single long may hold all of it.
 long WriteAtTheEnd(int fd, std::span<const struct iovec> parts, std::uint64_t end) noexcept
 {
-    // The system takes the offset as two longs and puts them together; a single long may hold all of it.
-    const auto low = static_cast<long>(end);
-    const auto high = static_cast<long>(end >> 32);
-    return ::syscall(SYS_pwritev, fd, parts.data(), static_cast<long>(parts.size()), low, high);
+    return ::syscall(SYS_pwritev, fd, parts.data(), static_cast<long>(parts.size()), static_cast<long>(end),
+                     static_cast<long>(end >> 32));
+}
+
+long WriteAtTheEnd(int fd, const char* data, std::size_t count, std::uint64_t end) noexcept
+{
+    if constexpr (sizeof(long) == sizeof end)
+        return ::syscall(SYS_pwrite64, fd, data, count, static_cast<long>(end));
+    return ::pwrite(fd, data, count, static_cast<off_t>(end));
+}
+
+// Calls until all of it is written, or the system takes no more.
+template<typename WriteT>
+std::size_t WriteAll(std::size_t count, WriteT&& writeFrom) noexcept
+{
+    std::size_t done = 0;
+    while (done < count) {
+        const long written = writeFrom(done);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) break;
+        done += static_cast<std::size_t>(written);
+    }
+    return done;
 }
 
 // What is left of the pieces behind that many bytes, as far as one call takes it.
@@ -130,15 +150,16 @@ private:
 
 std::size_t WriteAll(int fd, std::span<const AppendPieceT> pieces, std::uint64_t end) noexcept
 {
-    std::size_t done = 0;
-    for (;;) {
-        const LeftOver left(pieces, done);
-        if (left.Parts().empty()) return done;
-        const long written = WriteAtTheEnd(fd, left.Parts(), end + done);
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return done;
-        done += static_cast<std::size_t>(written);
-    }
+    if (pieces.size() == 1) // most of the time
+        return WriteAll(pieces[0].count, [&](std::size_t done) noexcept {
+            return WriteAtTheEnd(fd, pieces[0].data + done, pieces[0].count - done, end + done);
+        });
+    std::size_t count = 0;
+    for (const AppendPieceT& piece : pieces)
+        count += piece.count;
+    return WriteAll(count, [&](std::size_t done) noexcept {
+        return WriteAtTheEnd(fd, LeftOver(pieces, done).Parts(), end + done);
+    });
 }
 
 } // namespace
