@@ -3,6 +3,7 @@
 //
 // Where the thread of a command task is not ended by force: inside what no later run of the task replaces. In
 // a child process, as a forced end that came after all would leave it in no good state.
+#include "Bss/Bss_Hal/BSS_HAL_Tick.h"
 #include "CommandTaskFixture.h"
 
 #include <cstdio>
@@ -30,7 +31,9 @@ public:
             const GuardC held(task->getCore().settingsLock);
             task->start();
             bool bThere = Support::Eventually([&] { return task->timeouts.load() > 0; });
-            for (int i = 0; i < 10000; ++i)
+            // From there to the lock; a yield takes its time where others want the processor.
+            const std::int64_t end = BSS::HAL::TickMicroseconds() + 500'000;
+            for (int i = 0; i < 10000 && BSS::HAL::TickMicroseconds() < end; ++i)
                 std::this_thread::yield();
             bThere = bThere && task->timeouts.load() == 1;
             task->kill();
