@@ -231,6 +231,16 @@ TEST_F(LogFilePosix, CloseThatTheSystemRefusesIsToldWithTheNextLine)
     EXPECT_EQ(Support::ReadAll(m_directory.Narrow("other/a.txt")), "two\nthree\n");
 }
 
+TEST_F(LogFilePosix, CloseThatTheSystemRefusesIsToldByAFlushThatHasNothingToWrite)
+{
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("one\n", {1000, 0}));
+    CloseBehindItsOwner(Path("a.txt"));
+    BSS::OS::SetLogDirectory(m_directory.Wide("other"));
+    EXPECT_FALSE(file.flush());
+    EXPECT_TRUE(file.flush()) << "told once";
+}
+
 TEST_F(LogFilePosix, LinesThatCannotBeWrittenWhenTheConsumerEndsAreToldOf)
 {
     const Support::DebugOutputCapture debug;

@@ -121,7 +121,8 @@ TEST(LogPages, FirstLineHasNoneBeforeItThatCouldBeFilledUp)
 TEST(LogPages, EmptyLinesAreFilledUpToo)
 {
     const std::string lines = "\n" + Line(1000);
-    EXPECT_EQ(Written(LogPagesC(lines, PAGE - 500, PAGE, NO_LIMIT)), std::string(499, ' ') + "\n" + Line(1000));
+    EXPECT_EQ(Written(LogPagesC(lines, PAGE - 500, PAGE, NO_LIMIT)),
+              std::string(499, ' ') + "\n" + Line(1000));
 }
 
 TEST(LogPages, WithoutPagesNothingIsFilledUp)
@@ -142,8 +143,8 @@ TEST(LogPages, LimitCountsWhatIsFilledUp)
 {
     const std::string lines = Repeated(Line(1000), 5);
     EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, 5096)).size(), 5096u);
-    EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, 5095)), Repeated(Line(1000), 3) + std::string(999, 'x') +
-                                                            std::string(96, ' ') + "\n");
+    EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, 5095)),
+              Repeated(Line(1000), 3) + std::string(999, 'x') + std::string(96, ' ') + "\n");
     EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, 4095)), Repeated(Line(1000), 4));
     EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, 999)), "");
     EXPECT_EQ(Written(LogPagesC(Line(4000), 0, PAGE, 4095)), Line(4000));
@@ -192,7 +193,8 @@ TEST(LogPages, NoLineOfUpToAPageGoesOnInTheNextAndNoTextIsChanged)
         ASSERT_EQ(written.size(), pages.fileBytes());
         ASSERT_LE(written.size(), most);
         ASSERT_EQ(WithoutFilling(written), lines.substr(0, pages.textBytes()));
-        for (std::size_t at = PAGE - static_cast<std::size_t>(offset % PAGE); at < written.size(); at += PAGE) {
+        for (std::size_t at = PAGE - static_cast<std::size_t>(offset % PAGE); at < written.size();
+             at += PAGE) {
             const bool first = written.find('\n') + 1 > at;
             ASSERT_TRUE(first || written[at - 1] == '\n') << round;
             const LogPagesC::ExtentT whole = pages.wholeLinesWithin(at);
@@ -207,7 +209,8 @@ TEST(LogPages, UsualLinesWrittenOneByOneDoNotGoOnInTheNextPage)
     std::mt19937 random(7);
     std::string file;
     for (int i = 0; i < 5000; ++i)
-        file += Written(LogPagesC(Line(1 + random() % LogPagesC::RESERVE_BYTES), file.size(), PAGE, NO_LIMIT));
+        file +=
+            Written(LogPagesC(Line(1 + random() % LogPagesC::RESERVE_BYTES), file.size(), PAGE, NO_LIMIT));
     for (std::size_t at = PAGE; at < file.size(); at += PAGE)
         ASSERT_EQ(file[at - 1], '\n') << at;
 }

@@ -338,7 +338,7 @@ std::uint64_t DbgLogFileC::room() const noexcept
 
 std::size_t DbgLogFileC::pageBytes() const noexcept
 {
-    return m_bFilling ? HAL::AppendFileC::StopsAtBytes() : 0;
+    return m_bFilling ? HAL::AppendFileC::STOPS_AT_BYTES : 0;
 }
 
 void DbgLogFileC::forgetWritten() noexcept

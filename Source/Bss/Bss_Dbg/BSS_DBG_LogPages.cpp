@@ -67,7 +67,8 @@ LogPagesC::LogPagesC(std::string_view lines, std::uint64_t offsetBytes, std::siz
     }
     const std::size_t left = leftOfPage();
     const bool ended = m_textBytes > 0 && lines[m_textBytes - 1] == '\n';
-    if (ended && left < RESERVE_BYTES && m_nPieces < MAX_PIECES && mostBytes >= m_fileBytes + left) fill(left);
+    if (ended && left < RESERVE_BYTES && m_nPieces < MAX_PIECES && mostBytes >= m_fileBytes + left)
+        fill(left);
 }
 
 std::size_t LogPagesC::leftOfPage() const noexcept
@@ -108,7 +109,8 @@ LogPagesC::ExtentT LogPagesC::wholeLinesWithin(std::size_t fileBytes) const noex
     ExtentT before; // the pieces before this one
     for (const HAL::AppendPieceT& piece : pieces()) {
         const std::size_t count = std::min(piece.count, fileBytes - before.fileBytes);
-        const bool filling = piece.data + piece.count == SPACES_AND_END.bytes.data() + SPACES_AND_END.bytes.size();
+        const bool filling =
+            piece.data + piece.count == SPACES_AND_END.bytes.data() + SPACES_AND_END.bytes.size();
         const std::size_t end = EndOfLastLine(std::string_view(piece.data, count));
         if (end > 0) whole = {before.textBytes + (filling ? 1 : end), before.fileBytes + end};
         before.textBytes += filling ? 1 : count;

@@ -44,7 +44,8 @@ public:
     LogPagesC& operator=(const LogPagesC&) = delete;
 
     /// Whether that much text can stand there as it is, if it ends in a line end.
-    static bool CanStandAsItIs(std::size_t textBytes, std::uint64_t offsetBytes, std::size_t pageBytes) noexcept
+    static bool CanStandAsItIs(std::size_t textBytes, std::uint64_t offsetBytes,
+                               std::size_t pageBytes) noexcept
     {
         return pageBytes == 0 || textBytes + RESERVE_BYTES <= pageBytes - (offsetBytes & (pageBytes - 1));
     }

@@ -64,10 +64,11 @@ public:
     [[nodiscard]] bool Close() noexcept;
 
     /// Where the system may stop an append when it kills the process: in the file, at multiples of this many
-    /// bytes. 0: it carries out what it has begun.
-    static std::size_t StopsAtBytes() noexcept;
+    /// bytes. Linux looks for a signal that kills between two pages of the file, the smallest of which have
+    /// this size; what Windows does is not documented.
+    static constexpr std::size_t STOPS_AT_BYTES = 4096;
 
-    /// Appends the pieces one behind the other and returns how many bytes were taken: fewer than there are
+    /// Appends the pieces one behind the other, as if they were one, and returns how many bytes were taken: fewer than there are
     /// when the device is full, or the file as large as the process may make files; no signal comes of that
     /// if the process had its limit when the file was opened or GetStatus was last called. `endBytes` is
     /// where the file ends as far as the caller knows; the system knows better.

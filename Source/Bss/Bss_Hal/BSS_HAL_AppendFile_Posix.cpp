@@ -195,13 +195,6 @@ bool AppendFileC::Close() noexcept
     return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
-// The kernel looks for a signal that kills between two pages of the file; the smallest pages of all machines
-// are taken, of which larger ones consist.
-std::size_t AppendFileC::StopsAtBytes() noexcept
-{
-    return 4096;
-}
-
 std::size_t AppendFileC::Append(std::span<const AppendPieceT> pieces, std::uint64_t endBytes) noexcept
 {
     const int fd = Descriptor(m_handle);

@@ -44,6 +44,19 @@ bool IdentityOf(HANDLE handle, FileIdentity& identity) noexcept
     return true;
 }
 
+std::size_t WriteAll(HANDLE handle, const AppendPieceT& piece) noexcept
+{
+    std::size_t done = 0;
+    while (done < piece.count) {
+        OVERLAPPED end = At(0xFFFFFFFF, 0xFFFFFFFF); // both halves full: the end of the file at that moment
+        DWORD written = 0;
+        const auto part = static_cast<DWORD>(std::min(piece.count - done, LARGEST_WRITE));
+        if (!WriteFile(handle, piece.data + done, part, &written, &end) || written == 0) break;
+        done += written;
+    }
+    return done;
+}
+
 } // namespace
 
 std::unique_ptr<AppendFileC> AppendFileC::Open(const std::wstring& path)
@@ -71,27 +84,19 @@ bool AppendFileC::Close() noexcept
     return handle == NO_HANDLE || CloseNativeHandle(handle);
 }
 
-// A thread that is being ended leaves the kernel only when its call is done.
-std::size_t AppendFileC::StopsAtBytes() noexcept
-{
-    return 0;
-}
-
 std::size_t AppendFileC::Append(std::span<const AppendPieceT> pieces, std::uint64_t) noexcept
 {
-    std::size_t done = 0;
-    for (const AppendPieceT& piece : pieces) {
-        for (std::size_t taken = 0; taken < piece.count;) {
-            OVERLAPPED end = At(0xFFFFFFFF, 0xFFFFFFFF); // both halves full: the end of the file at that moment
-            DWORD written = 0;
-            const auto part = static_cast<DWORD>(std::min(piece.count - taken, LARGEST_WRITE));
-            if (!WriteFile(Native(m_handle), piece.data + taken, part, &written, &end) || written == 0)
-                return done;
-            taken += written;
-            done += written;
-        }
-    }
-    return done;
+    if (pieces.size() == 1) return WriteAll(Native(m_handle), pieces.front());
+    // In one piece, or the process could end between two of them.
+    std::size_t count = 0;
+    for (const AppendPieceT& piece : pieces)
+        count += piece.count;
+    const std::unique_ptr<char[]> whole(new (std::nothrow) char[count]);
+    if (whole == nullptr) return 0;
+    char* end = whole.get();
+    for (const AppendPieceT& piece : pieces)
+        end = std::copy_n(piece.data, piece.count, end);
+    return WriteAll(Native(m_handle), {whole.get(), count});
 }
 
 bool AppendFileC::GetStatus(FileStatus& status) const noexcept

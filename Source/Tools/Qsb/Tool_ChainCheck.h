@@ -2,9 +2,10 @@
 // Copyright (c) 2026 The ScanReader developers
 //
 // Walks the chain of blocks of a file that may be damaged, as far as it can be followed. It ends with success
-// exactly where the reader's own walk does; where the reader gives up it says why, and keeps what there is.
-// Sizes that the file states are compared with what it holds before anything is allocated. Knows the chain,
-// not what is in the blocks.
+// where the reader's own walk does; where the reader gives up it says why, and keeps what there is. Only just
+// at the limit of memory the two may differ, as how well blocks are packed depends on how many of them are
+// shown at once. Sizes that the file states are compared with what it holds before anything is allocated.
+// Knows the chain, not what is in the blocks.
 #pragma once
 
 #include "Sio/Sio_QsbBlockList.h"
