@@ -285,7 +285,7 @@ TEST_F(LogFile, BeginningOfALineThatADeadWriterLeftIsRemoved)
 TEST_F(LogFile, LongTextWithoutALineEndThatIsNotOursIsEndedAndKept)
 {
     boost::filesystem::create_directories(m_directory.Path() / "log");
-    const std::string strange(20000, 's');
+    const std::string strange(30000, 's');
     Support::WriteAll(Path("a.txt"), strange);
     DbgLogFileC file(L"a.txt", 0);
     EXPECT_TRUE(file.append("next\n"));

@@ -76,12 +76,46 @@ TEST(LogPages, LineThatEndsWithItsPageIsNotFilledUp)
 
 TEST(LogPages, LastLineIsFilledUpWhereAUsualOneHasNoRoomBehindIt)
 {
-    const std::string lines = Line(PAGE - LogPagesC::RESERVE_BYTES + 1);
-    const LogPagesC pages(lines, 0, PAGE, NO_LIMIT);
-    EXPECT_EQ(pages.fileBytes(), PAGE);
-    EXPECT_EQ(pages.textBytes(), lines.size());
-    const std::string shorter = Line(PAGE - LogPagesC::RESERVE_BYTES);
-    EXPECT_EQ(Written(LogPagesC(shorter, 0, PAGE, NO_LIMIT)), shorter);
+    const std::string lines = Repeated(Line(160), 24); // 256 bytes are left
+    EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, NO_LIMIT)), lines);
+    const LogPagesC filled(lines, 1, PAGE, NO_LIMIT);
+    EXPECT_EQ(filled.fileBytes(), PAGE - 1);
+    EXPECT_EQ(filled.textBytes(), lines.size());
+}
+
+TEST(LogPages, LastLineIsFilledUpWhereOneAsLongAsItHasNoRoomBehindIt)
+{
+    EXPECT_EQ(LogPagesC(Line(1000), PAGE - 2000, PAGE, NO_LIMIT).fileBytes(), 1000u);
+    EXPECT_EQ(LogPagesC(Line(1000), PAGE - 1999, PAGE, NO_LIMIT).fileBytes(), 1999u);
+}
+
+TEST(LogPages, LastLineIsFilledUpWhereOneAsLongAsTheLongestAtTheEndOfAPageHasNoRoomBehindIt)
+{
+    const std::string lines = Repeated(Line(1000), 5) + Repeated(Line(100), 21); // 996 bytes are left
+    EXPECT_EQ(LogPagesC(lines, 0, PAGE, NO_LIMIT).fileBytes(), 2 * PAGE);
+    EXPECT_EQ(LogPagesC(lines.substr(0, lines.size() - 100), 0, PAGE, NO_LIMIT).fileBytes(), 2 * PAGE - 1096);
+}
+
+TEST(LogPages, LineLongerThanAPageDoesNotSayHowLongUsualLinesAre)
+{
+    const std::string lines = Line(PAGE + 1000);
+    EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, NO_LIMIT)), lines);
+}
+
+TEST(LogPages, WhatIsSureToStandAsItIsIsNotFilledUp)
+{
+    for (const std::size_t length : {1u, 50u, 300u, 1000u}) {
+        for (std::size_t offset = 0; offset <= PAGE; ++offset) {
+            const std::string lines = Repeated(Line(length), 3);
+            const LogPagesC pages(lines, offset, PAGE, NO_LIMIT);
+            if (LogPagesC::CanStandAsItIs(lines.size(), offset, PAGE)) {
+                ASSERT_EQ(pages.fileBytes(), lines.size()) << length << " at " << offset;
+            }
+        }
+    }
+    EXPECT_TRUE(LogPagesC::CanStandAsItIs(1, PAGE - 257, PAGE));
+    EXPECT_FALSE(LogPagesC::CanStandAsItIs(1, PAGE - 256, PAGE));
+    EXPECT_TRUE(LogPagesC::CanStandAsItIs(PAGE, 1, 0));
 }
 
 TEST(LogPages, TextThatEndsWithoutALineEndIsNotFilledUp)
@@ -100,9 +134,9 @@ TEST(LogPages, LineLongerThanAPageBeginsWhereItIs)
 
 TEST(LogPages, LineAsLongAsAPageHasOneOfItsOwn)
 {
-    const std::string lines = Line(100) + Line(PAGE, 'y') + Line(100);
+    const std::string lines = Line(100) + Line(PAGE, 'y');
     EXPECT_EQ(Written(LogPagesC(lines, 0, PAGE, NO_LIMIT)),
-              std::string(99, 'x') + std::string(PAGE - 100, ' ') + "\n" + Line(PAGE, 'y') + Line(100));
+              std::string(99, 'x') + std::string(PAGE - 100, ' ') + "\n" + Line(PAGE, 'y'));
 }
 
 TEST(LogPages, LineBehindALongOneBeginsInTheNextPageTheLongOneIsFilledUp)
@@ -170,12 +204,49 @@ TEST(LogPages, WhatTheSystemTookOfThemIsCountedInWholeLines)
     expect(5096, 5000, 5096);
 }
 
+TEST(LogPages, WhateverTheSystemTookIsCountedInWholeLines)
+{
+    std::mt19937 random(11);
+    for (int round = 0; round < 60; ++round) {
+        const std::size_t longest = round % 4 == 0 ? 6000 : 400;
+        std::string lines;
+        while (lines.size() < 12000)
+            lines += Line(1 + random() % longest);
+        const LogPagesC pages(lines, random() % PAGE, PAGE, NO_LIMIT);
+        const std::string written = Written(pages);
+        LogPagesC::ExtentT expected;
+        for (std::size_t taken = 0; taken <= written.size(); ++taken) {
+            if (taken > 0 && written[taken - 1] == '\n')
+                expected = {lines.find('\n', expected.textBytes) + 1, taken};
+            const LogPagesC::ExtentT whole = pages.wholeLinesWithin(taken);
+            ASSERT_EQ(whole.textBytes, expected.textBytes) << taken;
+            ASSERT_EQ(whole.fileBytes, expected.fileBytes) << taken;
+        }
+    }
+}
+
 TEST(LogPages, AFullBufferIsLaidOutAtOnceWhateverTheLengthOfItsLines)
 {
     for (std::size_t length = 1; length <= 3 * PAGE; length += length < 100 ? 1 : 37) {
         const std::string lines = Repeated(Line(length), BSS::DBG::DbgLogFileC::BUFFER_BYTES / length);
         EXPECT_EQ(LogPagesC(lines, 77, PAGE, NO_LIMIT).textBytes(), lines.size()) << length;
     }
+}
+
+TEST(LogPages, MoreThanFitsIsLaidOutInTurns)
+{
+    const std::string lines = Repeated(Line(2100), 500);
+    const LogPagesC first(lines, 0, PAGE, NO_LIMIT);
+    EXPECT_LE(first.pieces().size(), LogPagesC::MAX_PIECES);
+    EXPECT_LT(first.textBytes(), lines.size());
+    std::string written;
+    for (std::size_t done = 0; done < lines.size();) {
+        const LogPagesC pages(std::string_view(lines).substr(done), written.size(), PAGE, NO_LIMIT);
+        written += Written(pages);
+        done += pages.textBytes();
+    }
+    EXPECT_TRUE(WithoutFilling(written) == lines);
+    EXPECT_TRUE(Support::PagesEndWithLines(written));
 }
 
 TEST(LogPages, NoLineOfUpToAPageGoesOnInTheNextAndNoTextIsChanged)
@@ -210,9 +281,20 @@ TEST(LogPages, UsualLinesWrittenOneByOneDoNotGoOnInTheNextPage)
     std::string file;
     for (int i = 0; i < 5000; ++i)
         file +=
-            Written(LogPagesC(Line(1 + random() % LogPagesC::RESERVE_BYTES), file.size(), PAGE, NO_LIMIT));
-    for (std::size_t at = PAGE; at < file.size(); at += PAGE)
-        ASSERT_EQ(file[at - 1], '\n') << at;
+            Written(LogPagesC(Line(1 + random() % LogPagesC::USUAL_LINE_BYTES), file.size(), PAGE, NO_LIMIT));
+    EXPECT_TRUE(Support::PagesEndWithLines(file));
+}
+
+TEST(LogPages, LinesOfOneLengthDoNotGoOnInTheNextPageHoweverManyAreWrittenAtOnce)
+{
+    for (const std::size_t length : {1u, 255u, 256u, 257u, 400u, 1000u, 1365u, 2048u, 2049u, 4095u, 4096u}) {
+        for (const std::size_t count : {1u, 2u, 7u, 63u}) {
+            std::string file;
+            for (int i = 0; i < 200; ++i)
+                file += Written(LogPagesC(Repeated(Line(length), count), file.size(), PAGE, NO_LIMIT));
+            EXPECT_TRUE(Support::PagesEndWithLines(file)) << count << " lines of " << length;
+        }
+    }
 }
 
 } // namespace

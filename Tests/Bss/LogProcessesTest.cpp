@@ -50,6 +50,7 @@ protected:
             if (entry.path().filename().string().rfind("shared", 0) != 0) continue;
             const std::string text = Support::ReadAll(entry.path().string());
             EXPECT_LE(text.size(), largest) << entry.path();
+            EXPECT_TRUE(Support::PagesEndWithLines(text)) << entry.path();
             for (const std::string& line : LinesOf(text))
                 all.push_back(line);
         }
@@ -113,7 +114,12 @@ TEST_F(LogProcesses, ProcessThatIsKilledLeavesWholeLinesAndAllThatWereFlushed)
         EXPECT_GT(flushed, 0);
         EXPECT_GE(count, flushed);
         EXPECT_EQ(NumbersOf(LinesOf(left), "k"), UpTo(count));
+        ASSERT_FALSE(left.empty());
         EXPECT_EQ(left.back(), '\n');
+        // Whoever opens the file next takes nothing away.
+        DbgLogFileC next(L"killed.txt", 0);
+        ASSERT_TRUE(next.append("next\n"));
+        EXPECT_EQ(Support::WithoutFilling(Bytes("killed.txt")), Support::WithoutFilling(left) + "next\n");
     }
 }
 

@@ -31,6 +31,7 @@ constexpr long PAGE = 4096;
 struct StepsT
 {
     int interruptions = 0;        ///< so many of them find a signal waiting
+    bool singleOnly = false;      ///< the call that gathers pieces is forbidden
     std::size_t bytes = NO_LIMIT; ///< that one call takes at most
     long endAt = -1;              ///< the process ends when the file has so many bytes
     int writes = 0;
@@ -81,6 +82,10 @@ extern "C" long __wrap_syscall(long number, ...)
         value = va_arg(arguments, long);
     va_end(arguments);
     const int fd = static_cast<int>(values[0]);
+    if (number == SYS_pwritev && s_steps.singleOnly) {
+        errno = EPERM;
+        return -1;
+    }
     if (number == SYS_pwritev)
         return Write(fd, reinterpret_cast<const struct iovec*>(values[1]), values[2], values[3]);
     if (number == SYS_pwrite64) {
@@ -134,10 +139,43 @@ TEST_F(LogWriteSteps, WritesThatTakeAPartOnlyAreContinuedWhereTheyEnded)
         const std::string text = Bytes("a.txt");
         EXPECT_TRUE(Support::WithoutFilling(text) == lines) << bytes;
         EXPECT_GE(s_steps.writes, static_cast<int>(text.size() / bytes)) << bytes;
-        for (std::size_t at = PAGE; at <= text.size(); at += PAGE)
-            EXPECT_EQ(text[at - 1], '\n') << at;
+        EXPECT_TRUE(Support::PagesEndWithLines(text)) << bytes;
         TakeAway();
     }
+}
+
+TEST_F(LogWriteSteps, WhereNoPiecesMayBeGatheredTheyAreWrittenOneByOne)
+{
+    s_steps = {.singleOnly = true};
+    const std::string lines = ManyLines();
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append(lines, {1000, 0}) && file.flush());
+    EXPECT_TRUE(Support::WithoutFilling(Bytes("a.txt")) == lines);
+}
+
+TEST_F(LogWriteSteps, AFullBufferIsWrittenInOneCall)
+{
+    const std::string line = std::string(2060, 'x') + "\n"; // a page for each, and so two pieces
+    std::string lines;
+    while (lines.size() + line.size() <= DbgLogFileC::BUFFER_BYTES)
+        lines += line;
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("first\n", {1000, 0}));
+    s_steps = {};
+    EXPECT_TRUE(file.append(lines, {1000, 0}) && file.handOver());
+    EXPECT_EQ(s_steps.writes, 1);
+}
+
+TEST_F(LogWriteSteps, LinesThatAreHandedOverOneByOneEndWithThePages)
+{
+    const std::string lines = ManyLines();
+    DbgLogFileC file(L"a.txt", 0);
+    for (const std::string& line : Support::LinesOf(lines))
+        EXPECT_TRUE(file.append(line + "\n", {1000, 0}) && file.handOver());
+    const std::string text = Bytes("a.txt");
+    EXPECT_TRUE(Support::PagesEndWithLines(text));
+    EXPECT_TRUE(Support::WithoutFilling(text) == lines);
+    EXPECT_GE(s_steps.writes, 2000);
 }
 
 // Wherever the system may stop a write.

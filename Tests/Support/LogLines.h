@@ -52,6 +52,15 @@ inline std::string WithoutFilling(const std::string& text)
     return result;
 }
 
+/// Whether lines end where each page of the file does.
+inline bool PagesEndWithLines(const std::string& file)
+{
+    constexpr std::size_t PAGE = 4096;
+    for (std::size_t at = PAGE; at <= file.size(); at += PAGE)
+        if (file[at - 1] != '\n') return false;
+    return true;
+}
+
 /// The lines of a log file, without what they are filled up with. A last one without its end counts as a
 /// line too.
 inline std::vector<std::string> LinesOf(const std::string& file)

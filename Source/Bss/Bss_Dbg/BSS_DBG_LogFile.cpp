@@ -37,7 +37,7 @@ constexpr std::uint64_t SHARED_FOR_MS = 1000; // how long others are expected ba
 constexpr int MAX_WAIT_FOR_SOLE_USER_MS = 50;
 constexpr auto PATIENCE = std::chrono::seconds(1);
 constexpr std::uint64_t NO_LIMIT = std::numeric_limits<std::uint64_t>::max();
-constexpr std::size_t LONGEST_FRAGMENT = 16384; // what we may have left behind; no line is longer
+constexpr std::size_t LONGEST_FRAGMENT = 16384 + LogPagesC::MAX_PAGE_BYTES; // a line, and what fills it up
 
 constexpr std::string_view CUT_MARK = " (cut)\n";
 
@@ -455,7 +455,7 @@ bool DbgLogFileC::settle(std::size_t taken, const LogPagesC::ExtentT& whole, std
     if (whole.fileBytes < taken && m_file->GetStatus(status) && status.sizeBytes >= taken &&
         (ours || status.sizeBytes == m_sizeBytes + taken)) {
         m_sizeBytes = status.sizeBytes - taken; // somebody may have emptied the file to make room
-        static_cast<void>(m_file->Truncate(m_sizeBytes + whole.fileBytes));
+        if (!m_file->Truncate(m_sizeBytes + whole.fileBytes)) m_verifiedMs = 0; // to be looked at before long
     }
     m_sizeBytes += whole.fileBytes;
     m_written += whole.textBytes;

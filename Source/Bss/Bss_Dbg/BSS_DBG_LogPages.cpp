@@ -8,17 +8,26 @@ namespace BSS::DBG {
 
 namespace {
 
-// The spaces of the longest line that is filled up, and its end.
-struct SpacesAndEndT
+// The spaces that a line may need, its end, and a byte more, so that no text can stand right behind it.
+struct FillingT
 {
-    std::array<char, LogPagesC::MAX_PAGE_BYTES + 1> bytes;
-    constexpr SpacesAndEndT() : bytes()
+    std::array<char, LogPagesC::MAX_PAGE_BYTES + 2> bytes;
+    constexpr FillingT() : bytes()
     {
         bytes.fill(' ');
-        bytes.back() = '\n';
+        bytes[LogPagesC::MAX_PAGE_BYTES] = '\n';
     }
+    constexpr const char* End() const noexcept { return bytes.data() + LogPagesC::MAX_PAGE_BYTES + 1; }
 };
-constexpr SpacesAndEndT SPACES_AND_END;
+constexpr FillingT FILLING;
+
+// Has the system load the pages of memory that the piece lies in: it would stop the write there to do so, and
+// look for a signal that kills.
+void Touch(const HAL::AppendPieceT& piece) noexcept
+{
+    static_cast<void>(*static_cast<const volatile char*>(piece.data));
+    static_cast<void>(*static_cast<const volatile char*>(piece.data + piece.count - 1));
+}
 
 // Behind the last line end, 0 if there is none.
 std::size_t EndOfLastLine(std::string_view text) noexcept
@@ -43,6 +52,10 @@ LogPagesC::LogPagesC(std::string_view lines, std::uint64_t offsetBytes, std::siz
         static_cast<void>(take(lines.size(), mostBytes));
         return;
     }
+    std::size_t longest = USUAL_LINE_BYTES; // of those at the ends of pages, unless it is longer than a page
+    const auto note = [&](std::size_t lineBytes) {
+        if (lineBytes <= m_pageBytes) longest = std::max(longest, lineBytes);
+    };
     // A turn for each page begins where a line begins, or goes on that is longer than a page. It adds two
     // pieces at most.
     while (m_textBytes < lines.size() && m_nPieces + 2 <= MAX_PIECES) {
@@ -56,6 +69,7 @@ LogPagesC::LogPagesC(std::string_view lines, std::uint64_t offsetBytes, std::siz
         if (!take(here, mostBytes)) break;
         if (here == left) continue;
         const std::size_t next = EndOfLine(rest, left) - here; // the length of the line that has no room
+        note(next);
         const std::size_t filling = left - here;
         if (m_textBytes == 0 || next > m_pageBytes) {
             if (!take(next, mostBytes)) break;
@@ -65,10 +79,11 @@ LogPagesC::LogPagesC(std::string_view lines, std::uint64_t offsetBytes, std::siz
             fill(filling);
         }
     }
+    const std::string_view taken = lines.substr(0, m_textBytes);
+    if (taken.empty() || taken.back() != '\n' || m_nPieces == MAX_PIECES) return;
+    note(taken.size() - EndOfLastLine(taken.substr(0, taken.size() - 1)));
     const std::size_t left = leftOfPage();
-    const bool ended = m_textBytes > 0 && lines[m_textBytes - 1] == '\n';
-    if (ended && left < RESERVE_BYTES && m_nPieces < MAX_PIECES && mostBytes >= m_fileBytes + left)
-        fill(left);
+    if (left < std::min(longest, m_pageBytes) && mostBytes >= m_fileBytes + left) fill(left);
 }
 
 std::size_t LogPagesC::leftOfPage() const noexcept
@@ -99,7 +114,9 @@ bool LogPagesC::take(std::size_t textBytes, std::uint64_t mostBytes) noexcept
 void LogPagesC::fill(std::size_t bytes) noexcept
 {
     --m_pieces[m_nPieces - 1].count;
-    m_pieces[m_nPieces++] = {SPACES_AND_END.bytes.data() + MAX_PAGE_BYTES - bytes, bytes + 1};
+    const HAL::AppendPieceT filling{FILLING.End() - bytes - 1, bytes + 1};
+    Touch(filling);
+    m_pieces[m_nPieces++] = filling;
     m_fileBytes += bytes;
 }
 
@@ -109,8 +126,7 @@ LogPagesC::ExtentT LogPagesC::wholeLinesWithin(std::size_t fileBytes) const noex
     ExtentT before; // the pieces before this one
     for (const HAL::AppendPieceT& piece : pieces()) {
         const std::size_t count = std::min(piece.count, fileBytes - before.fileBytes);
-        const bool filling =
-            piece.data + piece.count == SPACES_AND_END.bytes.data() + SPACES_AND_END.bytes.size();
+        const bool filling = piece.data + piece.count == FILLING.End();
         const std::size_t end = EndOfLastLine(std::string_view(piece.data, count));
         if (end > 0) whole = {before.textBytes + (filling ? 1 : end), before.fileBytes + end};
         before.textBytes += filling ? 1 : count;

@@ -14,6 +14,7 @@
 
 #include "Bss/Bss_Hal/BSS_HAL_AppendFile.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -25,29 +26,31 @@ namespace BSS::DBG {
 class LogPagesC
 {
 public:
-    /// The last of the lines is filled up too if fewer bytes than that are left of its page: lines of up to
-    /// that length lie in one page even if each is written by itself.
-    static constexpr std::size_t RESERVE_BYTES = 256;
+    /// The last of the lines is filled up too if a usual one has no room behind it in its page: one of so
+    /// many bytes, or as long as the longest of those at the ends of pages.
+    static constexpr std::size_t USUAL_LINE_BYTES = 256;
 
     /// The largest page; a larger one consists of these. All are powers of two.
     static constexpr std::size_t MAX_PAGE_BYTES = 4096;
 
-    static constexpr std::size_t MAX_PIECES = 320;
+    static constexpr std::size_t MAX_PIECES = HAL::AppendFileC::MOST_PIECES;
 
     /// Whole lines that are to stand from `offsetBytes` on and to take `mostBytes` at most; lines that have
     /// no room are left out. A page of 0 bytes: writes are not stopped, nothing is filled up. A line that is
     /// longer than a page, and one that is the first and longer than what is left of its page, go on in the
-    /// next. What the lines end in need not be a line end. Keeps the view.
+    /// next. The last line need not have its end. Keeps the view.
     LogPagesC(std::string_view lines, std::uint64_t offsetBytes, std::size_t pageBytes,
               std::uint64_t mostBytes) noexcept;
     LogPagesC(const LogPagesC&) = delete;
     LogPagesC& operator=(const LogPagesC&) = delete;
 
-    /// Whether that much text can stand there as it is, if it ends in a line end.
+    /// Whether that much text is sure to stand there as it is.
     static bool CanStandAsItIs(std::size_t textBytes, std::uint64_t offsetBytes,
                                std::size_t pageBytes) noexcept
     {
-        return pageBytes == 0 || textBytes + RESERVE_BYTES <= pageBytes - (offsetBytes & (pageBytes - 1));
+        if (pageBytes == 0) return true;
+        return textBytes + std::max(textBytes, USUAL_LINE_BYTES) <=
+               pageBytes - (offsetBytes & (pageBytes - 1));
     }
 
     /// What is to be written, piece by piece.

@@ -68,10 +68,13 @@ public:
     /// this size; what Windows does is not documented.
     static constexpr std::size_t STOPS_AT_BYTES = 4096;
 
-    /// Appends the pieces one behind the other, as if they were one, and returns how many bytes were taken: fewer than there are
-    /// when the device is full, or the file as large as the process may make files; no signal comes of that
-    /// if the process had its limit when the file was opened or GetStatus was last called. `endBytes` is
-    /// where the file ends as far as the caller knows; the system knows better.
+    /// So many pieces go to the system in one call.
+    static constexpr std::size_t MOST_PIECES = 320;
+
+    /// Appends the pieces one behind the other, as if they were one, and returns how many bytes were taken:
+    /// fewer than there are when the device is full, or the file as large as the process may make files; no
+    /// signal comes of that if the process had its limit when the file was opened or GetStatus was last
+    /// called. `endBytes` is where the file ends as far as the caller knows; the system knows better.
     std::size_t Append(std::span<const AppendPieceT> pieces, std::uint64_t endBytes) noexcept;
 
     /// Size, and whether the file still has a name. False when the system does not tell, or it is another
