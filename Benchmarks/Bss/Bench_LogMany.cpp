@@ -48,6 +48,7 @@ unsigned long long CheckLines(const std::string& strPath)
     std::array<unsigned, s_uiThreads> next = {};
     unsigned long long ullSum = 0;
     for (std::string line; std::getline(file, line);) {
+        line.resize(line.find_last_not_of(' ') + 1); // what the last line of a page is filled up with
         const std::size_t nBegin = line.find(" INFO thread ");
         unsigned uiWho = 0;
         unsigned uiLine = 0;
