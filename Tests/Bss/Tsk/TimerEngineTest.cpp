@@ -481,14 +481,18 @@ TEST_F(TimerTest, AnEngineThatNeverCatchesUpLetsOthersKillTheTimer)
         ++calls;
     };
     Start();
+    int whileKilling = 0;
     for (int round = 0; round < 5; ++round) {
         const std::uint32_t id = Set(10, 1, TIMER_PERIODIC, 0);
         const int before = calls.load();
         EXPECT_TRUE(Support::Eventually([&] { return calls.load() > before + 5; }));
         const int seen = calls.load();
         EXPECT_EQ(engine.killTimer(id), BSS::RC_OK);
-        EXPECT_LT(calls.load(), seen + 100);
+        whileKilling += calls.load() - seen;
     }
+    // A dozen each time, more where this thread is kept off the processors; one that is left out waits for
+    // thousands.
+    EXPECT_LT(whileKilling, 600);
 }
 
 TEST_F(TimerTest, TimersMayBeSetAndKilledFromManyThreadsWhileTheyFire)
