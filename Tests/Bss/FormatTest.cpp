@@ -170,6 +170,7 @@ TEST(Format, WidthFlagsAndPrecisionOfIntegers)
 TEST(Format, AlternateForm)
 {
     EXPECT_EQ(Format("%#x %#X %#o %#x", 255, 255, 8, 0), "0xff 0XFF 010 0");
+    EXPECT_EQ(Format("[%#.0o][%#.0x][%#.3o][%#o]", 0, 0, 8, 0), "[0][][010][0]");
     EXPECT_EQ(Format("[%#8x][%#08x]", 255, 255), "[    0xff][0x0000ff]");
 }
 

@@ -252,7 +252,9 @@ private:
         IntegerDigitsC digits(value, base, spec.letter == 'X');
         if (spec.alternate && base == 8 && value != 0) digits.PutInFront('0');
         const bool prefixed = spec.alternate && base == 16 && value != 0;
-        PutInteger(spec, prefixed ? (spec.letter == 'X' ? "0X" : "0x") : "", digits.View(), value == 0);
+        const bool keepsZero = spec.alternate && base == 8; // also with a precision of 0
+        PutInteger(spec, prefixed ? (spec.letter == 'X' ? "0X" : "0x") : "", digits.View(),
+                   value == 0 && !keepsZero);
         return true;
     }
 
