@@ -118,6 +118,7 @@ TEST_F(LogFile, LimitIsKeptAlsoByWhatLinesAreFilledUpWith)
         for (int i = 100; i > 0; --i) {
             const std::string part = Bytes(BSS::UTI::Format("a.%d.txt", i));
             EXPECT_LE(part.size(), LIMIT);
+            EXPECT_TRUE(Support::PagesEndWithLines(part)) << i;
             found += part;
         }
         EXPECT_LE(Bytes("a.txt").size(), LIMIT);
