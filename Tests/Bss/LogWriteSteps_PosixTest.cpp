@@ -7,6 +7,7 @@
 #include "Bss/Bss_Uti/BSS_UTI_Format.h"
 #include "Support/LogFolderTest.h"
 #include "Support/LogLines.h"
+#include "Support/SystemCall_Posix.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -37,12 +38,6 @@ struct StepsT
     int writes = 0;
 };
 StepsT s_steps;
-
-} // namespace
-
-extern "C" long __real_syscall(long number, ...);
-
-namespace {
 
 // The first so many bytes of the parts.
 std::vector<struct iovec> Beginning(const struct iovec* parts, long count, std::size_t bytes)
@@ -75,11 +70,9 @@ long Write(int fd, const struct iovec* parts, long count, long offset)
 
 extern "C" long __wrap_syscall(long number, ...)
 {
-    long values[6] = {};
     std::va_list arguments;
     va_start(arguments, number);
-    for (long& value : values)
-        value = va_arg(arguments, long);
+    const Support::CallValuesT values = Support::CallValuesOf(arguments);
     va_end(arguments);
     const int fd = static_cast<int>(values[0]);
     if (number == SYS_pwritev && s_steps.singleOnly) {
@@ -92,7 +85,7 @@ extern "C" long __wrap_syscall(long number, ...)
         const struct iovec part = {reinterpret_cast<void*>(values[1]), static_cast<std::size_t>(values[2])};
         return Write(fd, &part, 1, values[3]);
     }
-    return __real_syscall(number, values[0], values[1], values[2], values[3], values[4], values[5]);
+    return Support::MakeSystemCall(number, values);
 }
 
 namespace {

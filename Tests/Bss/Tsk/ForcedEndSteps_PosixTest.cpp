@@ -11,6 +11,7 @@
 #include "Bss/Bss_Tsk/BSS_TSK_Event.h"
 #include "Support/ChildExpect.h"
 #include "Support/Eventually.h"
+#include "Support/SystemCall_Posix.h"
 #include "TaskFixture.h"
 
 #include <atomic>
@@ -70,22 +71,17 @@ bool SleeperSleeps()
 
 } // namespace
 
-extern "C" long __real_syscall(long number, ...);
-
 extern "C" long __wrap_syscall(long number, ...)
 {
-    long values[6] = {};
     std::va_list arguments;
     va_start(arguments, number);
-    for (long& value : values)
-        value = va_arg(arguments, long);
+    const Support::CallValuesT values = Support::CallValuesOf(arguments);
     va_end(arguments);
     const int operation = number == SYS_futex ? static_cast<int>(values[1]) & FUTEX_CMD_MASK : -1;
     const bool bSleeps = operation == FUTEX_WAIT || operation == FUTEX_WAIT_BITSET;
     if (operation == FUTEX_WAKE) HoldUntilTheSignalIsSent(HoldT::BeforeWake);
     if (bSleeps && s_sleeper.load() == BSS::HAL::CurrentThreadId()) s_bGoesToSleep = true;
-    const long result =
-        __real_syscall(number, values[0], values[1], values[2], values[3], values[4], values[5]);
+    const long result = Support::MakeSystemCall(number, values);
     if (bSleeps) HoldUntilTheSignalIsSent(HoldT::AfterSleep);
     if (number == SYS_tgkill && values[2] != 0) s_bSignalSent = true;
     return result;
