@@ -283,6 +283,16 @@ TEST_F(LogFile, BeginningOfALineThatADeadWriterLeftIsRemoved)
     EXPECT_EQ(Bytes("a.txt"), "whole\nnext\n");
 }
 
+TEST_F(LogFile, LongestLineThatADeadWriterLeftIsRemovedWithWhatFilledItUp)
+{
+    boost::filesystem::create_directories(m_directory.Path() / "log");
+    const std::size_t longest = DbgLogConsumerC::s_iLOG_LINE_BUFFER_SIZE - 2; // without its end
+    Support::WriteAll(Path("a.txt"), "one\n" + std::string(longest, 'x') + std::string(4095, ' '));
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("next\n"));
+    EXPECT_EQ(Bytes("a.txt"), "one\nnext\n");
+}
+
 TEST_F(LogFile, LongTextWithoutALineEndThatIsNotOursIsEndedAndKept)
 {
     boost::filesystem::create_directories(m_directory.Path() / "log");

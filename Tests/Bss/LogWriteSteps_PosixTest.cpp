@@ -34,6 +34,8 @@ struct StepsT
     int interruptions = 0;        ///< so many of them find a signal waiting
     bool singleOnly = false;      ///< the call that gathers pieces is forbidden
     std::size_t bytes = NO_LIMIT; ///< that one call takes at most
+    long fullAt = -1;             ///< the disk is full when the file has so many bytes
+    bool cutsNothing = false;     ///< the file cannot be cut off
     long endAt = -1;              ///< the process ends when the file has so many bytes
     int writes = 0;
 };
@@ -58,6 +60,11 @@ long Write(int fd, const struct iovec* parts, long count, long offset)
         errno = EINTR;
         return -1;
     }
+    if (s_steps.fullAt >= 0 && offset >= s_steps.fullAt) {
+        errno = ENOSPC;
+        return -1;
+    }
+    if (s_steps.fullAt >= 0) s_steps.bytes = static_cast<std::size_t>(s_steps.fullAt - offset);
     const bool ends = s_steps.endAt >= offset;
     const std::size_t most = ends ? static_cast<std::size_t>(s_steps.endAt - offset) : s_steps.bytes;
     const std::vector<struct iovec> taken = Beginning(parts, count, most);
@@ -86,6 +93,15 @@ extern "C" long __wrap_syscall(long number, ...)
         return Write(fd, &part, 1, values[3]);
     }
     return Support::MakeSystemCall(number, values);
+}
+
+extern "C" int __real_ftruncate(int fd, off_t length);
+
+extern "C" int __wrap_ftruncate(int fd, off_t length)
+{
+    if (!s_steps.cutsNothing) return __real_ftruncate(fd, length);
+    errno = EIO;
+    return -1;
 }
 
 namespace {
@@ -144,6 +160,19 @@ TEST_F(LogWriteSteps, WhereNoPiecesMayBeGatheredTheyAreWrittenOneByOne)
     DbgLogFileC file(L"a.txt", 0);
     EXPECT_TRUE(file.append(lines, {1000, 0}) && file.flush());
     EXPECT_TRUE(Support::WithoutFilling(Bytes("a.txt")) == lines);
+}
+
+TEST_F(LogWriteSteps, PartOfALineThatCannotBeTakenBackAtOnceIsTakenBackBeforeTheNext)
+{
+    DbgLogFileC file(L"a.txt", 0);
+    EXPECT_TRUE(file.append("first\n", {1000, 0}));
+    s_steps = {.fullAt = 9, .cutsNothing = true};
+    EXPECT_TRUE(file.append("second\n", {1000, 0}));
+    EXPECT_FALSE(file.handOver());
+    EXPECT_EQ(Bytes("a.txt"), "first\nsec");
+    s_steps = {};
+    EXPECT_TRUE(file.handOver()); // in the same moment, in which the file is usually not looked at
+    EXPECT_EQ(Bytes("a.txt"), "first\nsecond\n");
 }
 
 TEST_F(LogWriteSteps, AFullBufferIsWrittenInOneCall)
